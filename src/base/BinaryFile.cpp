@@ -1,0 +1,128 @@
+#include "base/BinaryFile.h"
+
+#include <cerrno>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+#include "base/Failure.h"
+
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace hifx {
+namespace {
+
+Failure FailureOfErrno(int err, const std::filesystem::path& path) {
+  switch (err) {
+    case ENOENT: return Failure(fail::kFileNotFound, "File not found: " + path.string());
+    case ENOSPC: return Failure(fail::kDiskFull);
+    case EACCES:
+    case EPERM: return Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
+    default: return Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+  }
+}
+
+}  // namespace
+
+BinaryFile::BinaryFile(BinaryFile&& other) noexcept
+    : fd_(std::exchange(other.fd_, -1)), size_(other.size_) {}
+
+BinaryFile& BinaryFile::operator=(BinaryFile&& other) noexcept {
+  if (this != &other) {
+    Close();
+    fd_ = std::exchange(other.fd_, -1);
+    size_ = other.size_;
+  }
+  return *this;
+}
+
+BinaryFile::~BinaryFile() { Close(); }
+
+BinaryFile BinaryFile::OpenForWrite(const std::filesystem::path& path) {
+  BinaryFile file;
+#ifdef _WIN32
+  file.fd_ = _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, _S_IREAD | _S_IWRITE);
+#else
+  file.fd_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+#endif
+  if (file.fd_ < 0) throw FailureOfErrno(errno, path);
+#ifdef _WIN32
+  struct _stat64 st {};
+  const bool regular = _fstat64(file.fd_, &st) == 0 && (st.st_mode & _S_IFREG) != 0;
+#else
+  struct stat st {};
+  const bool regular = ::fstat(file.fd_, &st) == 0 && S_ISREG(st.st_mode);
+#endif
+  if (!regular) throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+  file.size_ = static_cast<uint64_t>(st.st_size);
+  return file;
+}
+
+void BinaryFile::WriteAt(uint64_t offset, std::string_view bytes) {
+  if (fd_ < 0) throw Failure(fail::kBadFileName);
+  const char* p = bytes.data();
+  size_t left = bytes.size();
+  uint64_t at = offset;
+  while (left > 0) {
+#ifdef _WIN32
+    if (_lseeki64(fd_, static_cast<__int64>(at), SEEK_SET) < 0) throw Failure(fail::kPathAccess);
+    const int n = _write(fd_, p, static_cast<unsigned>(left > 0x40000000 ? 0x40000000 : left));
+#else
+    const ssize_t n = ::pwrite(fd_, p, left, static_cast<off_t>(at));
+#endif
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      throw Failure(errno == ENOSPC ? fail::kDiskFull : fail::kPathAccess);
+    }
+    p += n;
+    left -= static_cast<size_t>(n);
+    at += static_cast<uint64_t>(n);
+  }
+  if (at > size_) size_ = at;
+}
+
+void BinaryFile::Close() {
+  if (fd_ >= 0) {
+#ifdef _WIN32
+    _close(fd_);
+#else
+    ::close(fd_);
+#endif
+    fd_ = -1;
+  }
+}
+
+std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize) {
+  std::error_code ec;
+  const auto status = std::filesystem::status(path, ec);
+  if (ec || !std::filesystem::exists(status)) {
+    throw Failure(fail::kFileNotFound, "File not found: " + path.string());
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+  }
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
+  std::string data;
+  char chunk[65536];
+  while (in) {
+    in.read(chunk, sizeof chunk);
+    const auto got = static_cast<size_t>(in.gcount());
+    if (data.size() + got > maxSize) {
+      throw Failure(fail::kOutOfMemory, "File too large to read: " + path.string());
+    }
+    data.append(chunk, got);
+  }
+  if (in.bad()) throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+  return data;
+}
+
+}  // namespace hifx

@@ -1,0 +1,46 @@
+// Binary files for the containers: a writer that puts bytes at given offsets
+// straight through to the operating system (no user-space buffer, so a killed
+// run leaves on disk everything written so far), and a bounded whole-file
+// reader.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace hifx {
+
+// Largest file the readers take into memory.
+inline constexpr uint64_t kMaxReadFileSize = 512ull * 1024 * 1024;
+
+class BinaryFile {
+ public:
+  BinaryFile() = default;
+  BinaryFile(const BinaryFile&) = delete;
+  BinaryFile& operator=(const BinaryFile&) = delete;
+  BinaryFile(BinaryFile&& other) noexcept;
+  BinaryFile& operator=(BinaryFile&& other) noexcept;
+  ~BinaryFile();
+
+  // Opens for binary writing, creating the file if needed. An existing file is
+  // not truncated. Raises a failure when the file can't be opened.
+  static BinaryFile OpenForWrite(const std::filesystem::path& path);
+
+  bool IsOpen() const { return fd_ >= 0; }
+  int Handle() const { return fd_; }
+  // Length of the file: its length when opened, grown by every write.
+  uint64_t Size() const { return size_; }
+  void WriteAt(uint64_t offset, std::string_view bytes);
+  void Close();
+
+ private:
+  int fd_ = -1;
+  uint64_t size_ = 0;
+};
+
+// The whole file, read in binary. Raises failure 53 for a missing file, 75 for
+// one that can't be read, and 7 for one above maxSize bytes.
+std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize = kMaxReadFileSize);
+
+}  // namespace hifx

@@ -1,0 +1,31 @@
+#include "base/Failure.h"
+
+namespace hifx {
+
+std::string StandardDescription(int number) {
+  switch (number) {
+    case fail::kInvalidCall: return "Invalid procedure call or argument";
+    case fail::kOverflow: return "Overflow";
+    case fail::kOutOfMemory: return "Out of memory";
+    case fail::kSubscript: return "Subscript out of range";
+    case fail::kTypeMismatch: return "Type mismatch";
+    case fail::kBadFileName: return "Bad file name or number";
+    case fail::kFileNotFound: return "File not found";
+    case fail::kDiskFull: return "Disk full";
+    case fail::kPastEnd: return "Input past end of file";
+    case fail::kPermissionDenied: return "Permission denied";
+    case fail::kPathAccess: return "Path/File access error";
+    case fail::kNoObject: return "Object variable or With block variable not set";
+    case fail::kInvalidNull: return "Invalid use of Null";
+    case fail::kDuplicateKey:
+      return "This key is already associated with an element of this collection";
+    default: return "Application-defined or object-defined error";
+  }
+}
+
+Failure::Failure(int number) : Failure(number, StandardDescription(number)) {}
+
+Failure::Failure(int number, const std::string& description)
+    : std::runtime_error(description), number_(number) {}
+
+}  // namespace hifx

@@ -1,0 +1,80 @@
+#include "base/Value.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "base/DateSerial.h"
+#include "base/Failure.h"
+#include "base/Numbers.h"
+
+namespace hifx {
+namespace {
+
+std::string FormatFloat(double v, int significant) {
+  if (v == 0.0) return "0";
+  if (std::isnan(v) || std::isinf(v)) return "0";
+  if (v == std::trunc(v) && std::fabs(v) < 1e15) {
+    char buf[32];
+    std::snprintf(buf, sizeof buf, "%.0f", v);
+    return buf;
+  }
+  char buf[48];
+  std::snprintf(buf, sizeof buf, "%.*G", significant, v);
+  // "%G" drops trailing zeros of the fraction and writes exponents with a
+  // sign and at least two digits (1E+20, 1E-05), the form the system shows.
+  return buf;
+}
+
+}  // namespace
+
+const std::string& Value::Text() const {
+  if (const auto* s = std::get_if<std::string>(&data_)) return *s;
+  throw Failure(fail::kTypeMismatch);
+}
+
+double Value::ToDouble() const {
+  switch (Kind()) {
+    case ValueKind::Empty: return 0.0;
+    case ValueKind::Null: throw Failure(fail::kInvalidNull);
+    case ValueKind::Integer: return std::get<int16_t>(data_);
+    case ValueKind::Long: return std::get<int32_t>(data_);
+    case ValueKind::Single: return std::get<float>(data_);
+    case ValueKind::Double: return std::get<double>(data_);
+    case ValueKind::Date: return std::get<DateTag>(data_).serial;
+    case ValueKind::Text: {
+      double v = 0.0;
+      if (!ParseWholeNumber(std::get<std::string>(data_), v)) throw Failure(fail::kTypeMismatch);
+      return v;
+    }
+  }
+  return 0.0;
+}
+
+int16_t Value::ToInt16() const { return hifx::ToInt16(ToDouble()); }
+int32_t Value::ToInt32() const { return hifx::ToInt32(ToDouble()); }
+
+std::string Value::ToText() const {
+  switch (Kind()) {
+    case ValueKind::Empty: return {};
+    case ValueKind::Null: throw Failure(fail::kInvalidNull);
+    case ValueKind::Integer: return std::to_string(std::get<int16_t>(data_));
+    case ValueKind::Long: return std::to_string(std::get<int32_t>(data_));
+    case ValueKind::Single: return FormatFloat(std::get<float>(data_), 7);
+    case ValueKind::Double: return FormatFloat(std::get<double>(data_), 15);
+    case ValueKind::Date: {
+      const CivilTime t = FromDateValue(std::get<DateTag>(data_).serial);
+      char buf[40];
+      if (t.hour == 0 && t.minute == 0 && t.second == 0) {
+        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d", t.year, t.month, t.day);
+      } else {
+        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", t.year, t.month, t.day,
+                      t.hour, t.minute, t.second);
+      }
+      return buf;
+    }
+    case ValueKind::Text: return std::get<std::string>(data_);
+  }
+  return {};
+}
+
+}  // namespace hifx

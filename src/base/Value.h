@@ -1,0 +1,61 @@
+// The tagged value that fields, collections and settings carry: empty, null,
+// a 16- or 32-bit integer, a single or double float, a date or a text.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+
+namespace hifx {
+
+enum class ValueKind { Empty, Null, Integer, Long, Single, Double, Date, Text };
+
+class Value {
+ public:
+  Value() = default;  // empty
+  Value(std::string text) : data_(std::move(text)) {}   // NOLINT: texts are values
+  Value(const char* text) : data_(std::string(text)) {}  // NOLINT
+
+  static Value Null() { return Value(NullTag{}); }
+  static Value Integer(int16_t v) { return Value(v); }
+  static Value Long(int32_t v) { return Value(v); }
+  static Value Single(float v) { return Value(v); }
+  static Value Double(double v) { return Value(v); }
+  static Value Date(double serial) { return Value(DateTag{serial}); }
+
+  ValueKind Kind() const { return static_cast<ValueKind>(data_.index()); }
+  bool IsEmpty() const { return Kind() == ValueKind::Empty; }
+  bool IsNull() const { return Kind() == ValueKind::Null; }
+  bool IsText() const { return Kind() == ValueKind::Text; }
+
+  // The text of a text value; any other kind is a type mismatch.
+  const std::string& Text() const;
+
+  // The value as a number. Empty is 0; a text must be one whole number;
+  // null is an invalid use of null.
+  double ToDouble() const;
+  // As ToDouble, rounded half to even, with an overflow failure out of range.
+  int16_t ToInt16() const;
+  int32_t ToInt32() const;
+
+  // The value as a text: numbers in their shortest decimal form, dates as
+  // yyyy-mm-dd with the time when it is not midnight, empty as "".
+  std::string ToText() const;
+
+  bool operator==(const Value& other) const = default;
+
+ private:
+  struct NullTag {
+    bool operator==(const NullTag&) const = default;
+  };
+  struct DateTag {
+    double serial;
+    bool operator==(const DateTag&) const = default;
+  };
+  template <typename T>
+  explicit Value(T v) : data_(v) {}
+
+  std::variant<std::monostate, NullTag, int16_t, int32_t, float, double, DateTag, std::string> data_;
+};
+
+}  // namespace hifx

@@ -1,0 +1,53 @@
+// The shell port for the command line: log lines to standard output, message
+// boxes to standard error as "TITLE: TEXT", questions asked on the terminal
+// or answered by --yes / --no, a progress bar only on a terminal.
+#pragma once
+
+#include <cstdio>
+#include <optional>
+
+#include "base/Shell.h"
+
+namespace hifx {
+
+class CliShell final : public IShell {
+ public:
+  // presetAnswer: true for --yes, false for --no, nullopt to ask.
+  CliShell(std::optional<bool> presetAnswer, bool interactive, bool progressOnTerminal);
+
+  void WriteLog(std::string_view line) override;
+  void SetProgressButton(int32_t total, int32_t position) override;
+  MsgAnswer MsgBox(std::string_view text, std::string_view title, MsgButtons buttons,
+                   MsgIcon icon) override;
+
+  int MessageCount() const { return messages_; }
+
+ private:
+  MsgAnswer Ask(MsgButtons buttons);
+  void ClearProgress();
+
+  std::optional<bool> presetAnswer_;
+  bool interactive_;
+  bool progressOnTerminal_;
+  bool progressShown_ = false;
+  int messages_ = 0;
+};
+
+// A shell that says nothing and answers every question with its default,
+// counting the message boxes it was shown.
+class SilentShell final : public IShell {
+ public:
+  void WriteLog(std::string_view) override {}
+  void SetProgressButton(int32_t, int32_t) override {}
+  MsgAnswer MsgBox(std::string_view, std::string_view, MsgButtons, MsgIcon) override;
+  int MessageCount() const { return messages_; }
+
+ private:
+  int messages_ = 0;
+};
+
+// The answer a question gets when nobody can answer it: No for yes/no
+// questions, Cancel where that is offered, Abort for Abort-Retry-Ignore.
+MsgAnswer DefaultAnswer(MsgButtons buttons);
+
+}  // namespace hifx

@@ -1,0 +1,289 @@
+#include "handheld/clsPalmDB.h"
+
+#include <cstring>
+
+#include "base/Failure.h"
+#include "handheld/clsPalmFilePDB.h"
+#include "handheld/clsPalmFileVFS.h"
+#include "handheld/modPDB.h"
+
+namespace hifx {
+namespace {
+
+int16_t WidthOf(int32_t type) {
+  switch (type) {
+    case kFieldInt8: return 1;
+    case kFieldInt16: return 2;
+    case kFieldInt32: return 4;
+    default: return 0;
+  }
+}
+
+std::string_view TrimBlanks(std::string_view s) {
+  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
+  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
+  return s;
+}
+
+// Offsets and lengths of a record are 16-bit.
+int16_t ToOffset(size_t value) {
+  if (value > 32767) throw Failure(fail::kOverflow);
+  return static_cast<int16_t>(value);
+}
+
+std::unique_ptr<IPalmFile> MakeContainer(int32_t fileType) {
+  if (fileType == kFilePDB) return std::make_unique<clsPalmFilePDB>();
+  if (fileType == kFileVFS) return std::make_unique<clsPalmFileVFS>();
+  return nullptr;
+}
+
+}  // namespace
+
+clsPalmDB::clsPalmDB(IShell& shell) : shell_(shell) {}
+
+IPalmFile& clsPalmDB::Container() {
+  if (!file_) throw Failure(fail::kNoObject);
+  return *file_;
+}
+
+int16_t clsPalmDB::CreateDB(int32_t fileType, const std::filesystem::path& fileName,
+                            std::string_view title, std::string_view creator,
+                            std::string_view dbType, int32_t recordCount, std::string& appInfo,
+                            std::string& sortInfo) {
+  fileType_ = fileType;
+  file_ = MakeContainer(fileType);
+  return Container().CreateFile(fileName, title, creator, dbType, recordCount, appInfo, sortInfo);
+}
+
+int16_t clsPalmDB::OpenDB(const std::filesystem::path& fileName, int32_t fileType) {
+  file_.reset();
+  if (fileType == -1) {
+    // VFS is tried first: the PDB test accepts nearly any readable file.
+    if (clsPalmFileVFS().TestFileType(fileName)) {
+      fileType_ = kFileVFS;
+    } else if (clsPalmFilePDB().TestFileType(fileName)) {
+      fileType_ = kFilePDB;
+    } else {
+      return -1;
+    }
+  }
+  file_ = MakeContainer(fileType_);
+  return Container().OpenFile(fileName);
+}
+
+void clsPalmDB::ClearSchema() {
+  schema_.assign(1, SchemaField{});
+  byName_.clear();
+  fixedLength_ = 0;
+  textCount_ = 0;
+}
+
+void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) {
+  const int16_t width = WidthOf(type);
+  SchemaField field;
+  field.type = type;
+  field.name = std::string(TrimBlanks(name));
+  if (type == kFieldText) {
+    ++textCount_;
+    field.position = textCount_;
+  } else if (position < 0) {
+    field.position = fixedLength_;
+    fixedLength_ = static_cast<int16_t>(fixedLength_ + width);
+  } else {
+    // Fields may overlay each other when placed by hand.
+    field.position = position;
+    if (position + width > fixedLength_) fixedLength_ = static_cast<int16_t>(position + width);
+  }
+  const auto index = static_cast<int16_t>(schema_.size());
+  byName_.try_emplace(field.name, index);  // the first of equal names wins
+  schema_.push_back(std::move(field));
+}
+
+int16_t clsPalmDB::FindItem(std::string_view name) const {
+  const auto it = byName_.find(name);
+  return it == byName_.end() ? 0 : it->second;
+}
+
+int16_t clsPalmDB::FindItem(int32_t index) const {
+  return (index >= 0 && index <= FieldCount()) ? static_cast<int16_t>(index) : 0;
+}
+
+std::string clsPalmDB::FieldName(int16_t index) const {
+  if (index < 0 || index > FieldCount()) throw Failure(fail::kSubscript);
+  return schema_[static_cast<size_t>(index)].name;
+}
+
+int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
+  const int32_t v = value.ToInt32();
+  if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
+    buffer_[static_cast<size_t>(offset)] = static_cast<char>(v & 0xFF);
+  }
+  return ToOffset(static_cast<size_t>(offset) + 1);
+}
+
+int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
+  const int32_t v = value.ToInt32();
+  // Only this setter grows the buffer, so hand-built records can be made of
+  // words and packed texts with no schema.
+  if (offset >= 0 && static_cast<size_t>(offset) == buffer_.size()) buffer_.append(2, '\0');
+  const char bytes[2] = {static_cast<char>((v & 0xFF00) / 256), static_cast<char>(v & 0xFF)};
+  for (size_t k = 0; k < 2; ++k) {
+    const size_t at = static_cast<size_t>(offset) + k;
+    if (offset >= 0 && at < buffer_.size()) buffer_[at] = bytes[k];
+  }
+  return ToOffset(static_cast<size_t>(offset) + 2);
+}
+
+int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
+  uint8_t bytes[4] = {};
+  PutBytes(bytes, value);
+  for (size_t k = 0; k < 4; ++k) {
+    const size_t at = static_cast<size_t>(offset) + k;
+    if (offset >= 0 && at < buffer_.size()) buffer_[at] = static_cast<char>(bytes[k]);
+  }
+  return ToOffset(static_cast<size_t>(offset) + 4);
+}
+
+namespace {
+
+int32_t ReadNumber(const std::string& buffer, int16_t offset, size_t width) {
+  if (offset < 0 || static_cast<size_t>(offset) + width > buffer.size()) {
+    throw Failure(fail::kSubscript);
+  }
+  return BytesToLong(
+      std::span(reinterpret_cast<const uint8_t*>(buffer.data()) + offset, width));
+}
+
+}  // namespace
+
+int32_t clsPalmDB::GetInt8(int16_t offset) const { return ReadNumber(buffer_, offset, 1); }
+int32_t clsPalmDB::GetInt16(int16_t offset) const { return ReadNumber(buffer_, offset, 2); }
+int32_t clsPalmDB::GetInt32(int16_t offset) const { return ReadNumber(buffer_, offset, 4); }
+
+void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
+  const std::string text = value.ToText();
+  // The texts behind the fixed part are split at NULs, one element replaced,
+  // and joined again; an empty text part has no elements at all.
+  const size_t fixed = std::min(buffer_.size(), static_cast<size_t>(fixedLength_));
+  if (buffer_.size() == fixed || ordinal < 1) throw Failure(fail::kSubscript);
+  size_t start = fixed;
+  for (int16_t k = 1; k < ordinal; ++k) {
+    const size_t nul = buffer_.find('\0', start);
+    if (nul == std::string::npos) throw Failure(fail::kSubscript);
+    start = nul + 1;
+  }
+  size_t end = buffer_.find('\0', start);
+  if (end == std::string::npos) end = buffer_.size();
+  buffer_.replace(start, end - start, text);
+}
+
+int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad) {
+  if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
+    buffer_.resize(static_cast<size_t>(offset));
+  }
+  buffer_.append(text);
+  buffer_.push_back('\0');
+  // Padded to an even length, so the word that follows is aligned.
+  if (pad && buffer_.size() % 2 == 1) buffer_.push_back('\0');
+  return ToOffset(buffer_.size());
+}
+
+std::string clsPalmDB::GetString(int16_t& ordinal) const {
+  // The position stands just before the text, on the NUL that closes the one
+  // before it (or on the last byte of the fixed part).
+  int64_t position = static_cast<int64_t>(fixedLength_) - 1;
+  while (ordinal >= 2) {
+    const size_t from = static_cast<size_t>(position + 1);
+    const size_t nul = from < buffer_.size() ? buffer_.find('\0', from) : std::string::npos;
+    if (nul == std::string::npos) return {};
+    position = static_cast<int64_t>(nul);
+    --ordinal;
+  }
+  const size_t begin = static_cast<size_t>(position + 1);
+  if (begin >= buffer_.size()) return {};
+  size_t end = buffer_.find('\0', begin);
+  if (end == std::string::npos) end = buffer_.size();
+  return buffer_.substr(begin, end - begin);
+}
+
+Value clsPalmDB::ReadField(int16_t index) {
+  if (index == 0) return Value::Null();
+  const SchemaField& field = schema_[static_cast<size_t>(index)];
+  try {
+    switch (field.type) {
+      case kFieldText: {
+        int16_t ordinal = field.position;
+        return Value(GetString(ordinal));
+      }
+      case kFieldInt8: return Value::Integer(static_cast<int16_t>(GetInt8(field.position)));
+      case kFieldInt16: return Value::Long(GetInt16(field.position));
+      case kFieldInt32: return Value::Long(GetInt32(field.position));
+      default: return Value();
+    }
+  } catch (const Failure& failure) {
+    shell_.MsgBox(failure.Description());
+    return Value();
+  }
+}
+
+void clsPalmDB::WriteField(int16_t index, const Value& value) {
+  const SchemaField& field = schema_[static_cast<size_t>(index)];
+  switch (field.type) {
+    case kFieldText: SetString(field.position, value); break;
+    case kFieldInt8: SetInt8(field.position, value); break;
+    case kFieldInt16: SetInt16(field.position, value); break;
+    case kFieldInt32: SetInt32(field.position, value); break;
+    default: break;
+  }
+}
+
+Value clsPalmDB::Item(std::string_view name) { return ReadField(FindItem(name)); }
+Value clsPalmDB::Item(int32_t index) { return ReadField(FindItem(index)); }
+
+void clsPalmDB::SetItem(std::string_view name, const Value& value) {
+  const int16_t index = FindItem(name);
+  if (index == 0) {
+    shell_.MsgBox(std::string(name) + " not valid field in Record");
+    return;
+  }
+  WriteField(index, value);
+}
+
+void clsPalmDB::SetItem(int32_t index, const Value& value) {
+  const int16_t found = FindItem(index);
+  if (found == 0) {
+    shell_.MsgBox(std::to_string(index) + " not valid field in Record");
+    return;
+  }
+  WriteField(found, value);
+}
+
+void clsPalmDB::AddNew() { buffer_.assign(static_cast<size_t>(fixedLength_ + textCount_), '\0'); }
+void clsPalmDB::Rewind() { Container().Rewind(); }
+bool clsPalmDB::WriteData() { return Container().WriteRecord(buffer_); }
+bool clsPalmDB::WriteRaw(std::string_view bytes) { return Container().WriteRecord(bytes); }
+int16_t clsPalmDB::RecordCount() { return Container().RecordCount(); }
+bool clsPalmDB::ReadData(int32_t& number) { return Container().ReadRecord(number, buffer_); }
+bool clsPalmDB::ReadRaw(std::string& bytes, int32_t& number) {
+  return Container().ReadRecord(number, bytes);
+}
+
+std::string clsPalmDB::Title() { return Container().Title(); }
+std::string clsPalmDB::Creator() { return Container().Creator(); }
+std::string clsPalmDB::DBType() { return Container().DBType(); }
+std::string clsPalmDB::AppInfo() { return Container().AppInfo(); }
+std::string clsPalmDB::SortInfo() { return Container().SortInfo(); }
+double clsPalmDB::CreateDate() { return Container().CreateDate(); }
+double clsPalmDB::ModifyDate() { return Container().ModifyDate(); }
+int16_t clsPalmDB::Attributes() { return Container().Attributes(); }
+int16_t clsPalmDB::Position255() { return Container().Position255(); }
+
+KeyedCollection<Value> clsPalmDB::GetValues() {
+  KeyedCollection<Value> values;
+  for (int16_t i = 1; i <= FieldCount(); ++i) {
+    values.Add(schema_[static_cast<size_t>(i)].name, ReadField(i));
+  }
+  return values;
+}
+
+}  // namespace hifx

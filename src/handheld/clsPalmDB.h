@@ -1,0 +1,114 @@
+// Records with named, typed fields over a handheld container. Numeric fields
+// sit at fixed offsets at the front of a record, every text behind them closed
+// by a NUL; the schema says where. One record buffer moves field values in and
+// out and is moved whole to and from the file.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/CaseBlind.h"
+#include "base/KeyedCollection.h"
+#include "base/Shell.h"
+#include "base/Value.h"
+#include "handheld/IPalmFile.h"
+
+namespace hifx {
+
+// Field type codes of a schema entry.
+enum FieldTypeCode : int32_t { kFieldText = 0, kFieldInt8 = 1, kFieldInt16 = 2, kFieldInt32 = 3 };
+
+// Container kinds, as GetType reports them.
+enum FileTypeCode : int32_t { kFileNone = 0, kFilePDB = 1, kFileVFS = 2 };
+
+class clsPalmDB {
+ public:
+  struct SchemaField {
+    int32_t type = kFieldText;
+    int16_t position = 0;  // byte offset of a number; ordinal from 1 of a text
+    std::string name;
+  };
+
+  explicit clsPalmDB(IShell& shell);
+
+  int16_t CreateDB(int32_t fileType, const std::filesystem::path& fileName, std::string_view title,
+                   std::string_view creator, std::string_view dbType, int32_t recordCount,
+                   std::string& appInfo, std::string& sortInfo);
+  // fileType -1 detects the container; returns -1 when neither takes the
+  // file, else the open's status (0 for success).
+  int16_t OpenDB(const std::filesystem::path& fileName, int32_t fileType);
+
+  void ClearSchema();
+  void AddField(int32_t type, std::string_view name, int16_t position = -1);
+  int16_t FindItem(std::string_view name) const;
+  int16_t FindItem(int32_t index) const;
+  int16_t FieldCount() const { return static_cast<int16_t>(schema_.size() - 1); }
+  std::string FieldName(int16_t index) const;
+  const SchemaField& Field(int16_t index) const { return schema_.at(static_cast<size_t>(index)); }
+  int16_t FixedLength() const { return fixedLength_; }
+  int16_t TextCount() const { return textCount_; }
+
+  int16_t SetInt8(int16_t offset, const Value& value);
+  int16_t SetInt16(int16_t offset, const Value& value);
+  int16_t SetInt32(int16_t offset, const Value& value);
+  int32_t GetInt8(int16_t offset) const;
+  int32_t GetInt16(int16_t offset) const;
+  int32_t GetInt32(int16_t offset) const;
+  void SetString(int16_t ordinal, const Value& value);
+  int16_t AppendString(int16_t offset, std::string_view text, bool pad);
+  // Moves ordinal down to 1 as it walks the texts, as callers have seen.
+  std::string GetString(int16_t& ordinal) const;
+
+  // Field access by name or schema index. A read failure is shown and gives
+  // the empty value; an unknown field reads as null.
+  Value Item(std::string_view name);
+  Value Item(int32_t index);
+  // An unknown field is reported and nothing changes.
+  void SetItem(std::string_view name, const Value& value);
+  void SetItem(int32_t index, const Value& value);
+
+  void AddNew();
+  void Rewind();
+  bool WriteData();
+  bool WriteRaw(std::string_view bytes);
+  int16_t RecordCount();
+  bool ReadData(int32_t& number);
+  bool ReadRaw(std::string& bytes, int32_t& number);
+
+  std::string Title();
+  std::string Creator();
+  std::string DBType();
+  std::string AppInfo();
+  std::string SortInfo();
+  double CreateDate();
+  double ModifyDate();
+  int16_t Attributes();
+  int16_t Position255();
+
+  KeyedCollection<Value> GetValues();
+  int32_t GetType() const { return fileType_; }
+  const std::string& RawData() const { return buffer_; }
+  void SetRawData(std::string bytes) { buffer_ = std::move(bytes); }
+
+ private:
+  IPalmFile& Container();
+  Value ReadField(int16_t index);
+  void WriteField(int16_t index, const Value& value);
+
+  IShell& shell_;
+  std::unique_ptr<IPalmFile> file_;
+  int32_t fileType_ = kFileNone;
+  int16_t fixedLength_ = 0;
+  int16_t textCount_ = 0;
+  std::string buffer_;
+  std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
+  // First schema index of each name, so a lookup by name needs no scan.
+  std::unordered_map<std::string, int16_t, CaseBlindHash, CaseBlindEqual> byName_;
+};
+
+}  // namespace hifx

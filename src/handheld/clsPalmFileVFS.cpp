@@ -1,0 +1,107 @@
+#include "handheld/clsPalmFileVFS.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "base/Failure.h"
+#include "base/Numbers.h"
+#include "handheld/modPDB.h"
+
+namespace hifx {
+
+bool clsPalmFileVFS::TestFileType(const std::filesystem::path& fileName) {
+  if (OpenFile(fileName) != 0) return false;
+  std::array<uint8_t, 4> first{};
+  std::memcpy(first.data(), contents_.data(), std::min<size_t>(4, contents_.size()));
+  CloseFile();
+  // A big-endian record length from 1 to 65535. A PDB fails this because its
+  // first bytes are the database's name.
+  return first[0] == 0 && first[1] == 0 && (first[2] != 0 || first[3] != 0);
+}
+
+int16_t clsPalmFileVFS::CreateFile(const std::filesystem::path& fileName, std::string_view,
+                                   std::string_view, std::string_view, int32_t, std::string&,
+                                   std::string&) {
+  CloseFile();
+  try {
+    // As for PDB, the open does not truncate an existing file.
+    writer_ = BinaryFile::OpenForWrite(fileName);
+  } catch (const Failure& failure) {
+    return static_cast<int16_t>(failure.Number());
+  }
+  writePosition_ = 0;
+  return 0;
+}
+
+void clsPalmFileVFS::Rewind() {
+  readPosition_ = 0;
+  writePosition_ = 0;
+}
+
+bool clsPalmFileVFS::WriteRecord(std::string_view data) {
+  if (!writer_.IsOpen()) throw Failure(fail::kBadFileName);
+  std::string record(4, '\0');
+  PutBytes(std::span(reinterpret_cast<uint8_t*>(record.data()), 4),
+           Value::Double(static_cast<double>(data.size())));
+  record.append(data);
+  writer_.WriteAt(writePosition_, record);
+  writePosition_ += record.size();
+  return true;
+}
+
+int16_t clsPalmFileVFS::OpenFile(const std::filesystem::path& fileName) {
+  CloseFile();
+  try {
+    contents_ = ReadWholeFile(fileName);
+  } catch (const Failure& failure) {
+    return static_cast<int16_t>(failure.Number());
+  }
+  reading_ = true;
+  readPosition_ = 0;
+  return 0;
+}
+
+bool clsPalmFileVFS::ReadRecord(int32_t&, std::string& data) {
+  // The record number is ignored: this container reads only in sequence.
+  if (readPosition_ >= contents_.size()) {
+    data.clear();
+    return false;
+  }
+  std::array<uint8_t, 4> lengthBytes{};
+  const size_t have = std::min<uint64_t>(4, contents_.size() - readPosition_);
+  std::memcpy(lengthBytes.data(), contents_.data() + readPosition_, have);
+  readPosition_ += have;
+  const int32_t length = BytesToLong(lengthBytes);
+  if (static_cast<uint64_t>(length) > contents_.size() - readPosition_) {
+    readPosition_ = contents_.size();
+    throw Failure(fail::kPastEnd);
+  }
+  data.assign(contents_, static_cast<size_t>(readPosition_), static_cast<size_t>(length));
+  readPosition_ += static_cast<uint64_t>(length);
+  // A record of length 0 reads as False, though it is not the end of the file.
+  return !data.empty();
+}
+
+int16_t clsPalmFileVFS::Position255() {
+  if (contents_.empty()) return 0;
+  // The product is a 32-bit integer: above about 8 MB it overflows.
+  const int64_t product = static_cast<int64_t>(readPosition_) * 255;
+  if (product > 2147483647) throw Failure(fail::kOverflow);
+  return ToInt16(static_cast<double>(product) / static_cast<double>(contents_.size()));
+}
+
+int clsPalmFileVFS::FileHandle() {
+  if (writer_.IsOpen()) return writer_.Handle();
+  return reading_ ? 1 : 0;
+}
+
+int16_t clsPalmFileVFS::CloseFile() {
+  writer_.Close();
+  reading_ = false;
+  contents_.clear();
+  contents_.shrink_to_fit();
+  return 0;
+}
+
+}  // namespace hifx

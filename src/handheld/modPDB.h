@@ -1,0 +1,26 @@
+// Byte helpers of the handheld containers. All multi-byte integers in the
+// handheld files are big-endian.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "base/Value.h"
+
+namespace hifx {
+
+// Decodes 1, 2 or 4 bytes, first byte most significant. A value that does not
+// fit a signed 32-bit integer (a 4-byte value with its top bit set) gives 0.
+int32_t BytesToLong(std::span<const uint8_t> bytes);
+
+// Fills bytes from a value. A text goes character by character, NUL padded
+// and cut at the width, whatever the width; a number goes big-endian, with
+// the top byte of a 4-byte field left unmasked (see the .cpp).
+void PutBytes(std::span<uint8_t> bytes, const Value& value);
+
+// For each byte, the character code of the first digit of its decimal form,
+// in decimal: the byte 68 gives "54". The getters of creator and type use it.
+std::string BytesToDecimalText(std::span<const uint8_t> bytes);
+
+}  // namespace hifx

@@ -1,0 +1,129 @@
+#include "hif/HifView.h"
+
+#include <array>
+#include <cstdio>
+
+namespace hifx {
+namespace {
+
+constexpr std::array<const char*, 37> kMeterColumns = {
+    "Sequence",       "MeterTagNbr",     "MeterType",    "Digits",       "Decimals",
+    "PrvReading",     "MaxReading",      "MinReading",   "CurReading",   "ReadingDate",
+    "ReadingTime",    "Status",          "ReadType",     "ResponseCode", "LstReadingDate",
+    "TamperCount",    "UtilityCode",     "Signal",       "Lat",          "Lng",
+    "ScaleFactor",    "InitReading",     "InitPulseCount", "InitTamperCount", "Initials",
+    "ResponseText",   "Message",         "ServiceAddress", "BillingName",  "ServiceUniqueID",
+    "MeterSerialNbr", "ReceiverData",    "User1",        "User2",        "User3",
+    "User4",          "User5"};
+
+std::string Cell(const Value& value) {
+  if (value.IsNull() || value.IsEmpty()) return {};
+  return value.ToText();
+}
+
+int32_t NumberOf(const Value& value) {
+  if (value.IsNull() || value.IsEmpty() || value.IsText()) return -1;
+  return value.ToInt32();
+}
+
+void AppendJsonText(std::string& out, const std::string& text) {
+  out.push_back('"');
+  for (const char ch : text) {
+    const auto c = static_cast<unsigned char>(ch);
+    if (c == '"' || c == '\\') {
+      out.push_back('\\');
+      out.push_back(ch);
+    } else if (c < 0x20 || c >= 0x7F) {
+      // Bytes are shown as the Latin-1 characters of the same codes.
+      char buf[8];
+      std::snprintf(buf, sizeof buf, "\\u%04x", c);
+      out.append(buf);
+    } else {
+      out.push_back(ch);
+    }
+  }
+  out.push_back('"');
+}
+
+bool IsHandBuilt(int32_t recType) {
+  return recType == kRecLogins || recType == kRecCodes || recType == kRecIndex ||
+         recType == kRecAlerts;
+}
+
+}  // namespace
+
+HifView::HifView(IShell& shell) : shell_(shell), hif_(shell) {}
+
+bool HifView::Display(const std::filesystem::path& fileName) {
+  routes_ = TextTable{};
+  if (hif_.OpenHIF(fileName)) {
+    shell_.WriteLog("Error: Could not read HIF file");
+    return false;
+  }
+  if (hif_.ReadData()) {
+    const int32_t recType = NumberOf(hif_.Item("RecType"));
+    const int32_t version = NumberOf(hif_.Item("MeterType"));
+    if (recType == kRecFileHeader && version > 0) hif_.SetVersion(static_cast<int16_t>(version));
+  }
+  routes_.columns = {"Index", "Route", "Meters", "First Read", "Last Read"};
+  hif_.Rewind();
+  while (hif_.ReadData()) {
+    const int32_t recType = NumberOf(hif_.Item("RecType"));
+    if (recType != kRecRouteHeader && recType != kRecRouteHeaderAlt) continue;
+    // In a route record Sequence and MeterTagNbr carry the first and last read.
+    routes_.rows.push_back({Cell(hif_.Item("RouteNbr")), Cell(hif_.Item("Initials")),
+                            Cell(hif_.Item("PrvReading")), Cell(hif_.Item("Sequence")),
+                            Cell(hif_.Item("MeterTagNbr"))});
+  }
+  return true;
+}
+
+TextTable HifView::Meters(int32_t route) {
+  TextTable table;
+  table.columns.assign(kMeterColumns.begin(), kMeterColumns.end());
+  hif_.Rewind();
+  while (hif_.ReadData()) {
+    if (NumberOf(hif_.Item("RecType")) != kRecMeter) continue;
+    if (NumberOf(hif_.Item("RouteNbr")) != route) continue;
+    std::vector<std::string> row;
+    row.reserve(kMeterColumns.size());
+    for (const char* name : kMeterColumns) row.push_back(Cell(hif_.Item(name)));
+    table.rows.push_back(std::move(row));
+  }
+  return table;
+}
+
+std::string RecordToJson(clsHIF& hif) {
+  std::string out = "{";
+  const std::string& raw = hif.RawData();
+  const Value recType = raw.size() >= 2 ? hif.Item("RecType") : Value();
+  if (!recType.IsEmpty() && IsHandBuilt(recType.ToInt32())) {
+    out += "\"RecType\":" + recType.ToText() + ",\"hex\":\"";
+    static constexpr char kHex[] = "0123456789abcdef";
+    for (const char ch : raw) {
+      out.push_back(kHex[static_cast<unsigned char>(ch) >> 4]);
+      out.push_back(kHex[static_cast<unsigned char>(ch) & 15]);
+    }
+    out += "\"}";
+    return out;
+  }
+  const KeyedCollection<Value> values = hif.GetValues();
+  bool first = true;
+  for (const auto& [name, value] : values) {
+    if (!first) out.push_back(',');
+    first = false;
+    AppendJsonText(out, name);
+    out.push_back(':');
+    if (value.IsEmpty() || value.IsNull()) {
+      out += "null";  // past the end of a short record
+    } else if (value.IsText()) {
+      AppendJsonText(out, value.Text());
+    } else {
+      out += value.ToText();
+    }
+  }
+  out.push_back('}');
+  return out;
+}
+
+}  // namespace hifx

@@ -1,0 +1,42 @@
+// What a HIF holds, as the viewer shows it: its routes in one table and the
+// meters of a chosen route in another. The file is never changed.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "base/Shell.h"
+#include "hif/clsHIF.h"
+
+namespace hifx {
+
+struct TextTable {
+  std::vector<std::string> columns;
+  std::vector<std::vector<std::string>> rows;
+};
+
+class HifView {
+ public:
+  explicit HifView(IShell& shell);
+
+  // Opens the file and fills the route table. On failure logs
+  // "Error: Could not read HIF file" and returns false.
+  bool Display(const std::filesystem::path& fileName);
+  const TextTable& Routes() const { return routes_; }
+  // Every meter record of the route, one column per field; orphans are not
+  // shown.
+  TextTable Meters(int32_t route);
+
+ private:
+  IShell& shell_;
+  clsHIF hif_;
+  TextTable routes_;
+};
+
+// One JSON object of the record in the buffer of hif: schema records by field
+// name, other records by their RecType and bytes in hex.
+std::string RecordToJson(clsHIF& hif);
+
+}  // namespace hifx
