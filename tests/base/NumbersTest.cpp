@@ -1,0 +1,69 @@
+#include <gtest/gtest.h>
+
+#include "base/Failure.h"
+#include "base/Numbers.h"
+
+namespace hifx {
+namespace {
+
+int FailureNumber(auto&& call) {
+  try {
+    call();
+  } catch (const Failure& f) {
+    return f.Number();
+  }
+  return 0;
+}
+
+TEST(Rounding, HalvesGoToTheEvenNeighbour) {
+  EXPECT_EQ(RoundHalfEven(0.5), 0.0);
+  EXPECT_EQ(RoundHalfEven(1.5), 2.0);
+  EXPECT_EQ(RoundHalfEven(2.5), 2.0);
+  EXPECT_EQ(RoundHalfEven(3.5), 4.0);
+  EXPECT_EQ(RoundHalfEven(-2.5), -2.0);
+  EXPECT_EQ(RoundHalfEven(-3.5), -4.0);
+  EXPECT_EQ(RoundHalfEven(2.4999), 2.0);
+  EXPECT_EQ(RoundHalfEven(2.5001), 3.0);
+}
+
+TEST(Rounding, SixteenAndThirtyTwoBitLimitsOverflow) {
+  EXPECT_EQ(ToInt16(32767.4), 32767);
+  EXPECT_EQ(ToInt16(-32768.5), -32768);  // rounds to the even -32768
+  EXPECT_EQ(FailureNumber([] { ToInt16(32767.5); }), fail::kOverflow);
+  EXPECT_EQ(FailureNumber([] { ToInt16(-32769.0); }), fail::kOverflow);
+  EXPECT_EQ(ToInt32(2147483647.0), 2147483647);
+  EXPECT_EQ(ToInt32(-2147483648.0), -2147483647 - 1);
+  EXPECT_EQ(FailureNumber([] { ToInt32(2147483647.5); }), fail::kOverflow);
+  EXPECT_EQ(FailureNumber([] { ToInt32(0.0 / 0.0); }), fail::kOverflow);
+}
+
+struct PrefixCase {
+  const char* text;
+  double value;
+};
+
+class NumericPrefixTest : public testing::TestWithParam<PrefixCase> {};
+
+TEST_P(NumericPrefixTest, ReadsTheLeadingNumber) {
+  EXPECT_DOUBLE_EQ(NumericPrefix(GetParam().text), GetParam().value) << GetParam().text;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, NumericPrefixTest,
+    testing::Values(PrefixCase{"", 0}, PrefixCase{"abc", 0}, PrefixCase{"  12abc", 12},
+                    PrefixCase{"\t7", 7}, PrefixCase{"-3.5e2x", -350}, PrefixCase{"1e", 1},
+                    PrefixCase{"1E+3", 1000}, PrefixCase{".5", 0.5}, PrefixCase{"+7", 7},
+                    PrefixCase{"1.2.3", 1.2}, PrefixCase{"12 34", 12}, PrefixCase{"-", 0},
+                    PrefixCase{"0042", 42}, PrefixCase{"5.", 5}));
+
+TEST(WholeNumber, AcceptsOnlyATextThatIsOneNumber) {
+  double v = -1;
+  EXPECT_TRUE(ParseWholeNumber(" 12 ", v));
+  EXPECT_EQ(v, 12);
+  EXPECT_FALSE(ParseWholeNumber("12a", v));
+  EXPECT_FALSE(ParseWholeNumber("", v));
+  EXPECT_FALSE(ParseWholeNumber("1 2", v));
+}
+
+}  // namespace
+}  // namespace hifx

@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+
+#include "base/DateSerial.h"
+#include "base/Failure.h"
+#include "base/KeyedCollection.h"
+#include "base/Value.h"
+
+namespace hifx {
+namespace {
+
+int FailureNumber(auto&& call) {
+  try {
+    call();
+  } catch (const Failure& f) {
+    return f.Number();
+  }
+  return 0;
+}
+
+TEST(Value, KindsAndConversions) {
+  EXPECT_TRUE(Value().IsEmpty());
+  EXPECT_TRUE(Value::Null().IsNull());
+  EXPECT_EQ(Value::Integer(5).Kind(), ValueKind::Integer);
+  EXPECT_EQ(Value::Long(5).Kind(), ValueKind::Long);
+  EXPECT_NE(Value::Integer(5), Value::Long(5));
+  EXPECT_EQ(Value().ToDouble(), 0.0);
+  EXPECT_EQ(Value("  12 ").ToInt32(), 12);
+  EXPECT_EQ(Value::Double(2.5).ToInt32(), 2);
+  EXPECT_EQ(FailureNumber([] { Value("12a").ToInt32(); }), fail::kTypeMismatch);
+  EXPECT_EQ(FailureNumber([] { Value::Null().ToDouble(); }), fail::kInvalidNull);
+  EXPECT_EQ(FailureNumber([] { Value::Long(1).Text(); }), fail::kTypeMismatch);
+}
+
+TEST(Value, TextForms) {
+  EXPECT_EQ(Value().ToText(), "");
+  EXPECT_EQ(Value::Long(-42).ToText(), "-42");
+  EXPECT_EQ(Value::Double(1.5).ToText(), "1.5");
+  EXPECT_EQ(Value::Double(0.1).ToText(), "0.1");
+  EXPECT_EQ(Value::Double(100).ToText(), "100");
+  EXPECT_EQ(Value::Double(1e20).ToText(), "1E+20");
+  EXPECT_EQ(Value::Single(0.1f).ToText(), "0.1");
+  EXPECT_EQ(Value::Date(DateSerial(2024, 2, 29)).ToText(), "2024-02-29");
+  EXPECT_EQ(Value::Date(DateSerial(2024, 2, 29) + TimeSerial(13, 5, 9)).ToText(),
+            "2024-02-29 13:05:09");
+}
+
+TEST(DateSerial, DaysSinceTheEndOf1899) {
+  EXPECT_EQ(DateSerial(1899, 12, 30), 0);
+  EXPECT_EQ(DateSerial(1900, 1, 1), 2);
+  EXPECT_EQ(DateSerial(1904, 1, 1), kPalmEpochSerial);
+  EXPECT_EQ(DateSerial(2000, 1, 1), 36526);
+  EXPECT_EQ(DateSerial(2024, 13, 1), DateSerial(2025, 1, 1));  // months roll over
+  EXPECT_EQ(DateSerial(2024, 3, 0), DateSerial(2024, 2, 29));
+  const CivilTime t = FromDateValue(DateSerial(1999, 12, 31) + TimeSerial(23, 59, 59));
+  EXPECT_EQ(t.year, 1999);
+  EXPECT_EQ(t.month, 12);
+  EXPECT_EQ(t.day, 31);
+  EXPECT_EQ(t.hour, 23);
+  EXPECT_EQ(t.minute, 59);
+  EXPECT_EQ(t.second, 59);
+}
+
+TEST(KeyedCollection, KeysIgnoreCaseAndKeepTheirOrder) {
+  KeyedCollection<int> c;
+  c.Add("RouteNbr", 1);
+  c.Add("Sequence", 2);
+  EXPECT_EQ(c.Item("routenbr"), 1);
+  EXPECT_EQ(c.Item("SEQUENCE"), 2);
+  EXPECT_EQ(c.Item(size_t{2}), 2);
+  EXPECT_EQ(c.Key(1), "RouteNbr");
+  EXPECT_EQ(FailureNumber([&] { c.Add("ROUTENBR", 3); }), fail::kDuplicateKey);
+  EXPECT_EQ(FailureNumber([&] { c.Item("Missing"); }), fail::kInvalidCall);
+  EXPECT_EQ(FailureNumber([&] { c.Item(size_t{3}); }), fail::kInvalidCall);
+  c.Remove("routeNBR");
+  EXPECT_EQ(c.Count(), 1u);
+  EXPECT_EQ(c.Item("Sequence"), 2);
+  EXPECT_FALSE(c.Contains("RouteNbr"));
+}
+
+}  // namespace
+}  // namespace hifx

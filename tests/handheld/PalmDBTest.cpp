@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include "base/Failure.h"
+#include "handheld/clsPalmDB.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+using test::Hex;
+using test::TempDir;
+using test::TestShell;
+using test::WriteBytes;
+
+// A 2-byte, a 4-byte and a 1-byte number, then two texts.
+class SmallSchema : public testing::Test {
+ protected:
+  void SetUp() override {
+    db.AddField(kFieldInt16, " Word ");
+    db.AddField(kFieldInt32, "Long");
+    db.AddField(kFieldInt8, "Byte");
+    db.AddField(kFieldText, "First");
+    db.AddField(kFieldText, "Second");
+    db.AddNew();
+  }
+  TestShell shell;
+  clsPalmDB db{shell};
+};
+
+TEST_F(SmallSchema, NewRecordAndOffsets) {
+  EXPECT_EQ(db.RawData(), std::string(9, '\0'));
+  EXPECT_EQ(db.Field(1).position, 0);
+  EXPECT_EQ(db.Field(1).name, "Word");  // trimmed
+  EXPECT_EQ(db.Field(2).position, 2);
+  EXPECT_EQ(db.Field(3).position, 6);
+  EXPECT_EQ(db.Field(4).position, 1);
+  EXPECT_EQ(db.Field(5).position, 2);
+  EXPECT_EQ(db.FixedLength(), 7);
+  EXPECT_EQ(db.FieldCount(), 5);
+}
+
+TEST_F(SmallSchema, TextsAreReplacedInPlace) {
+  db.SetItem("Second", Value("XYZ"));
+  db.SetItem("First", Value("AB"));
+  EXPECT_EQ(db.Item("Second"), Value("XYZ"));  // the later text stays put
+  db.SetItem("Second", Value(""));
+  EXPECT_EQ(db.RawData().substr(7), Hex("41 42 00 00"));
+  EXPECT_EQ(db.Item("first"), Value("AB"));
+  db.SetItem("First", Value::Long(-12));
+  EXPECT_EQ(db.Item("First"), Value("-12"));
+  int16_t ordinal = 5;
+  EXPECT_EQ(db.GetString(ordinal), "");  // beyond the last text
+  EXPECT_EQ(ordinal, 3);                 // walked down as far as the texts went
+}
+
+TEST_F(SmallSchema, NumbersReadUnsigned) {
+  db.SetItem("Word", Value::Long(0xFFFF));
+  db.SetItem("Long", Value::Long(-1));
+  db.SetItem("Byte", Value::Long(-1));
+  EXPECT_EQ(db.Item("Word"), Value::Long(65535));
+  EXPECT_EQ(db.Item("Long"), Value::Long(0x00FFFFFF));
+  EXPECT_EQ(db.Item("Byte"), Value::Integer(255));
+  db.SetRawData(Hex("0000 FFFFFFFF 00") + std::string(2, '\0'));
+  EXPECT_EQ(db.Item("Long"), Value::Long(0));  // top bit set reads as 0, not -1
+  db.SetItem("Long", Value("1231"));           // a text is stored as characters
+  EXPECT_EQ(db.RawData().substr(2, 4), "1231");
+}
+
+TEST_F(SmallSchema, FindItemIgnoresCaseAndBounds) {
+  EXPECT_EQ(db.FindItem("LONG"), 2);
+  EXPECT_EQ(db.FindItem("none"), 0);
+  EXPECT_EQ(db.FindItem(5), 5);
+  EXPECT_EQ(db.FindItem(6), 0);
+  EXPECT_TRUE(db.Item(6).IsNull());
+  EXPECT_TRUE(db.Item("none").IsNull());
+  EXPECT_TRUE(shell.questions.empty());  // an unknown field reads silently
+}
+
+TEST_F(SmallSchema, UnknownFieldOnWriteIsReported) {
+  const std::string before = db.RawData();
+  db.SetItem("Bogus", Value::Long(1));
+  ASSERT_EQ(shell.questions.size(), 1u);
+  EXPECT_EQ(shell.questions[0].text, "Bogus not valid field in Record");
+  EXPECT_EQ(db.RawData(), before);
+}
+
+TEST_F(SmallSchema, ShortRecordReadShowsTheFailureAndGivesEmpty) {
+  db.SetRawData(Hex("0001 00"));
+  EXPECT_EQ(db.Item("Word"), Value::Long(1));
+  EXPECT_TRUE(db.Item("Long").IsEmpty());
+  ASSERT_EQ(shell.questions.size(), 1u);
+  EXPECT_EQ(shell.questions[0].text, "Subscript out of range");
+}
+
+TEST_F(SmallSchema, GetValuesKeysEveryFieldByName) {
+  db.SetItem("Word", Value::Long(7));
+  db.SetItem("Second", Value("x"));
+  const auto values = db.GetValues();
+  ASSERT_EQ(values.Count(), 5u);
+  EXPECT_EQ(values.Item("word"), Value::Long(7));
+  EXPECT_EQ(values.Item("SECOND"), Value("x"));
+  EXPECT_EQ(values.Key(3), "Byte");
+}
+
+TEST(PalmDB, HandBuiltRecordsGrowBySetInt16AndAppendString) {
+  TestShell shell;
+  clsPalmDB db(shell);
+  db.SetRawData("XYZW");
+  EXPECT_EQ(db.AppendString(3, "AB", true), 6);
+  EXPECT_EQ(db.RawData(), std::string("XYZAB\0", 6));
+  EXPECT_EQ(db.AppendString(3, "ABC", true), 8);
+  EXPECT_EQ(db.RawData(), std::string("XYZABC\0\0", 8));
+  EXPECT_EQ(db.AppendString(8, "A", false), 10);
+  EXPECT_EQ(db.SetInt16(10, Value::Long(-1)), 12);  // at the end: grows by two
+  EXPECT_EQ(db.RawData().size(), 12u);
+  EXPECT_EQ(db.RawData().substr(10), Hex("FFFF"));
+  EXPECT_EQ(db.SetInt16(13, Value::Long(1)), 15);  // past the end: nothing changes
+  EXPECT_EQ(db.RawData().size(), 12u);
+  EXPECT_EQ(db.SetInt32(10, Value::Long(0x01020304)), 14);  // partly past: cut
+  EXPECT_EQ(db.RawData().substr(10), Hex("0102"));
+  db.SetInt8(40, Value::Long(1));
+  EXPECT_EQ(db.RawData().size(), 12u);
+  db.SetRawData(std::string(32766, 'a'));
+  try {
+    db.AppendString(32766, "b", false);
+    FAIL() << "a record is at most 32767 bytes";
+  } catch (const Failure& f) {
+    EXPECT_EQ(f.Number(), fail::kOverflow);
+  }
+}
+
+TEST(PalmDB, OpenDBTriesVfsFirst) {
+  TempDir dir;
+  WriteBytes(dir / "v", Hex("00000001 41"));
+  WriteBytes(dir / "p", std::string("RouteHIF") + std::string(70, '\0'));
+  TestShell shell;
+  clsPalmDB db(shell);
+  EXPECT_EQ(db.OpenDB(dir / "v", -1), 0);
+  EXPECT_EQ(db.GetType(), kFileVFS);
+  EXPECT_EQ(db.OpenDB(dir / "p", -1), 0);
+  EXPECT_EQ(db.GetType(), kFilePDB);
+  EXPECT_EQ(db.OpenDB(dir / "missing", -1), -1);
+}
+
+TEST(PalmDB, UnknownContainerTypeFailsOnUse) {
+  TempDir dir;
+  TestShell shell;
+  clsPalmDB db(shell);
+  std::string a, s;
+  EXPECT_THROW(db.CreateDB(7, dir / "x", "t", "c", "d", 0, a, s), Failure);
+  EXPECT_THROW(db.WriteData(), Failure);
+}
+
+}  // namespace
+}  // namespace hifx

@@ -1,0 +1,67 @@
+// A fresh folder under the system's temporary folder, removed with its
+// contents when the test ends; and small file helpers.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+namespace hifx::test {
+
+class TempDir {
+ public:
+  TempDir() {
+    std::random_device rd;
+    const auto base = std::filesystem::temp_directory_path();
+    for (;;) {
+      path_ = base / ("hifx-test-" + std::to_string(rd()));
+      if (std::filesystem::create_directory(path_)) break;
+    }
+  }
+  ~TempDir() {
+    std::error_code ec;
+    std::filesystem::remove_all(path_, ec);
+  }
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+inline std::string ReadBytes(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+inline void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+// Bytes from a text of hex pairs, blanks ignored: Hex("00 06 FF").
+inline std::string Hex(const std::string& text) {
+  std::string out;
+  int nibbles = 0;
+  int value = 0;
+  for (const char c : text) {
+    int v;
+    if (c >= '0' && c <= '9') v = c - '0';
+    else if (c >= 'a' && c <= 'f') v = c - 'a' + 10;
+    else if (c >= 'A' && c <= 'F') v = c - 'A' + 10;
+    else continue;
+    value = value * 16 + v;
+    if (++nibbles == 2) {
+      out.push_back(static_cast<char>(value));
+      nibbles = 0;
+      value = 0;
+    }
+  }
+  return out;
+}
+
+}  // namespace hifx::test
