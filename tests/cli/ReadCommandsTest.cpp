@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "support/RunHifx.h"
+#include "support/SampleHif.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+using test::Hex;
+using test::ReadBytes;
+using test::RunHifx;
+using test::TempDir;
+using test::TestShell;
+using test::WriteBytes;
+using test::WriteSampleHif;
+
+std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+size_t Lines(const std::string& text) {
+  return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+TEST(DumpCommand, OneJsonObjectPerRecord) {
+  TempDir dir;
+  TestShell shell;
+  WriteSampleHif(shell, dir / "route.pdb", kFilePDB);
+  const auto r = RunHifx({"dump", (dir / "route.pdb").string()}, dir);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, "");
+  EXPECT_EQ(Lines(r.out), 7u);
+  EXPECT_EQ(
+      FirstLine(r.out),
+      R"({"RecType":0,"RouteNbr":2,"Sequence":20240229,"MeterTagNbr":1305,"MeterType":3,)"
+      R"("Digits":0,"Decimals":0,"Reserved1":0,"PrvReading":3,"MaxReading":0,"MinReading":0,)"
+      R"("CurReading":0,"ReadingDate":20240229,"ReadingTime":0,"Status":0,"ReadType":0,)"
+      R"("ResponseCode":0,"LstReadingDate":0,"TamperCount":0,"UtilityCode":0,"Signal":0,"Lat":0,)"
+      R"("Lng":0,"ScaleFactor":0,"InitReading":0,"InitPulseCount":0,"InitTamperCount":0,)"
+      R"("Initials":"HIF loaded from route.txt","ResponseText":"","Message":"",)"
+      R"("ServiceAddress":"","BillingName":"","ServiceUniqueID":"","MeterSerialNbr":"",)"
+      R"("ReceiverData":"","User1":"","User2":"","User3":"","User4":"","User5":""})");
+  // Quotes, and bytes above 127 as the Latin-1 characters of their codes.
+  EXPECT_NE(r.out.find(R"("BillingName":"SMITH & CO \u00c9")"), std::string::npos);
+  EXPECT_NE(r.out.find(R"("BillingName":"DOE \"JJ\"")"), std::string::npos);
+  EXPECT_NE(r.out.find(R"({"RecType":5,"hex":"00050000000000014)"), std::string::npos);
+}
+
+TEST(DumpCommand, VfsFilesToo) {
+  TempDir dir;
+  TestShell shell;
+  WriteSampleHif(shell, dir / "route.vfs", kFileVFS);
+  const auto pdb = RunHifx({"dump", (dir / "route.vfs").string()}, dir);
+  ASSERT_EQ(pdb.status, 0) << pdb.err;
+  EXPECT_EQ(Lines(pdb.out), 7u);
+}
+
+TEST(ViewCommand, RoutesAndTheMetersOfOneRoute) {
+  TempDir dir;
+  TestShell shell;
+  WriteSampleHif(shell, dir / "route.pdb", kFilePDB);
+  const auto routes = RunHifx({"view", (dir / "route.pdb").string()}, dir);
+  ASSERT_EQ(routes.status, 0) << routes.err;
+  EXPECT_EQ(routes.out,
+            "Index\tRoute\tMeters\tFirst Read\tLast Read\n"
+            "1\tNORTH\t2\t0\t0\n"
+            "2\tSOUTH\t1\t0\t0\n");
+  const auto meters = RunHifx({"view", (dir / "route.pdb").string(), "--route", "1"}, dir);
+  ASSERT_EQ(meters.status, 0) << meters.err;
+  ASSERT_EQ(Lines(meters.out), 3u);
+  EXPECT_EQ(FirstLine(meters.out).substr(0, 30), "Sequence\tMeterTagNbr\tMeterType");
+  EXPECT_EQ(meters.out.substr(meters.out.find('\n') + 1, 30), "10\t50012345\t87\t5\t0\t1234\t1734\t1");
+  const auto none = RunHifx({"view", (dir / "route.pdb").string(), "--route", "9"}, dir);
+  EXPECT_EQ(Lines(none.out), 1u);  // the columns, no meters
+}
+
+TEST(ViewCommand, AFileThatCannotBeReadIsSaidSo) {
+  TempDir dir;
+  const auto r = RunHifx({"view", (dir / "missing.pdb").string()}, dir);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.out, "Error: Could not read HIF file\n");
+  EXPECT_EQ(r.err, "Unable to display file\n");
+}
+
+TEST(CommandLine, BadUsageExitsTwo) {
+  TempDir dir;
+  EXPECT_EQ(RunHifx({}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"frobnicate"}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"dump"}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"view", "x", "--route"}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"view", "x", "--route", "one"}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"--help"}, dir).status, 0);
+}
+
+// Damaged files: a clear message and exit 2, or a clean read of what can be
+// read; never a crash or a hang.
+struct DamagedCase {
+  const char* name;
+  int dumpStatus;
+  size_t dumpLines;
+};
+
+class DamagedFileTest : public testing::TestWithParam<DamagedCase> {
+ protected:
+  std::filesystem::path Make(const TempDir& dir) {
+    TestShell shell;
+    const auto good = dir / "good.pdb";
+    WriteSampleHif(shell, good, kFilePDB);
+    const std::string bytes = ReadBytes(good);
+    const std::string name = GetParam().name;
+    const auto path = dir / name;
+    std::string header = bytes.substr(0, 78);
+    if (name == "empty") {
+      WriteBytes(path, "");
+    } else if (name == "truncated") {
+      WriteBytes(path, bytes.substr(0, bytes.size() - 150));
+    } else if (name == "header_only") {
+      WriteBytes(path, bytes.substr(0, 50));
+    } else if (name == "past_end") {
+      std::string b = bytes;
+      b[78 + 8 * 2 + 2] = 0x7F;  // record 2 starts far past the end
+      WriteBytes(path, b);
+    } else if (name == "out_of_order") {
+      std::string b = bytes;
+      b.replace(78 + 8 * 3, 4, Hex("00000060"));  // record 3 starts before record 2
+      WriteBytes(path, b);
+    } else if (name == "count_32768") {
+      header[76] = static_cast<char>(0x80);
+      header[77] = 0;
+      WriteBytes(path, header + bytes.substr(78));
+    } else if (name == "count_32767") {
+      header[76] = 0x7F;
+      header[77] = static_cast<char>(0xFF);
+      WriteBytes(path, header + bytes.substr(78));
+    } else if (name == "vfs_bad_length") {
+      WriteBytes(path, Hex("00000005 0001") + std::string(3, 'x') + Hex("7FFFFFFF"));
+    }
+    return path;
+  }
+};
+
+TEST_P(DamagedFileTest, DumpAndViewStayInControl) {
+  TempDir dir;
+  const auto path = Make(dir);
+  const auto dump = RunHifx({"dump", path.string()}, dir);
+  ASSERT_TRUE(dump.exited) << "dump died";
+  EXPECT_EQ(dump.status, GetParam().dumpStatus) << dump.err;
+  EXPECT_EQ(Lines(dump.out), GetParam().dumpLines);
+  if (dump.status != 0) {
+    EXPECT_EQ(dump.err.rfind("hifx: dump: ", 0), 0u) << dump.err;
+  }
+  const auto view = RunHifx({"view", path.string()}, dir);
+  ASSERT_TRUE(view.exited) << "view died";
+  EXPECT_TRUE(view.status == 0 || view.status == 2) << view.status;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, DamagedFileTest,
+    testing::Values(DamagedCase{"empty", 0, 0}, DamagedCase{"header_only", 0, 0},
+                    DamagedCase{"truncated", 2, 4}, DamagedCase{"past_end", 2, 1},
+                    DamagedCase{"out_of_order", 2, 2}, DamagedCase{"count_32768", 2, 0},
+                    DamagedCase{"count_32767", 2, 6}, DamagedCase{"vfs_bad_length", 2, 1}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(DamagedFiles, RandomBytesNeverCrash) {
+  TempDir dir;
+  std::mt19937 random(20261122);
+  for (int round = 0; round < 12; ++round) {
+    std::string bytes(static_cast<size_t>(random() % 4000), '\0');
+    for (char& c : bytes) c = static_cast<char>(random());
+    if (round % 3 == 0 && bytes.size() > 78) bytes[76] = 0;  // a plausible count
+    const auto path = dir / ("random" + std::to_string(round));
+    WriteBytes(path, bytes);
+    for (const char* command : {"dump", "view"}) {
+      const auto r = RunHifx({command, path.string()}, dir);
+      ASSERT_TRUE(r.exited) << command << " died on round " << round;
+      EXPECT_TRUE(r.status == 0 || r.status == 2) << command << " round " << round;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace hifx
