@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# The whole test suite: installs what is missing, builds and runs the tests,
+# then again under AddressSanitizer and UndefinedBehaviorSanitizer, then a
+# short fuzzing run of every reader of outside data.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+
+echo "== tests"
+scripts/build.sh default
+ctest --preset default -j "$(nproc)"
+
+echo "== tests under address and undefined-behaviour sanitizers"
+scripts/build.sh asan
+ctest --preset asan -j "$(nproc)"
+
+if [ -x fuzz/run.sh ]; then
+  echo "== short fuzzing run"
+  fuzz/run.sh "${HIFX_FUZZ_SECONDS:-30}"
+fi
+
+echo "== all tests passed"
