@@ -1,0 +1,37 @@
+// The commands of the hifx command line, one family a file. Each takes the
+// run's context and its own arguments, and returns the exit status.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/CliShell.h"
+
+namespace hifx::cli {
+
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitNotComplete = 1;
+inline constexpr int kExitUsage = 2;
+
+struct Context {
+  CliShell& shell;
+  // The site folder: --site, else $HIFX_SITE, else $XDG_DATA_HOME/hifexchange,
+  // else ~/.local/share/hifexchange. Created by SiteFolder() on first use.
+  std::filesystem::path site;
+  std::vector<std::string> sets;  // --set FIELD=VALUE answers, in order
+
+  // The site folder, created when missing.
+  const std::filesystem::path& SiteFolder() const;
+};
+
+using Args = std::vector<std::string>;
+
+// Writes "hifx: PROBLEM" and the usage to standard error; returns 2.
+int Usage(const std::string& problem);
+
+int RunDump(Context& context, const Args& args);
+int RunView(Context& context, const Args& args);
+
+}  // namespace hifx::cli
