@@ -1,0 +1,13 @@
+// Replacing a file whole: the new bytes go to a temporary file beside it,
+// which is then renamed over the old one. A reader never sees half a file,
+// and a failure leaves the old file as it was.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace hifx {
+
+void ReplaceFile(const std::filesystem::path& path, const std::string& bytes);
+
+}  // namespace hifx

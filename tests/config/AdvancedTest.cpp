@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include "config/RegistryRoot.h"
+#include "config/SqliteRegistryStore.h"
+#include "config/clsAdvanced.h"
+#include "support/TempDir.h"
+
+namespace hifx {
+namespace {
+
+using test::TempDir;
+
+class Advanced : public testing::Test {
+ protected:
+  TempDir dir;
+  SqliteRegistryStore store{dir / "registry.db"};
+  clsRegistry registry{store};
+
+  void Put(const std::string& key, const std::string& name, const std::string& data) {
+    ASSERT_TRUE(registry.SaveValue(data, RootValuePath(key, name)));
+  }
+  size_t CountIn(const std::string& key) { return registry.GetValues(RootKeyPath(key)).Count(); }
+};
+
+TEST_F(Advanced, AnEmptyRegistryGivesDefaultsAndTheBuiltInTokens) {
+  {
+    clsAdvanced advanced(store);
+    EXPECT_FALSE(advanced.UseLoginSecurity());
+    EXPECT_EQ(advanced.IndexControl(), 1);
+    EXPECT_EQ(advanced.AlertOutOfBounds(), 0);
+    std::string token;
+    EXPECT_EQ(advanced.GetToken("Address", Value::Integer(5), token), 5);
+    EXPECT_EQ(token, "BLVD");
+    EXPECT_EQ(advanced.GetToken("Owner", Value("llc"), token), 6);
+    EXPECT_EQ(advanced.GetToken("Owner", Value::Integer(8), token), -1);
+    std::string a, b, c;
+    EXPECT_EQ(advanced.GetLogin(Value::Integer(1), a, b, c), -1);
+    EXPECT_EQ(advanced.GetSkip(Value::Integer(1), a, b), -1);
+    EXPECT_TRUE(advanced.IsDirty(clsAdvanced::kTokens));
+    EXPECT_FALSE(advanced.IsDirty(clsAdvanced::kLogins));
+    EXPECT_EQ(CountIn("TokenAddress"), 0u);
+  }
+  // The fourteen built-in tokens reach the registry on the first save, and
+  // nothing else does.
+  EXPECT_EQ(CountIn("TokenAddress"), 7u);
+  EXPECT_EQ(CountIn("TokenOwner"), 7u);
+  EXPECT_EQ(registry.GetValues(RootKeyPath("TokenOwner")).Key(7), "AND");
+  EXPECT_EQ(registry.GetValue(RootReadPath("Token", "IndexControl")), Value("1"));
+  EXPECT_EQ(CountIn("LoginSetup"), 0u);
+  EXPECT_EQ(CountIn("OperPrefs"), 0u);
+}
+
+TEST_F(Advanced, LoginsSplitOnDoubleBarsAndAreFoundWithNoRegardToCase) {
+  Put("LoginSetup", "UseLogin", "Y");
+  Put("LoginIDs", "joe", "secret||S");
+  Put("LoginIDs", "amy", "pw");
+  Put("LoginIDs", "bob", "a||b||c");
+  clsAdvanced advanced(store);
+  EXPECT_TRUE(advanced.UseLoginSecurity());
+  std::string id, password, rights;
+  EXPECT_EQ(advanced.GetLogin(Value("JOE"), id, password, rights), 1);
+  EXPECT_EQ(id, "joe");
+  EXPECT_EQ(password, "secret");
+  EXPECT_EQ(rights, "S");
+  EXPECT_EQ(advanced.GetLogin(Value("amy"), id, password, rights), 2);
+  EXPECT_EQ(rights, "");
+  EXPECT_EQ(advanced.GetLogin(Value::Integer(3), id, password, rights), 3);
+  EXPECT_EQ(password, "a");
+  EXPECT_EQ(rights, "b");
+  // A 32-bit selector is not a position: it is looked up as the key "3".
+  EXPECT_EQ(advanced.GetLogin(Value::Long(3), id, password, rights), -1);
+}
+
+TEST_F(Advanced, ADeleteThenAnAddOfOneLoginSurvivesTheSave) {
+  Put("LoginIDs", "joe", "old||");
+  {
+    clsAdvanced advanced(store);
+    EXPECT_EQ(advanced.DeleteLogin("JOE"), 1);
+    EXPECT_EQ(advanced.AddLogin("joe", "new", "S"), 2);
+    std::string id = "x", password = "kept", rights;
+    EXPECT_EQ(advanced.GetLogin(Value::Integer(1), id, password, rights), 1);
+    EXPECT_EQ(id, "");  // a deleted record reports an empty key
+    EXPECT_EQ(password, "kept");
+    EXPECT_EQ(advanced.GetLogin(Value("joe"), id, password, rights), 2);
+    EXPECT_EQ(advanced.DeleteLogin("nobody"), -1);
+    EXPECT_EQ(advanced.UpdateLogin("nobody", "p", ""), -1);
+  }
+  EXPECT_EQ(registry.GetValue(RootReadPath("LoginIDs", "joe")), Value("new||S"));
+  EXPECT_EQ(registry.GetValue(RootReadPath("LoginSetup", "UseLogin")), Value("N"));
+}
+
+TEST_F(Advanced, OnlyDirtyGroupsAreWritten) {
+  Put("Skip", "DOG", "Dog in yard");
+  {
+    clsAdvanced advanced(store);
+    EXPECT_EQ(advanced.UpdateSkip("dog", "Loose dog"), 1);
+    EXPECT_EQ(advanced.AddChangeout("MT", "W", "Water"), 1);
+    EXPECT_EQ(advanced.AddChangeout("XX", "W", "Water"), 0);  // unknown type: nothing
+    EXPECT_EQ(advanced.UpdateFavorite("UNIT1", "/data/u1.pdb"), 1);  // added
+    advanced.AlertTamper(2);
+    advanced.SaveValues();
+    EXPECT_FALSE(advanced.IsDirty(clsAdvanced::kSkips));
+  }
+  EXPECT_EQ(registry.GetValue(RootReadPath("Skip", "DOG")), Value("Loose dog"));
+  EXPECT_EQ(registry.GetValue(RootReadPath("ChangeoutMT", "W")), Value("Water"));
+  EXPECT_EQ(registry.GetValue(RootReadPath("Favorite", "UNIT1")), Value("/data/u1.pdb"));
+  EXPECT_EQ(registry.GetValue(RootReadPath("FavoriteSetup", "UseFavorite")), Value("N"));
+  EXPECT_EQ(registry.GetValue(RootReadPath("OperPrefs", "AlertTamper")), Value("2"));
+  EXPECT_EQ(registry.GetValue(RootReadPath("OperPrefs", "AlertRollover")), Value("0"));
+  EXPECT_EQ(CountIn("LoginSetup"), 0u);
+  EXPECT_EQ(CountIn("MessagesAccount"), 0u);
+}
+
+TEST_F(Advanced, KeyLookupsFindTheFirstLiveRecord) {
+  clsAdvanced advanced(store);
+  advanced.AddSkip("A", "first");
+  advanced.AddSkip("a", "second");
+  std::string code, reason;
+  EXPECT_EQ(advanced.GetSkip(Value("A"), code, reason), 1);
+  EXPECT_EQ(reason, "first");
+  advanced.DeleteSkip("A");
+  EXPECT_EQ(advanced.GetSkip(Value("A"), code, reason), 2);
+  EXPECT_EQ(reason, "second");
+}
+
+struct LookupCase {
+  const char* name;
+  const char* billing;
+  const char* account;
+  const char* serial;
+  const char* tag;
+  const char* expected;
+};
+
+class LookupMessageTest : public testing::TestWithParam<LookupCase> {};
+
+TEST_P(LookupMessageTest, BuildsTheHandheldText) {
+  TempDir dir;
+  SqliteRegistryStore store(dir / "registry.db");
+  clsRegistry registry(store);
+  registry.SaveValue("Dog", RootValuePath("MessagesAccount", "7||A1"));
+  registry.SaveValue("Any dog", RootValuePath("MessagesAccount", "ANY||A1"));
+  registry.SaveValue("Gate", RootValuePath("MessagesAccount", "ANY||A2"));
+  registry.SaveValue("Meter inside", RootValuePath("MessagesMeterSerialNbr", "7||S1"));
+  registry.SaveValue("Lockedup", RootValuePath("MessagesMeterTagNbr", "ANY||T1"));
+  registry.SaveValue("Blank id", RootValuePath("MessagesAccount", "ANY||"));
+  clsAdvanced advanced(store);
+  const LookupCase& c = GetParam();
+  EXPECT_EQ(advanced.LookupMessage(c.billing, "7", c.account, c.serial, c.tag), c.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, LookupMessageTest,
+    testing::Values(
+        LookupCase{"nothing", "", "", "", "", ""},
+        LookupCase{"billing_only", "Call first", "", "", "", "Billing: Call first"},
+        LookupCase{"route_message_wins_over_any", "", "A1", "", "", "Supervisor: Dog"},
+        LookupCase{"any_route", "", "A2", "", "", "Supervisor: Gate"},
+        LookupCase{"blank_account_not_looked_up", "", "  ", "", "", ""},
+        LookupCase{"two_messages", "", "A1", "S1", "", "Supervisor: Account: Dog; SerialNbr: Meter inside"},
+        LookupCase{"three_messages", "", "A2", "S1", "T1",
+                   "Supervisor: Account: Gate; SerialNbr: Meter inside; TagNbr: Lockedup"},
+        // 3 (011) and 3 (011) share bits: both parts.
+        LookupCase{"lengths_sharing_a_bit", "Bil", "A1", "", "", "Billing: Bil\nSupervisor: Dog"},
+        // 4 (100) and 8 (1000) share none: the supervisor text is lost.
+        LookupCase{"lengths_sharing_no_bit", "Call", "", "S9", "T1", "Billing: Call"},
+        LookupCase{"unknown_ids", "", "A9", "S9", "T9", ""}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace hifx

@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include "config/RegistryRoot.h"
+#include "config/SqliteRegistryStore.h"
+#include "config/clsDist.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+using test::ReadBytes;
+using test::TempDir;
+using test::TestShell;
+using test::WriteBytes;
+
+const RegPath kRoot = {"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\"};
+
+class Site {
+ public:
+  explicit Site(const std::filesystem::path& folder)
+      : folder_(folder), store_((std::filesystem::create_directories(folder), folder / "registry.db")) {}
+  clsRegistry Registry() { return clsRegistry(store_); }
+  std::string Dump() {
+    TestShell shell;
+    return Registry().GetKeyInfo(kRoot, shell);
+  }
+  clsDist Dist(TestShell& shell) { return clsDist(store_, shell, folder_); }
+  const std::filesystem::path& Folder() const { return folder_; }
+
+ private:
+  std::filesystem::path folder_;
+  SqliteRegistryStore store_;
+};
+
+TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
+  TempDir dir;
+  Site from(dir / "from");
+  auto registry = from.Registry();
+  registry.SaveValue("route.txt", RootValuePath("Route", "Source"));
+  registry.SaveValue("Billing", RootValuePath("Route", "Map"));
+  registry.SaveValue("pw||S", RootValuePath("LoginIDs", "joe"));
+  registry.SaveValue("Say \"hi\"", RootValuePath("MessagesAccount", "ANY||100"));
+  registry.SaveValue("", RootValuePath("TokenAddress", "RD"));
+  const std::string routeMap = "HIF=1.1\r\nMAPNAME=Billing.hcm\r\nMAPTYPE=1\r\nRouteNbr=1,4,,,0\r\n";
+  const std::string readingMap = "HIF=1.1\r\nMAPNAME=Out.hrm\r\nCurReading=13,8,R,Z,0";  // no final break
+  WriteBytes(from.Folder() / "Billing.hcm", routeMap);
+  WriteBytes(from.Folder() / "Out.hrm", readingMap);
+  WriteBytes(from.Folder() / "notes.txt", "not a map");
+
+  TestShell shell;
+  const auto file = dir / "site.dst";
+  ASSERT_TRUE(from.Dist(shell).WriteDist(file));
+  ASSERT_EQ(shell.questions.size(), 1u);
+  EXPECT_EQ(shell.questions[0].text, file.string() + " written.");
+  EXPECT_EQ(shell.questions[0].title, "Distribution");
+  const std::string text = ReadBytes(file);
+  EXPECT_EQ(text.rfind("DIST 1.0\r\n[REGISTRY]\r\nRoute:\r\n> Source = \"route.txt\"\r\n", 0), 0u);
+  EXPECT_NE(text.find("\r\n[ROUTE MAP Billing.hcm]\r\nHIF=1.1"), std::string::npos);
+  EXPECT_NE(text.find("\r\n[READING MAP Out.hrm]\r\n"), std::string::npos);
+
+  Site to(dir / "to");
+  TestShell loadShell;
+  ASSERT_TRUE(to.Dist(loadShell).LoadDist(file));
+  EXPECT_EQ(loadShell.questions.back().text, file.string() + " loaded.");
+  EXPECT_EQ(to.Dump(), from.Dump());
+  EXPECT_EQ(ReadBytes(to.Folder() / "Billing.hcm"), routeMap);
+  EXPECT_EQ(ReadBytes(to.Folder() / "Out.hrm"), readingMap);
+  EXPECT_FALSE(std::filesystem::exists(to.Folder() / "notes.txt"));
+  EXPECT_EQ(to.Registry().GetValue(RootReadPath("MessagesAccount", "ANY||100")), Value("Say \"hi\""));
+}
+
+TEST(Dist, AFileWithoutItsHeaderChangesNothing) {
+  TempDir dir;
+  Site site(dir / "site");
+  WriteBytes(dir / "bad.dst", "[REGISTRY]\r\nRoute:\r\n> Source = \"x\"\r\n");
+  TestShell shell;
+  EXPECT_FALSE(site.Dist(shell).LoadDist(dir / "bad.dst"));
+  ASSERT_EQ(shell.questions.size(), 1u);
+  EXPECT_EQ(shell.questions[0].text, "Distribution file not properly formatted");
+  EXPECT_EQ(shell.questions[0].title, "Distribution");
+  EXPECT_TRUE(site.Registry().GetValue(RootReadPath("Route", "Source")).IsEmpty());
+}
+
+TEST(Dist, BadSectionsAreReportedAndTheRestLoads) {
+  TempDir dir;
+  Site site(dir / "site");
+  WriteBytes(site.Folder() / "Keep.hcm", "HIF=1.1\r\nold\r\n");
+  WriteBytes(dir / "mixed.dst",
+             "DIST 9.9\n[REGISTRY]\nRoute:\nSource missing its arrow\n> Map = \"M\"\n"
+             "[ROUTE MAP Keep.hcm]\nMAPNAME=Keep.hcm\n"                  // no HIF=
+             "[ORPHAN MAP ../escape.hom]\nHIF=1.1\n"                    // not a plain name
+             "[READING MAP New.hrm]\nHIF=1.1\nMAPTYPE=2\n[weird line]\n"  // cut at the "["
+             "[UNKNOWN MAP x.hxm]\nHIF=1.1\n");
+  TestShell shell;
+  ASSERT_TRUE(site.Dist(shell).LoadDist(dir / "mixed.dst"));
+  ASSERT_EQ(shell.questions.size(), 4u);
+  EXPECT_EQ(shell.questions[0].text, "Improperly formatted registry entry\r\nSource missing its arrow");
+  EXPECT_EQ(shell.questions[1].text, "Improperly formatted map file\r\nROUTE MAP Keep.hcm");
+  EXPECT_EQ(shell.questions[2].text.rfind("Improperly formatted map file", 0), 0u);
+  EXPECT_EQ(site.Registry().GetValue(RootReadPath("Route", "Map")), Value("M"));
+  EXPECT_EQ(ReadBytes(site.Folder() / "Keep.hcm"), "HIF=1.1\r\nold\r\n");
+  EXPECT_EQ(ReadBytes(site.Folder() / "New.hrm"), "HIF=1.1\nMAPTYPE=2");
+  EXPECT_FALSE(std::filesystem::exists(dir / "escape.hom"));
+  EXPECT_FALSE(std::filesystem::exists(site.Folder() / "x.hxm"));
+}
+
+}  // namespace
+}  // namespace hifx

@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include "base/Failure.h"
+#include "config/SqliteRegistryStore.h"
+#include "config/clsRegistry.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+using test::ReadBytes;
+using test::TempDir;
+using test::TestShell;
+using test::WriteBytes;
+
+const RegPath kKey = {"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\", "Route"};
+
+RegPath ValuePath(const std::string& name) {
+  RegPath path = kKey;
+  path.push_back(name);
+  return path;
+}
+
+TEST(SqliteRegistry, KeysAlongThePathAreMadeInOneCallAndNamesIgnoreCase) {
+  TempDir dir;
+  SqliteRegistryStore store(dir / "registry.db");
+  clsRegistry registry(store);
+  EXPECT_TRUE(registry.SaveValue("a.txt",
+                                 {"HKEY_LOCAL_MACHINE", "Software", "Norvane, Inc.", "hifExchange",
+                                  "Route", "Source"}));
+  EXPECT_EQ(registry.GetValue(ValuePath("Source")), Value("a.txt"));
+  EXPECT_EQ(registry.GetValue({"HKEY_LOCAL_MACHINE", "SOFTWARE\\norvane, inc.\\HIFEXCHANGE\\route",
+                               "SOURCE"}),
+            Value("a.txt"));
+  EXPECT_TRUE(registry.GetValue(ValuePath("Missing")).IsEmpty());
+  EXPECT_TRUE(registry.GetValue({"HKEY_NOWHERE", "Software", "Source"}).IsEmpty());
+  EXPECT_FALSE(registry.SaveValue("x", {"HKEY_NOWHERE", "Software", "Source"}));
+  uint32_t hive = 1;
+  std::string path;
+  EXPECT_FALSE(registry.KeyPath(hive, path, {"HKEY_NOWHERE", "A"}));
+  EXPECT_EQ(hive, 0u);
+  EXPECT_TRUE(registry.KeyPath(hive, path, {"HKEY_CURRENT_USER", "A\\", "B", std::string("C\0D", 3)}));
+  EXPECT_EQ(hive, kHiveCurrentUser);
+  EXPECT_EQ(path, "A\\B\\CD");
+}
+
+TEST(SqliteRegistry, ValuesKeepTheOrderTheyWereFirstWritten) {
+  TempDir dir;
+  SqliteRegistryStore store(dir / "registry.db");
+  clsRegistry registry(store);
+  for (const char* name : {"Source", "Destination", "HIFType", "Map"}) {
+    registry.SaveValue(name, ValuePath(name));
+  }
+  registry.SaveValue("again", ValuePath("DESTINATION"));  // an update keeps its place and case
+  const auto names = registry.GetValues(kKey);
+  ASSERT_EQ(names.Count(), 4u);
+  EXPECT_EQ(names.Key(1), "Source");
+  EXPECT_EQ(names.Key(2), "Destination");
+  EXPECT_EQ(names.Key(4), "Map");
+  EXPECT_TRUE(registry.DeleteValue(ValuePath("source")));
+  EXPECT_FALSE(registry.DeleteValue(ValuePath("source")));
+  registry.SaveValue("back", ValuePath("Source"));  // deleted and written again: now last
+  EXPECT_EQ(registry.GetValues(kKey).Key(4), "Source");
+  EXPECT_EQ(registry.GetValue(ValuePath("Destination")), Value("again"));
+}
+
+TEST(SqliteRegistry, LongValuesReadAsEmptyAndEmptyStringsAsEmptyText) {
+  TempDir dir;
+  SqliteRegistryStore store(dir / "registry.db");
+  clsRegistry registry(store);
+  registry.SaveValue(std::string(1023, 'x'), ValuePath("Fits"));     // 1,024 bytes with its NUL
+  registry.SaveValue(std::string(1024, 'x'), ValuePath("TooLong"));  // 1,025 bytes
+  registry.SaveValue("", ValuePath("Empty"));
+  EXPECT_EQ(registry.GetValue(ValuePath("Fits")).Text().size(), 1023u);
+  EXPECT_TRUE(registry.GetValue(ValuePath("TooLong")).IsEmpty());
+  EXPECT_EQ(registry.GetValue(ValuePath("Empty")), Value(""));
+}
+
+TEST(SqliteRegistry, KeyDumpShowsEveryType) {
+  TempDir dir;
+  SqliteRegistryStore store(dir / "registry.db");
+  const KeyNames root = {"Software", "Norvane, Inc.", "hifExchange"};
+  KeyNames route = root;
+  route.push_back("Route");
+  store.SetValue(kHiveLocalMachine, route, "Source", kRegSz, std::string("a \"b\".txt\0", 10));
+  store.SetValue(kHiveLocalMachine, route, "Count", kRegDword, std::string("\x0c\x00\x00\x80", 4));
+  store.SetValue(kHiveLocalMachine, route, "Blob", kRegBinary, std::string("\x01\xAB", 2));
+  store.SetValue(kHiveLocalMachine, route, "Path", kRegExpandSz, std::string("%X%\0", 4));
+  KeyNames deep = route;
+  deep.push_back("Inner");
+  store.SetValue(kHiveLocalMachine, deep, "Multi", kRegMultiSz, std::string("a\0b\0\0", 5));
+  store.CreateKey(kHiveLocalMachine, [&] { KeyNames k = root; k.push_back("Empty"); return k; }());
+  TestShell shell;
+  clsRegistry registry(store);
+  EXPECT_EQ(registry.GetKeyInfo({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\"}, shell),
+            "Route:\r\n"
+            "> Source = \"a \"b\".txt\"\r\n"
+            "> Count = &H8000000C\r\n"
+            "> Blob = [binary]\r\n"
+            "01 AB\r\n"
+            "> Path = [expand sz]\r\n"
+            "Route\\Inner:\r\n"
+            "> Multi = [multi sz]\r\n"
+            "Empty:\r\n");
+  EXPECT_EQ(registry.GetValue({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\Route", "Count"}),
+            Value::Long(static_cast<int32_t>(0x8000000C)));
+  EXPECT_EQ(registry.GetValue({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\Route", "Path"}),
+            Value("%X%"));
+  EXPECT_TRUE(registry.GetValue({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\Route", "Blob"})
+                  .IsEmpty());
+  EXPECT_TRUE(shell.questions.empty());
+  EXPECT_EQ(registry.GetKeyInfo({"HKEY_LOCAL_MACHINE", "Software\\Nobody"}, shell), "Error opening key.");
+  ASSERT_EQ(shell.questions.size(), 1u);
+  EXPECT_EQ(shell.questions[0].title, "Error");
+}
+
+TEST(SqliteRegistry, SurvivesReopeningAndIsPrivateToItsOwner) {
+  TempDir dir;
+  {
+    SqliteRegistryStore store(dir / "registry.db");
+    clsRegistry(store).SaveValue("kept", ValuePath("Source"));
+  }
+  struct stat st {};
+  ASSERT_EQ(stat((dir / "registry.db").c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0777, 0600u);
+  SqliteRegistryStore again(dir / "registry.db");
+  EXPECT_EQ(clsRegistry(again).GetValue(ValuePath("Source")), Value("kept"));
+}
+
+TEST(SqliteRegistry, AFileThatIsNotOursIsRefusedAndLeftAlone) {
+  TempDir dir;
+  const auto junk = dir / "junk.db";
+  WriteBytes(junk, std::string(4096, 'j'));
+  try {
+    SqliteRegistryStore store(junk);
+    FAIL() << "opened a file that is not a database";
+  } catch (const Failure& f) {
+    EXPECT_NE(f.Description().find("junk.db"), std::string::npos) << f.Description();
+  }
+  EXPECT_EQ(ReadBytes(junk), std::string(4096, 'j'));
+
+  const auto other = dir / "other.db";
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(other.c_str(), &db), SQLITE_OK);
+  sqlite3_exec(db, "CREATE TABLE t(x); INSERT INTO t VALUES(1)", nullptr, nullptr, nullptr);
+  sqlite3_close(db);
+  const std::string before = ReadBytes(other);
+  EXPECT_THROW(SqliteRegistryStore{other}, Failure);
+  EXPECT_EQ(ReadBytes(other), before);
+}
+
+TEST(SqliteRegistry, TwoWritersShareOneFile) {
+  TempDir dir;
+  SqliteRegistryStore first(dir / "registry.db");
+  SqliteRegistryStore second(dir / "registry.db", 200);
+  clsRegistry a(first);
+  clsRegistry b(second);
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(a.SaveValue("a" + std::to_string(i), ValuePath("A" + std::to_string(i))));
+    ASSERT_TRUE(b.SaveValue("b" + std::to_string(i), ValuePath("B" + std::to_string(i))));
+  }
+  EXPECT_EQ(a.GetValues(kKey).Count(), 40u);
+  EXPECT_EQ(b.GetValue(ValuePath("A19")), Value("a19"));
+
+  // A writer that holds the file longer than the wait fails cleanly, and
+  // what is stored stays.
+  sqlite3* holder = nullptr;
+  ASSERT_EQ(sqlite3_open((dir / "registry.db").c_str(), &holder), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(holder, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+  EXPECT_FALSE(b.SaveValue("late", ValuePath("Late")));
+  sqlite3_exec(holder, "COMMIT", nullptr, nullptr, nullptr);
+  sqlite3_close(holder);
+  EXPECT_TRUE(b.GetValue(ValuePath("Late")).IsEmpty());
+  EXPECT_EQ(b.GetValue(ValuePath("B3")), Value("b3"));
+  EXPECT_TRUE(b.SaveValue("late", ValuePath("Late")));
+}
+
+}  // namespace
+}  // namespace hifx
