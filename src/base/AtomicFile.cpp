@@ -8,7 +8,7 @@
 
 namespace hifx {
 
-void ReplaceFile(const std::filesystem::path& path, const std::string& bytes) {
+void ReplaceFile(const std::filesystem::path& path, const std::string& bytes, bool ownerOnly) {
   std::random_device random;
   const std::filesystem::path temp =
       path.parent_path() / (path.filename().string() + ".tmp" + std::to_string(random()));
@@ -25,6 +25,10 @@ void ReplaceFile(const std::filesystem::path& path, const std::string& bytes) {
     }
   }
   std::error_code ec;
+  if (ownerOnly) {
+    std::filesystem::permissions(temp, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::replace, ec);
+  }
   std::filesystem::rename(temp, path, ec);
   if (ec) {
     std::error_code ignored;

@@ -8,6 +8,9 @@
 
 namespace hifx {
 
-void ReplaceFile(const std::filesystem::path& path, const std::string& bytes);
+// ownerOnly makes the new file readable and writable by its owner alone, for
+// files that carry the site's passwords.
+void ReplaceFile(const std::filesystem::path& path, const std::string& bytes,
+                 bool ownerOnly = false);
 
 }  // namespace hifx

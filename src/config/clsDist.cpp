@@ -103,7 +103,8 @@ std::string clsDist::BuildDist() {
 
 bool clsDist::WriteDist(const std::filesystem::path& path) {
   if (path.empty()) return false;
-  ReplaceFile(path, BuildDist());
+  // The file carries the site's passwords in clear, like the registry.
+  ReplaceFile(path, BuildDist(), true);
   shell_.MsgBox(path.string() + " written.", kCaption, MsgButtons::OK, MsgIcon::Information);
   return true;
 }

@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include "support/RunHifx.h"
+#include "support/TempDir.h"
+
+namespace hifx {
+namespace {
+
+using test::ReadBytes;
+using test::RunHifx;
+using test::TempDir;
+using test::WriteBytes;
+
+const std::string kExampleSite = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/site.dst";
+
+std::vector<std::string> At(const std::filesystem::path& site, std::vector<std::string> args) {
+  args.insert(args.begin(), {"--site", site.string()});
+  return args;
+}
+
+TEST(DistCommands, ALoadedSiteWritesBackTheSameFileAndMaps) {
+  TempDir dir;
+  const auto first = dir / "first";
+  const auto second = dir / "second";
+  const auto load = RunHifx(At(first, {"dist", "load", kExampleSite}), dir);
+  ASSERT_EQ(load.status, 0) << load.err;
+  EXPECT_EQ(load.err, "Distribution: " + kExampleSite + " loaded.\n");
+  const auto written = dir / "copy.dst";
+  ASSERT_EQ(RunHifx(At(first, {"dist", "write", written.string()}), dir).status, 0);
+  EXPECT_EQ(ReadBytes(written), ReadBytes(kExampleSite));
+
+  ASSERT_EQ(RunHifx(At(second, {"dist", "load", written.string()}), dir).status, 0);
+  const auto dumpFirst = RunHifx(At(first, {"registry", "dump"}), dir);
+  const auto dumpSecond = RunHifx(At(second, {"registry", "dump"}), dir);
+  ASSERT_EQ(dumpFirst.status, 0);
+  EXPECT_EQ(dumpFirst.out, dumpSecond.out);
+  EXPECT_EQ(dumpFirst.out.rfind("Route:\r\n> Source = \"examples/route-fixed.txt\"\r\n", 0), 0u);
+  for (const char* map : {"Billing.hcm", "BillingCsv.hcm", "Billing.hrm", "Orphans.hom"}) {
+    EXPECT_EQ(ReadBytes(first / map), ReadBytes(second / map)) << map;
+    EXPECT_FALSE(ReadBytes(second / map).empty()) << map;
+  }
+}
+
+TEST(DistCommands, ALoadWithoutTheHeaderIsRefused) {
+  TempDir dir;
+  WriteBytes(dir / "bad.dst", "[REGISTRY]\r\nRoute:\r\n> Source = \"x\"\r\n");
+  const auto r = RunHifx(At(dir / "site", {"dist", "load", (dir / "bad.dst").string()}), dir);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "Distribution: Distribution file not properly formatted\n");
+  const auto missing = RunHifx(At(dir / "site", {"dist", "load", (dir / "none.dst").string()}), dir);
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_NE(missing.err.find("none.dst"), std::string::npos) << missing.err;
+}
+
+TEST(SettingsCommands, SetGetAndShow) {
+  TempDir dir;
+  const auto site = dir / "site";
+  EXPECT_EQ(RunHifx(At(site, {"settings", "set", "routesource", "/data/r.txt"}), dir).status, 0);
+  EXPECT_EQ(RunHifx(At(site, {"settings", "set", "AutoReRead", "Y"}), dir).status, 0);
+  EXPECT_EQ(RunHifx(At(site, {"settings", "set", "OrphanConvert", "-1"}), dir).status, 0);
+  EXPECT_EQ(RunHifx(At(site, {"settings", "get", "RouteSource"}), dir).out, "/data/r.txt\n");
+  const auto show = RunHifx(At(site, {"settings"}), dir);
+  EXPECT_NE(show.out.find("\nAutoReRead=Y\n"), std::string::npos);
+  EXPECT_NE(show.out.find("\nOrphanConvert=-1\n"), std::string::npos);
+  EXPECT_NE(show.out.find("\nReadingSource=ReadingHIF.pdb\n"), std::string::npos);
+  // An empty destination can't be stored: it reads back as the default.
+  const auto empty = RunHifx(At(site, {"settings", "set", "RouteDestination", ""}), dir);
+  EXPECT_EQ(empty.status, 1);
+  EXPECT_EQ(empty.err, "hifx: settings: RouteDestination reads back as \"RouteHIF.pdb\"\n");
+  EXPECT_EQ(RunHifx(At(site, {"settings", "set", "AutoReRead", "maybe"}), dir).status, 2);
+  EXPECT_EQ(RunHifx(At(site, {"settings", "get", "Nothing"}), dir).status, 2);
+}
+
+TEST(SiteCommands, ShowListsEverySection) {
+  TempDir dir;
+  const auto site = dir / "site";
+  ASSERT_EQ(RunHifx(At(site, {"dist", "load", kExampleSite}), dir).status, 0);
+  const auto show = RunHifx(At(site, {"site", "show"}), dir);
+  ASSERT_EQ(show.status, 0) << show.err;
+  EXPECT_EQ(show.out.rfind("[LoginSetup]\nUseLogin=Y\n[LoginIDs]\nSUPER\tsuper123\tS\n", 0), 0u);
+  EXPECT_NE(show.out.find("[Skip]\nDOG\tDog in yard\nLCK\tLocked gate\n"), std::string::npos);
+  EXPECT_NE(show.out.find("[OperPrefs]\nAlertOutOfBounds=2\nAlertRollover=1\nAlertTamper=2\n"),
+            std::string::npos);
+}
+
+TEST(SiteCommands, ARegistryFileThatIsNotADatabaseIsLeftAlone) {
+  TempDir dir;
+  const auto site = dir / "site";
+  std::filesystem::create_directories(site);
+  WriteBytes(site / "registry.db", "this is not a database, it is a letter");
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"settings"}, {"site", "show"}, {"registry", "dump"},
+        {"dist", "load", kExampleSite}}) {
+    const auto r = RunHifx(At(site, command), dir);
+    EXPECT_EQ(r.status, 2) << command[0];
+    EXPECT_NE(r.err.find("registry.db"), std::string::npos) << r.err;
+  }
+  EXPECT_EQ(ReadBytes(site / "registry.db"), "this is not a database, it is a letter");
+}
+
+}  // namespace
+}  // namespace hifx
