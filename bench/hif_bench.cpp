@@ -467,6 +467,10 @@ void BM_PerlWrite(benchmark::State& state) {
 // wall time an iteration, in milliseconds, for the comparison line.
 class RecordingReporter final : public benchmark::ConsoleReporter {
  public:
+  // Colours only on a terminal: the output is often kept in a file.
+  RecordingReporter()
+      : ConsoleReporter(::isatty(STDOUT_FILENO) != 0 ? OO_ColorTabular : OO_Tabular) {}
+
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
