@@ -474,11 +474,15 @@ class RecordingReporter final : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
+      if (run.error_occurred) continue;
+      // With --benchmark_report_aggregates_only only the aggregates come: the
+      // mean of the repetitions then stands for them.
+      const bool mean = run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean";
+      if (run.run_type != Run::RT_Iteration && !mean) continue;
       const double ms = run.GetAdjustedRealTime() *
                         benchmark::GetTimeUnitMultiplier(benchmark::kMillisecond) /
                         benchmark::GetTimeUnitMultiplier(run.time_unit);
-      Sample& s = samples_[run.benchmark_name()];
+      Sample& s = (mean ? means_ : samples_)[run.run_name.str()];
       s.total += ms;
       ++s.count;
     }
@@ -487,9 +491,19 @@ class RecordingReporter final : public benchmark::ConsoleReporter {
   // The mean over repetitions of the benchmark named so (the name up to the
   // iteration and time options), or a negative number when it did not run.
   double MeanMs(const std::string& name) const {
+    const double fromRuns = MeanOf(samples_, name);
+    return fromRuns >= 0 ? fromRuns : MeanOf(means_, name);
+  }
+
+ private:
+  struct Sample {
     double total = 0;
     int count = 0;
-    for (const auto& [full, sample] : samples_) {
+  };
+  static double MeanOf(const std::map<std::string, Sample>& samples, const std::string& name) {
+    double total = 0;
+    int count = 0;
+    for (const auto& [full, sample] : samples) {
       if (full == name || full.rfind(name + "/", 0) == 0) {
         total += sample.total;
         count += sample.count;
@@ -498,12 +512,8 @@ class RecordingReporter final : public benchmark::ConsoleReporter {
     return count == 0 ? -1.0 : total / count;
   }
 
- private:
-  struct Sample {
-    double total = 0;
-    int count = 0;
-  };
-  std::map<std::string, Sample> samples_;
+  std::map<std::string, Sample> samples_;  // by run name, one an iteration run
+  std::map<std::string, Sample> means_;    // the same, from the mean aggregates
 };
 
 std::string Ms(double ms) {
