@@ -15,6 +15,18 @@ namespace {
 
 constexpr int kMessages = 10000;
 
+class QuietShell final : public hifx::IShell {
+ public:
+  void WriteLog(std::string_view) override {}
+  void SetProgressButton(int32_t, int32_t) override {}
+  hifx::MsgAnswer MsgBox(std::string_view, std::string_view, hifx::MsgButtons, hifx::MsgIcon) override {
+    return hifx::MsgAnswer::OK;
+  }
+};
+
+QuietShell shell;
+const hifx::FixedClock clock{hifx::CivilTime{}};
+
 std::filesystem::path SiteWithMessages() {
   static const std::filesystem::path folder = [] {
     std::random_device random;
@@ -22,7 +34,7 @@ std::filesystem::path SiteWithMessages() {
         std::filesystem::temp_directory_path() / ("hifx-bench-site-" + std::to_string(random()));
     std::filesystem::create_directories(path);
     hifx::SqliteRegistryStore store(path / "registry.db");
-    hifx::clsExchange exchange(store);
+    hifx::clsExchange exchange({store, shell, clock, path, path / "sync"});
     exchange.SaveSettings();
     hifx::clsAdvanced advanced(store);
     const char* types[] = {"Account", "SerialNbr", "TagNbr"};
@@ -41,7 +53,7 @@ void BM_LoadSettingsAndLists(benchmark::State& state) {
   const auto site = SiteWithMessages();
   hifx::SqliteRegistryStore store(site / "registry.db");
   for (auto _ : state) {
-    hifx::clsExchange exchange(store);
+    hifx::clsExchange exchange({store, shell, clock, site, site / "sync"});
     exchange.LoadSettings();
     hifx::clsAdvanced advanced(store);
     benchmark::DoNotOptimize(advanced.IndexControl());

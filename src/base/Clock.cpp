@@ -1,5 +1,6 @@
 #include "base/Clock.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -21,6 +22,21 @@ CivilTime LocalTimeOf(std::time_t seconds) {
   t.second = tm.tm_sec;
   return t;
 }
+
+std::string ShortTime(const CivilTime& t) {
+  char buf[16];
+  std::snprintf(buf, sizeof buf, "%02d:%02d", t.hour, t.minute);
+  return buf;
+}
+
+std::string ShortDate(const CivilTime& t) {
+  char buf[24];
+  std::snprintf(buf, sizeof buf, "%d/%d/%04d", t.month, t.day, t.year);
+  return buf;
+}
+
+int32_t DateNumber(const CivilTime& t) { return t.year * 10000 + t.month * 100 + t.day; }
+int32_t TimeNumber(const CivilTime& t) { return t.hour * 100 + t.minute; }
 
 CivilTime SystemClock::Now() const {
   if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH"); epoch != nullptr && *epoch != '\0') {

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <ctime>
+#include <cstdint>
 #include <optional>
+#include <string>
 
 #include "base/DateSerial.h"
 
@@ -35,5 +37,12 @@ class FixedClock final : public IClock {
 
 // Local time of a count of seconds since 1970-01-01 00:00 UTC.
 CivilTime LocalTimeOf(std::time_t seconds);
+
+// The short forms the run log shows: "17:45" and "11/22/2026".
+std::string ShortTime(const CivilTime& t);
+std::string ShortDate(const CivilTime& t);
+// yyyymmdd and hhnn as numbers, as file headers carry them.
+int32_t DateNumber(const CivilTime& t);
+int32_t TimeNumber(const CivilTime& t);
 
 }  // namespace hifx

@@ -4,14 +4,27 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace hifx {
+
+// A line break inside the text of a message box.
+inline constexpr const char* kLineBreak = "\n";
 
 enum class MsgButtons { OK, OKCancel, YesNo, YesNoCancel, AbortRetryIgnore };
 enum class MsgIcon { None, Critical, Question, Exclamation, Information };
 enum class MsgAnswer { OK, Cancel, Abort, Retry, Ignore, Yes, No };
+
+// One field of the run-time prompt window: a map field whose value the
+// operator gives each time a conversion runs.
+struct PromptField {
+  std::string name;
+  int32_t dataType = 0;  // 0 text; 1, 2, 3 numbers
+  bool required = false;
+};
 
 class IShell {
  public:
@@ -25,6 +38,30 @@ class IShell {
   virtual MsgAnswer MsgBox(std::string_view text, std::string_view title = {},
                            MsgButtons buttons = MsgButtons::OK,
                            MsgIcon icon = MsgIcon::None) = 0;
+
+  // The run-time prompt window, captioned "Runtime Variables". On OK returns
+  // true with one value for each field, in order; false is Cancel. A shell
+  // with nobody to ask cancels.
+  virtual bool PromptVariables(const std::vector<PromptField>& fields,
+                               std::vector<std::string>& values) {
+    (void)fields;
+    (void)values;
+    return false;
+  }
+  // The unit chooser, captioned "Install To Unit": the chosen unit's name, or
+  // empty for Cancel.
+  virtual std::string ChooseUnit(const std::vector<std::string>& units) {
+    (void)units;
+    return {};
+  }
+  // A line of text from the person, or nothing for Cancel.
+  virtual std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
+                                              std::string_view defaultValue) {
+    (void)prompt;
+    (void)title;
+    (void)defaultValue;
+    return std::nullopt;
+  }
 };
 
 std::string_view ButtonsName(MsgButtons buttons);

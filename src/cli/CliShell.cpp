@@ -3,6 +3,8 @@
 #include <iostream>
 #include <string>
 
+#include "base/CaseBlind.h"
+
 namespace hifx {
 
 MsgAnswer DefaultAnswer(MsgButtons buttons) {
@@ -21,8 +23,92 @@ MsgAnswer SilentShell::MsgBox(std::string_view, std::string_view, MsgButtons but
   return DefaultAnswer(buttons);
 }
 
-CliShell::CliShell(std::optional<bool> presetAnswer, bool interactive, bool progressOnTerminal)
-    : presetAnswer_(presetAnswer), interactive_(interactive), progressOnTerminal_(progressOnTerminal) {}
+CliShell::CliShell(std::optional<bool> presetAnswer, bool interactive, bool progressOnTerminal,
+                   std::vector<std::string> sets)
+    : presetAnswer_(presetAnswer),
+      interactive_(interactive),
+      progressOnTerminal_(progressOnTerminal),
+      sets_(std::move(sets)) {}
+
+std::optional<std::string> CliShell::ReadLine(const std::string& question) {
+  if (!interactive_) return std::nullopt;
+  ClearProgress();
+  std::fputs(question.c_str(), stderr);
+  std::fflush(stderr);
+  std::string reply;
+  if (!std::getline(std::cin, reply)) return std::nullopt;
+  if (!reply.empty() && reply.back() == '\r') reply.pop_back();
+  return reply;
+}
+
+std::optional<std::string> CliShell::PresetValue(const std::string& name) const {
+  // The last --set of a name wins; names are matched exactly first, then
+  // with no regard to case.
+  std::optional<std::string> loose;
+  std::optional<std::string> exact;
+  for (const std::string& set : sets_) {
+    const size_t equals = set.find('=');
+    const std::string field = set.substr(0, equals);
+    if (field == name) exact = set.substr(equals + 1);
+    if (EqualsCaseBlind(field, name)) loose = set.substr(equals + 1);
+  }
+  return exact ? exact : loose;
+}
+
+bool CliShell::PromptVariables(const std::vector<PromptField>& fields,
+                               std::vector<std::string>& values) {
+  values.clear();
+  for (const PromptField& field : fields) {
+    std::optional<std::string> value = PresetValue(field.name);
+    for (;;) {
+      if (!value) value = ReadLine("Runtime Variables: " + field.name + (field.required ? " (Required)" : "") + ": ");
+      if (!value) {
+        if (!field.required) {
+          value = std::string();
+          break;
+        }
+        return false;  // nobody to answer a required prompt: Cancel
+      }
+      std::string trimmed = *value;
+      while (!trimmed.empty() && trimmed.front() == ' ') trimmed.erase(0, 1);
+      while (!trimmed.empty() && trimmed.back() == ' ') trimmed.pop_back();
+      if (!field.required || !trimmed.empty()) break;
+      MsgBox(field.name + " Required", {}, MsgButtons::OK, MsgIcon::Exclamation);
+      value.reset();
+      if (!interactive_) return false;
+    }
+    values.push_back(*value);
+  }
+  return true;
+}
+
+std::string CliShell::ChooseUnit(const std::vector<std::string>& units) {
+  if (!interactive_ || units.empty()) return {};
+  ClearProgress();
+  std::fputs("Install To Unit:\n", stderr);
+  for (size_t i = 0; i < units.size(); ++i) {
+    std::fprintf(stderr, "  %zu. %s\n", i + 1, units[i].c_str());
+  }
+  for (;;) {
+    const auto reply = ReadLine("unit number or name (empty to cancel): ");
+    if (!reply || reply->empty()) return {};
+    for (size_t i = 0; i < units.size(); ++i) {
+      if (*reply == units[i] || *reply == std::to_string(i + 1)) return units[i];
+    }
+  }
+}
+
+std::optional<std::string> CliShell::InputBox(std::string_view prompt, std::string_view title,
+                                              std::string_view defaultValue) {
+  std::string question;
+  if (!title.empty()) question += std::string(title) + ": ";
+  question += std::string(prompt);
+  if (!defaultValue.empty()) question += " [" + std::string(defaultValue) + "]";
+  question += " ";
+  auto reply = ReadLine(question);
+  if (reply && reply->empty()) reply = std::string(defaultValue);
+  return reply;
+}
 
 void CliShell::ClearProgress() {
   if (progressShown_) {

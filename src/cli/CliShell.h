@@ -5,6 +5,8 @@
 
 #include <cstdio>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "base/Shell.h"
 
@@ -12,18 +14,27 @@ namespace hifx {
 
 class CliShell final : public IShell {
  public:
-  // presetAnswer: true for --yes, false for --no, nullopt to ask.
-  CliShell(std::optional<bool> presetAnswer, bool interactive, bool progressOnTerminal);
+  // presetAnswer: true for --yes, false for --no, nullopt to ask. sets: the
+  // FIELD=VALUE answers to run-time prompts.
+  CliShell(std::optional<bool> presetAnswer, bool interactive, bool progressOnTerminal,
+           std::vector<std::string> sets = {});
 
   void WriteLog(std::string_view line) override;
   void SetProgressButton(int32_t total, int32_t position) override;
   MsgAnswer MsgBox(std::string_view text, std::string_view title, MsgButtons buttons,
                    MsgIcon icon) override;
+  bool PromptVariables(const std::vector<PromptField>& fields,
+                       std::vector<std::string>& values) override;
+  std::string ChooseUnit(const std::vector<std::string>& units) override;
+  std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
+                                      std::string_view defaultValue) override;
 
   int MessageCount() const { return messages_; }
 
  private:
   MsgAnswer Ask(MsgButtons buttons);
+  std::optional<std::string> ReadLine(const std::string& question);
+  std::optional<std::string> PresetValue(const std::string& name) const;
   void ClearProgress();
 
   std::optional<bool> presetAnswer_;
@@ -31,6 +42,7 @@ class CliShell final : public IShell {
   bool progressOnTerminal_;
   bool progressShown_ = false;
   int messages_ = 0;
+  std::vector<std::string> sets_;
 };
 
 // A shell that says nothing and answers every question with its default,

@@ -21,6 +21,10 @@ void PrintLine(const std::string& line) {
   std::fputc('\n', stdout);
 }
 
+ExchangeEnvironment Environment(Context& context, IRegistryStore& store) {
+  return {store, context.shell, context.clock, context.SiteFolder(), context.SyncRoot()};
+}
+
 // Runs body with the site's registry store, or says why it can't be opened.
 int WithStore(Context& context, const std::function<int(IRegistryStore&)>& body) {
   std::unique_ptr<IRegistryStore> store;
@@ -127,8 +131,8 @@ bool Assign(clsExchange& exchange, const Setting& s, const std::string& value) {
 int RunSettings(Context& context, const Args& args) {
   const std::string verb = args.empty() ? "show" : args[0];
   if (verb == "show" && args.size() <= 1) {
-    return WithStore(context, [](IRegistryStore& store) {
-      clsExchange exchange(store);
+    return WithStore(context, [&](IRegistryStore& store) {
+      clsExchange exchange(Environment(context, store));
       exchange.LoadSettings();
       for (const Setting& s : Settings()) PrintLine(std::string(s.name) + "=" + Show(exchange, s));
       return kExitOk;
@@ -138,7 +142,7 @@ int RunSettings(Context& context, const Args& args) {
     const Setting* setting = FindSetting(args[1]);
     if (setting == nullptr) return Usage("no setting named " + args[1]);
     return WithStore(context, [&](IRegistryStore& store) {
-      clsExchange exchange(store);
+      clsExchange exchange(Environment(context, store));
       exchange.LoadSettings();
       PrintLine(Show(exchange, *setting));
       return kExitOk;
@@ -148,7 +152,7 @@ int RunSettings(Context& context, const Args& args) {
     const Setting* setting = FindSetting(args[1]);
     if (setting == nullptr) return Usage("no setting named " + args[1]);
     return WithStore(context, [&](IRegistryStore& store) {
-      clsExchange exchange(store);
+      clsExchange exchange(Environment(context, store));
       exchange.LoadSettings();
       if (!Assign(exchange, *setting, args[2])) {
         return Usage(std::string(setting->name) +

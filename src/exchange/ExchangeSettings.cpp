@@ -54,11 +54,18 @@ std::string TypeDescr(int16_t type) {
   }
 }
 
-clsExchange::clsExchange(IRegistryStore& store) : store_(store) {}
+clsExchange::clsExchange(ExchangeEnvironment environment) : env_(std::move(environment)) {}
+
+clsExchange::~clsExchange() = default;
+
+clsAdvanced& clsExchange::Advanced() {
+  if (!advanced_) advanced_ = std::make_unique<clsAdvanced>(env_.store);
+  return *advanced_;
+}
 
 Value clsExchange::GetParm(std::string_view section, std::string_view valueName,
                            const Value& defaultValue) {
-  const Value value = clsRegistry(store_).GetValue(RootReadPath(section, valueName));
+  const Value value = clsRegistry(env_.store).GetValue(RootReadPath(section, valueName));
   // An existing empty value counts as missing.
   if (value.IsEmpty() || (value.IsText() && value.Text().empty())) return defaultValue;
   return value;
@@ -66,7 +73,7 @@ Value clsExchange::GetParm(std::string_view section, std::string_view valueName,
 
 bool clsExchange::SaveParm(std::string_view section, std::string_view valueName,
                            std::string_view value) {
-  return clsRegistry(store_).SaveValue(value, RootValuePath(section, valueName));
+  return clsRegistry(env_.store).SaveValue(value, RootValuePath(section, valueName));
 }
 
 void clsExchange::LoadSettings() {

@@ -3,16 +3,27 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include <unordered_map>
+#include <vector>
+
+#include "base/Clock.h"
+#include "base/KeyedCollection.h"
+#include "base/LineReader.h"
+#include "base/Shell.h"
 #include "base/Value.h"
 #include "config/IRegistryStore.h"
+#include "config/clsAdvanced.h"
+#include "hif/clsHIF.h"
+#include "hif/clsIndex.h"
+#include "maps/clsExchMap.h"
+#include "maps/clsPrompts.h"
 
 namespace hifx {
-
-// What a map or a conversion is for.
-enum MapUseCode : int16_t { kUseRoute = 1, kUseReRead = 2, kUseReading = 3, kUseOrphan = 99 };
 
 // ".hcm" for route and re-read, ".hrm" for reading, ".hom" for orphan maps,
 // empty for anything else.
@@ -22,9 +33,81 @@ std::string DefaultFileExtension(int16_t type);
 // "Route", "ReRead", "Reading", "Orphan"; also the keys of the settings tree.
 std::string TypeDescr(int16_t type);
 
+// What a clsExchange works with: the registry, the person, the clock, and
+// the folders of the site.
+struct ExchangeEnvironment {
+  IRegistryStore& store;
+  IShell& shell;
+  const IClock& clock;
+  std::filesystem::path siteFolder;  // map files and the handheld application files
+  std::filesystem::path syncRoot;    // the desktop sync folders, one a handheld user
+};
+
 class clsExchange {
  public:
-  explicit clsExchange(IRegistryStore& store);
+  explicit clsExchange(ExchangeEnvironment environment);
+  ~clsExchange();
+  clsExchange(const clsExchange&) = delete;
+  clsExchange& operator=(const clsExchange&) = delete;
+
+  // The site's lists, loaded on first use and saved when the run ends.
+  clsAdvanced& Advanced();
+  // The run-time values the operator entered for the current conversion.
+  clsPrompts Prompts;
+
+  // Queues a route file for the handheld unit of the settings, asking for the
+  // unit when none is stored or AutoInstallPrompt is set. True when queued.
+  bool InstallPRC(const std::filesystem::path& path);
+
+  const ExchangeEnvironment& Environment() const { return env_; }
+
+  // ---- Route conversion
+
+  // Makes the route HIF of the settings; true when the file was made.
+  bool ConvertRoute();
+  // Makes a route HIF of the meters to visit again; true on success.
+  bool ConvertReRead();
+  bool ConvertRouteFlat();
+  // One line of a flat route file, as values keyed by the map's field names.
+  KeyedCollection<Value> ParseRoute(const std::string& line);
+  KeyedCollection<Value> ParseRouteFixed(const std::string& line);
+  KeyedCollection<Value> ParseRouteDelimited(const std::string& line);
+  // 0 no fault, 1 messages logged, 3 stop.
+  int16_t ValidateRoute(const KeyedCollection<Value>& values);
+  bool CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line);
+  // The route's index in RouteNames, adding it when new.
+  int16_t AddRoute(const std::string& name);
+  void ClearRoute();
+  // Shows the run-time prompt window for the map; false when cancelled.
+  bool DisplayPrompts(const clsExchMap& map);
+
+  // Index and code records behind the meters.
+  void UpdateIndexes(int32_t route, int16_t number, const std::string& tag, const std::string& serial,
+                     const std::string& name, const std::string& address, const std::string& account);
+  std::vector<std::string> IndexWords(const std::string& text, int32_t type);
+  bool IsIndexToken(int32_t type, const std::string& word);
+  void WriteLoginRecord();
+  void WriteSkipRecord();
+  void WriteChangeoutRecords();
+  void WriteAlertRecord();
+
+  // Working state of a route conversion.
+  bool CreateIndexes = true;
+  int16_t MeterRecordNumber = 0;
+  std::vector<std::string> RouteNames{std::string()};  // from 1; 0 is empty
+  std::vector<int16_t> RouteCounts{0};
+  int32_t LineNumber = 0;
+  KeyedCollection<std::string> SeenTags;
+  int32_t MetersWritten = 0;
+  int16_t UntaggedMeters = 0;
+  bool HadWarnings = false;
+  bool HadProblems = false;
+  std::unique_ptr<LineReader> SourceFile;
+  std::unique_ptr<clsExchMap> ActiveMap;
+  std::unique_ptr<clsHIF> ActiveHIF;
+  int16_t AutoNumber = 0;
+  int16_t MessageCount = 0;
+  std::string LastReadType;
 
   // One setting as stored; an empty or missing value gives defaultValue.
   Value GetParm(std::string_view section, std::string_view valueName, const Value& defaultValue);
@@ -58,7 +141,27 @@ class clsExchange {
   bool AutoInstallLeave = false;
 
  private:
-  IRegistryStore& store_;
+  bool AskIndexes();
+  void WriteFileHeader(const std::string& sourceName, int32_t meters, int16_t version);
+  void WriteRouteHeaders();
+  void WriteCodeRecords();
+  void AddValue(KeyedCollection<Value>& values, const MapField& field, const std::string& raw,
+                bool trimLeft);
+  void Report(const std::string& message, int16_t& result);
+  void WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route);
+  void WriteReReadMeter(const KeyedCollection<Value>& values);
+  // Asks before an existing destination is overwritten; false (logged) when
+  // the answer is not Yes. remove deletes the old file on Yes.
+  bool DestinationFree(const std::string& destination, std::string_view what, bool remove);
+  void Log(const std::string& line);
+  // Logs the line and gives false.
+  bool Fail(const std::string& line);
+
+  ExchangeEnvironment env_;
+  std::unique_ptr<clsAdvanced> advanced_;
+  std::unordered_map<std::string, int16_t> routeIndex_;  // RouteNames by name
+  std::vector<clsIndex> indexes_;
+  int32_t indexRoute_ = 0;  // the route the gathered index entries belong to
 };
 
 }  // namespace hifx

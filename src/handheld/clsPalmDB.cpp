@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "base/Failure.h"
+#include "base/Numbers.h"
 #include "handheld/clsPalmFilePDB.h"
 #include "handheld/clsPalmFileVFS.h"
 #include "handheld/modPDB.h"
@@ -113,8 +114,18 @@ std::string clsPalmDB::FieldName(int16_t index) const {
   return schema_[static_cast<size_t>(index)].name;
 }
 
+namespace {
+
+// A text written to a number field counts by its leading number, as fields
+// that can't be converted read as zero.
+int32_t NumberOf(const Value& value) {
+  return value.IsText() ? ToInt32(NumericPrefix(value.Text())) : value.ToInt32();
+}
+
+}  // namespace
+
 int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
-  const int32_t v = value.ToInt32();
+  const int32_t v = NumberOf(value);
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
     buffer_[static_cast<size_t>(offset)] = static_cast<char>(v & 0xFF);
   }
@@ -122,7 +133,7 @@ int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
-  const int32_t v = value.ToInt32();
+  const int32_t v = NumberOf(value);
   // Only this setter grows the buffer, so hand-built records can be made of
   // words and packed texts with no schema.
   if (offset >= 0 && static_cast<size_t>(offset) == buffer_.size()) buffer_.append(2, '\0');

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdio>
 
+#include "base/Failure.h"
+
 namespace hifx {
 namespace {
 
@@ -98,14 +100,44 @@ std::string RecordToJson(clsHIF& hif) {
   const std::string& raw = hif.RawData();
   const Value recType = raw.size() >= 2 ? hif.Item("RecType") : Value();
   if (!recType.IsEmpty() && IsHandBuilt(recType.ToInt32())) {
-    out += "\"RecType\":" + recType.ToText() + ",\"hex\":\"";
-    static constexpr char kHex[] = "0123456789abcdef";
-    for (const char ch : raw) {
-      out.push_back(kHex[static_cast<unsigned char>(ch) >> 4]);
-      out.push_back(kHex[static_cast<unsigned char>(ch) & 15]);
+    try {
+      out += "\"RecType\":" + recType.ToText();
+      if (recType.ToInt32() == kRecIndex) {
+        int32_t route = 0, type = 0, count = 0;
+        std::vector<std::string> entries;
+        hif.GetIndexRecord(route, type, count, entries);
+        out += ",\"route\":" + std::to_string(route) + ",\"type\":" + std::to_string(type) +
+               ",\"entries\":[";
+        for (size_t i = 0; i < entries.size(); ++i) {
+          if (i > 0) out.push_back(',');
+          AppendJsonText(out, entries[i]);
+        }
+      } else {
+        const CodeRecord record = ReadCodeRecord(raw);
+        out += ",\"group\":" + std::to_string(record.group) + ",\"flag\":" +
+               std::to_string(record.flag) + ",\"entries\":[";
+        for (size_t i = 0; i < record.entries.size(); ++i) {
+          out += i > 0 ? ",[" : "[";
+          for (size_t k = 0; k < 3; ++k) {
+            if (k > 0) out.push_back(',');
+            AppendJsonText(out, record.entries[i][k]);
+          }
+          out.push_back(']');
+        }
+      }
+      out += "]}";
+      return out;
+    } catch (const Failure&) {
+      // A record that can't be taken apart is shown as its bytes.
+      out = "{\"RecType\":" + recType.ToText() + ",\"hex\":\"";
+      static constexpr char kHex[] = "0123456789abcdef";
+      for (const char ch : raw) {
+        out.push_back(kHex[static_cast<unsigned char>(ch) >> 4]);
+        out.push_back(kHex[static_cast<unsigned char>(ch) & 15]);
+      }
+      out += "\"}";
+      return out;
     }
-    out += "\"}";
-    return out;
   }
   const KeyedCollection<Value> values = hif.GetValues();
   bool first = true;

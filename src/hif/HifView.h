@@ -36,7 +36,8 @@ class HifView {
 };
 
 // One JSON object of the record in the buffer of hif: schema records by field
-// name, other records by their RecType and bytes in hex.
+// name, code records by group, flag and entries, index records by route,
+// type and entries; one that can't be taken apart by its bytes in hex.
 std::string RecordToJson(clsHIF& hif);
 
 }  // namespace hifx

@@ -3,11 +3,13 @@
 // the readings of the same records, the reading conversions read it back.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/KeyedCollection.h"
 #include "base/Shell.h"
@@ -60,6 +62,19 @@ class clsHIF {
   const std::string& RawData();
   void SetRawData(std::string bytes);
 
+  // A code record: RecType, group, flag, the number of entries, then three
+  // packed texts an entry and the end mark. The lists hold count entries.
+  void AddCodeRecord(int16_t recType, int16_t group, int16_t flag, int16_t count,
+                     const std::vector<std::string>& texts1, const std::vector<std::string>& texts2,
+                     const std::vector<std::string>& texts3);
+  // An index record of one route and one index type; keys sorted, equal keys
+  // next to each other, numbers parallel to them.
+  void AddIndexRecord(int16_t route, int16_t type, int32_t count, const std::vector<std::string>& keys,
+                      const std::vector<int16_t>& numbers);
+  // With an index record in the buffer: its route, type, and one text an
+  // entry, the key and each meter number joined by ":" ("MAIN:12:40").
+  void GetIndexRecord(int32_t& route, int32_t& type, int32_t& count, std::vector<std::string>& entries);
+
   // The typed record layer underneath, for the hand-built code and index
   // records and for readers that walk the schema.
   clsPalmDB& DB();
@@ -69,6 +84,17 @@ class clsHIF {
   std::unique_ptr<clsPalmDB> db_;
   int16_t version_ = 0;
 };
+
+// A code record taken apart, for readers.
+struct CodeRecord {
+  int32_t recType = 0;
+  int32_t group = 0;
+  int32_t flag = 0;
+  int32_t count = 0;
+  std::vector<std::array<std::string, 3>> entries;
+};
+// Raises a failure for a record cut short or with a count it can't hold.
+CodeRecord ReadCodeRecord(const std::string& raw);
 
 // The schema version of a file, told from its first record: a file header
 // (RecType 0) with a MeterType above 0 gives that version, anything else 0.

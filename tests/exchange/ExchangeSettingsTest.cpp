@@ -4,6 +4,7 @@
 #include "config/SqliteRegistryStore.h"
 #include "exchange/clsExchange.h"
 #include "support/TempDir.h"
+#include "support/TestShell.h"
 
 namespace hifx {
 namespace {
@@ -15,10 +16,12 @@ class ExchangeSettings : public testing::Test {
   TempDir dir;
   SqliteRegistryStore store{dir / "registry.db"};
   clsRegistry registry{store};
+  test::TestShell shell;
+  FixedClock clock{CivilTime{}};
 };
 
 TEST_F(ExchangeSettings, AnEmptyRegistryLoadsTheDefaults) {
-  clsExchange exchange(store);
+  clsExchange exchange({store, shell, clock, dir.path(), dir / "sync"});
   exchange.RouteSource = "changed";
   exchange.LoadSettings();
   EXPECT_EQ(exchange.RouteSource, "");
@@ -34,7 +37,7 @@ TEST_F(ExchangeSettings, AnEmptyRegistryLoadsTheDefaults) {
 }
 
 TEST_F(ExchangeSettings, TheFirstSaveWritesTheWholeTreeInItsOrder) {
-  clsExchange exchange(store);
+  clsExchange exchange({store, shell, clock, dir.path(), dir / "sync"});
   exchange.LoadSettings();
   exchange.SaveSettings();
   const auto keys = registry.GetKeys(RootKeyPath(""));
@@ -52,7 +55,7 @@ TEST_F(ExchangeSettings, TheFirstSaveWritesTheWholeTreeInItsOrder) {
 }
 
 TEST_F(ExchangeSettings, StoredFormsAreDecodedLiterally) {
-  clsExchange exchange(store);
+  clsExchange exchange({store, shell, clock, dir.path(), dir / "sync"});
   exchange.SaveParm("Route", "Destination", "");
   exchange.SaveParm("Reading", "AutoReRead", "y");
   exchange.SaveParm("PRCInstall", "AutoInstall", "Y");

@@ -1,0 +1,64 @@
+#include "base/LineReader.h"
+
+#include "base/Failure.h"
+
+namespace hifx {
+
+LineReader::LineReader(const std::filesystem::path& path) {
+  std::error_code ec;
+  const auto status = std::filesystem::status(path, ec);
+  if (ec || !std::filesystem::exists(status)) {
+    throw Failure(fail::kFileNotFound, "File not found: " + path.string());
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+  }
+  size_ = std::filesystem::file_size(path, ec);
+  in_.open(path, std::ios::binary);
+  if (!in_) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
+}
+
+bool LineReader::Fill() {
+  if (next_ > 0) {
+    buffer_.erase(0, next_);
+    next_ = 0;
+  }
+  char chunk[65536];
+  in_.read(chunk, sizeof chunk);
+  const auto got = static_cast<size_t>(in_.gcount());
+  buffer_.append(chunk, got);
+  return got > 0;
+}
+
+bool LineReader::ReadLine(std::string& line) {
+  size_t scanned = 0;  // bytes of the line looked at so far, from next_
+  for (;;) {
+    size_t end = next_ + scanned;
+    while (end < buffer_.size() && buffer_[end] != '\r' && buffer_[end] != '\n') ++end;
+    scanned = end - next_;
+    if (end < buffer_.size()) {
+      // A CR that ends the buffer may be the first half of a CR LF: read on
+      // before deciding. Fill moves the unread bytes to the front.
+      if (buffer_[end] == '\r' && end + 1 == buffer_.size() && Fill()) continue;
+      end = next_ + scanned;
+      line.assign(buffer_, next_, scanned);
+      size_t after = end + 1;
+      if (buffer_[end] == '\r' && after < buffer_.size() && buffer_[after] == '\n') ++after;
+      position_ += after - next_;
+      next_ = after;
+      return true;
+    }
+    if (scanned > kMaxLine) {
+      throw Failure(fail::kOutOfMemory, "A line of the file is longer than 16 MB");
+    }
+    if (!Fill()) {
+      if (scanned == 0) return false;
+      line.assign(buffer_, next_, scanned);
+      position_ += scanned;
+      next_ = buffer_.size();
+      return true;
+    }
+  }
+}
+
+}  // namespace hifx

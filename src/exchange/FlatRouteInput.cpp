@@ -1,0 +1,245 @@
+// Fixed-column and delimited route files: two passes over the source, the
+// first to find the routes and count the meters, the second to validate and
+// write each meter.
+#include "base/Failure.h"
+#include "base/Numbers.h"
+#include "exchange/ExchangeText.h"
+#include "exchange/clsExchange.h"
+
+namespace hifx {
+namespace {
+
+std::string Upper(std::string text) {
+  for (char& c : text) c = FoldCase(c);
+  return text;
+}
+
+void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
+  if (from.empty()) return;
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+}
+
+std::vector<std::string> Split(const std::string& text, const std::string& delimiter) {
+  std::vector<std::string> pieces;
+  if (delimiter.empty()) {
+    pieces.push_back(text);
+    return pieces;
+  }
+  size_t start = 0;
+  for (;;) {
+    const size_t at = text.find(delimiter, start);
+    if (at == std::string::npos) {
+      pieces.push_back(text.substr(start));
+      return pieces;
+    }
+    pieces.push_back(text.substr(start, at - start));
+    start = at + delimiter.size();
+  }
+}
+
+std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); }
+
+}  // namespace
+
+void clsExchange::AddValue(KeyedCollection<Value>& values, const MapField& field,
+                           const std::string& raw, bool trimBothEnds) {
+  switch (field.DataType) {
+    case kTypeText: values.Add(field.FieldName, Value(trimBothEnds ? Trim(raw) : TrimRight(raw))); break;
+    case kTypeInteger: values.Add(field.FieldName, Value::Integer(ToInt16(NumericPrefix(raw)))); break;
+    case kTypeLong: values.Add(field.FieldName, Value::Long(ToInt32(NumericPrefix(raw)))); break;
+    case kTypeNumber: values.Add(field.FieldName, Value::Double(NumericPrefix(raw))); break;
+    case kTypeDate:
+    case kTypeTime: values.Add(field.FieldName, Value(TrimRight(raw))); break;
+    default: break;
+  }
+}
+
+KeyedCollection<Value> clsExchange::ParseRoute(const std::string& line) {
+  if (ActiveMap->MapType() == kMapFixed) return ParseRouteFixed(line);
+  if (ActiveMap->MapType() == kMapDelimited) return ParseRouteDelimited(line);
+  return {};
+}
+
+KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line) {
+  const clsExchMap& map = *ActiveMap;
+  const std::string quote = map.MapQuote();
+  const std::string delimiter = map.MapDelimiterChar();
+  std::string work = line;
+  if (!quote.empty()) {
+    // Delimiters inside quotes are hidden as "~" while the line is split. A
+    // quote or delimiter of more than one character never equals one
+    // character, so it protects nothing.
+    bool inQuotes = false;
+    for (char& c : work) {
+      if (quote.size() == 1 && c == quote[0]) {
+        inQuotes = !inQuotes;
+      } else if (inQuotes && delimiter.size() == 1 && c == delimiter[0]) {
+        c = '~';
+      }
+    }
+  }
+  std::vector<std::string> pieces = Split(work, delimiter);
+  if (!quote.empty()) {
+    for (std::string& piece : pieces) {
+      if (quote.size() == 1 && !piece.empty() && piece.front() == quote[0]) piece.erase(0, 1);
+      if (quote.size() == 1 && !piece.empty() && piece.back() == quote[0]) piece.pop_back();
+      ReplaceAll(piece, quote + quote, quote);
+      // Every "~" becomes the delimiter, also one that stood for itself.
+      ReplaceAll(piece, "~", delimiter);
+    }
+  }
+  LastReadType.clear();
+  KeyedCollection<Value> values;
+  std::string raw;
+  for (int32_t i = 1; i <= map.FieldCount(); ++i) {
+    const MapField& field = map.Field(i);
+    bool found = false;
+    switch (field.MapOption) {
+      case kOptionDoNotMap: raw.clear(); break;
+      case kOptionSource: {
+        // A short line repeats the previous field's text into the fields
+        // beyond it.
+        const int32_t piece = field.DataPosition - 1;
+        if (piece >= 0 && static_cast<size_t>(piece) < pieces.size()) {
+          raw = pieces[static_cast<size_t>(piece)];
+          found = true;
+        }
+        break;
+      }
+      case kOptionConstant: raw = field.MapConstant; break;
+      case kOptionPrompt: raw = Prompts.Value(field.FieldName); break;
+      case kOptionAutonumber:
+        AutoNumber = ToInt16(AutoNumber + 1.0);
+        raw = std::to_string(AutoNumber);
+        break;
+      default: break;
+    }
+    if (found && field.FieldName == "ReadType") LastReadType = Upper(raw);
+    AddValue(values, field, raw, false);
+  }
+  return values;
+}
+
+KeyedCollection<Value> clsExchange::ParseRouteFixed(const std::string& line) {
+  const clsExchMap& map = *ActiveMap;
+  LastReadType.clear();
+  KeyedCollection<Value> values;
+  std::string raw;
+  for (int32_t i = 1; i <= map.FieldCount(); ++i) {
+    const MapField& field = map.Field(i);
+    switch (field.MapOption) {
+      case kOptionDoNotMap: raw.clear(); break;
+      case kOptionSource: {
+        if (field.DataPosition < 1 || field.DataWidth < 0) throw Failure(fail::kInvalidCall);
+        const size_t start = static_cast<size_t>(field.DataPosition - 1);
+        raw = start < line.size() ? line.substr(start, static_cast<size_t>(field.DataWidth)) : std::string();
+        if (field.FieldName == "ReadType") LastReadType = Upper(raw);
+        break;
+      }
+      case kOptionConstant: raw = field.MapConstant; break;
+      case kOptionPrompt: raw = Prompts.Value(field.FieldName); break;
+      case kOptionAutonumber:
+        AutoNumber = ToInt16(AutoNumber + 1.0);
+        raw = std::to_string(AutoNumber);
+        break;
+      default: break;
+    }
+    AddValue(values, field, raw, true);
+  }
+  return values;
+}
+
+bool clsExchange::ConvertRouteFlat() {
+  const std::string source = Trim(RouteSource);
+  SourceFile = std::make_unique<LineReader>(source);
+  // Progress counts 128-byte blocks: the first pass fills the first third,
+  // the second pass the second.
+  const auto blocks = static_cast<int32_t>(std::min<uint64_t>((SourceFile->Size() + 127) / 128, 700000000));
+  UntaggedMeters = 0;
+  MetersWritten = 0;
+  int32_t lines = 0;
+  std::string line;
+  while (SourceFile->ReadLine(line)) {
+    env_.shell.SetProgressButton(3 * blocks, static_cast<int32_t>(SourceFile->Position() / 128));
+    ++LineNumber;
+    const KeyedCollection<Value> values = ParseRoute(line);
+    const int16_t route = AddRoute(TextOf(values.Item("RouteNbr")));
+    RouteCounts[static_cast<size_t>(route)] = ToInt16(RouteCounts[static_cast<size_t>(route)] + 1.0);
+    ++lines;
+  }
+
+  SourceFile = std::make_unique<LineReader>(source);
+  LineNumber = 0;
+  // A slot for each meter, route header and the file header, and a margin
+  // for the code and index records.
+  const int32_t records = lines + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
+  const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
+  if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {
+    return Fail("Error: Could not Create Route HIF File");
+  }
+  WriteFileHeader(source, lines, ActiveHIF->Version());
+  WriteRouteHeaders();
+  // Autonumbers of the second pass repeat those of the first.
+  AutoNumber = 0;
+  MessageCount = 0;
+  while (SourceFile->ReadLine(line)) {
+    env_.shell.SetProgressButton(3 * blocks, blocks + static_cast<int32_t>(SourceFile->Position() / 128));
+    ++LineNumber;
+    const KeyedCollection<Value> values = ParseRoute(line);
+    switch (ValidateRoute(values)) {
+      case 1: HadWarnings = true; break;
+      case 2: HadProblems = true; break;
+      case 3: return false;
+      default: break;
+    }
+    WriteFlatMeter(values, AddRoute(TextOf(values.Item("RouteNbr"))));
+  }
+  return !HadProblems;
+}
+
+void clsExchange::WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route) {
+  static constexpr const char* kCopied[] = {
+      "Sequence",       "MeterTagNbr",     "Digits",          "Decimals",       "PrvReading",
+      "MaxReading",     "MinReading",      "LstReadingDate",  "UtilityCode",    "Lat",
+      "Lng",            "ServiceAddress",  "BillingName",     "ServiceUniqueID", "MeterSerialNbr",
+      "ScaleFactor",    "InitReading",     "InitPulseCount",  "InitTamperCount", "User1",
+      "User2",          "User3",           "User4",           "User5"};
+  clsHIF& hif = *ActiveHIF;
+  hif.AddNew();
+  hif.SetItem("RecType", Value::Long(kRecMeter));
+  hif.SetItem("RouteNbr", Value::Long(route));
+  // A date stays text: its first four characters fill the 32-bit field.
+  for (const char* name : kCopied) hif.SetItem(name, values.Item(name));
+
+  const std::string meterType = TextOf(values.Item("MeterType"));
+  if (meterType >= "A") {
+    hif.SetItem("MeterType", Value::Long(static_cast<unsigned char>(meterType[0])));
+  } else {
+    hif.SetItem("MeterType", Value::Double(NumericPrefix(meterType)));
+  }
+  if (LastReadType == "R" || LastReadType == "r") {
+    hif.SetItem("ReadType", Value::Long(1));
+  } else if (LastReadType == "M" || LastReadType == "S" || LastReadType == "m" || LastReadType == "s") {
+    hif.SetItem("ReadType", Value::Long(2));
+  } else if (LastReadType == "P" || LastReadType == "p") {
+    hif.SetItem("ReadType", Value::Long(3));
+  } else {
+    hif.SetItem("ReadType", Value::Double(NumericPrefix(TextOf(values.Item("ReadType")))));
+  }
+  hif.SetItem("Message", Value(Advanced().LookupMessage(
+                             TextOf(values.Item("Message")), TextOf(values.Item("RouteNbr")),
+                             TextOf(values.Item("ServiceUniqueID")),
+                             TextOf(values.Item("MeterSerialNbr")), TextOf(values.Item("MeterTagNbr")))));
+  hif.SetItem("ReceiverData", Value(""));
+  hif.WriteData();
+  ++MetersWritten;
+  UpdateIndexes(hif.Item("RouteNbr").ToInt32(), MeterRecordNumber,
+                TextOf(hif.Item("MeterTagNbr")), TextOf(hif.Item("MeterSerialNbr")),
+                TextOf(hif.Item("BillingName")), TextOf(hif.Item("ServiceAddress")),
+                TextOf(hif.Item("ServiceUniqueID")));
+  MeterRecordNumber = ToInt16(MeterRecordNumber + 1.0);
+}
+
+}  // namespace hifx

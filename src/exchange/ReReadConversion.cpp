@@ -1,0 +1,147 @@
+// A route HIF of the meters to visit again, from a plain list read through a
+// route map of the re-read use: every meter goes into the one route REREAD.
+#include <filesystem>
+
+#include "base/Failure.h"
+#include "base/Numbers.h"
+#include "exchange/ExchangeText.h"
+#include "exchange/clsExchange.h"
+#include "hif/FileVersion.h"
+
+namespace hifx {
+namespace {
+
+std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); }
+
+}  // namespace
+
+void clsExchange::WriteReReadMeter(const KeyedCollection<Value>& values) {
+  static constexpr const char* kCopied[] = {
+      "Sequence",       "MeterTagNbr",     "MeterType",       "Digits",          "Decimals",
+      "PrvReading",     "MaxReading",      "MinReading",      "InitPulseCount",  "InitTamperCount",
+      "LstReadingDate", "UtilityCode",     "Lat",             "Lng",             "ServiceAddress",
+      "BillingName",    "ServiceUniqueID", "MeterSerialNbr",  "User1",           "User2",
+      "User3",          "User4",           "User5"};
+  clsHIF& hif = *ActiveHIF;
+  hif.AddNew();
+  hif.SetItem("RecType", Value::Long(kRecMeter));
+  hif.SetItem("RouteNbr", Value::Long(1));
+  for (const char* name : kCopied) hif.SetItem(name, values.Item(name));
+  const std::string readType = TextOf(values.Item("ReadType"));
+  if (readType == "r" || readType == "R") {
+    hif.SetItem("ReadType", Value::Long(1));
+  } else if (readType == "m" || readType == "M") {
+    hif.SetItem("ReadType", Value::Long(2));
+  } else if (readType == "p" || readType == "P") {
+    hif.SetItem("ReadType", Value::Long(3));
+  } else {
+    hif.SetItem("ReadType", Value::Double(NumericPrefix(readType)));
+  }
+  hif.SetItem("Message", Value(Advanced().LookupMessage("", "1", TextOf(values.Item("ServiceUniqueID")),
+                                                        TextOf(values.Item("MeterSerialNbr")),
+                                                        TextOf(values.Item("MeterTagNbr")))));
+  hif.WriteData();
+  ++MetersWritten;
+}
+
+bool clsExchange::ConvertReRead() {
+  try {
+    const std::string source = Trim(ReReadSource);
+    if (source.empty()) return Fail("Error: ReRead Source not specified");
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(source, ec)) return Fail("Error: ReRead Source does not exist");
+    Log("Reading from " + ReReadSource);
+    const std::string destination = Trim(ReReadDestination);
+    if (destination.empty()) return Fail("Error: ReRead Destination not specified");
+    Log("Writing to " + ReReadDestination);
+    // The old file goes on Yes, so none of its bytes stay behind the new one.
+    if (!DestinationFree(destination, "ReRead", true)) return false;
+    if (ReReadMap.empty()) return Fail("Error: ReRead Conversion Map not specified");
+    Log("Using Map: " + ReReadMap);
+    ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+    if (!ActiveMap->LoadMap(ReReadMap + MapExtension(kUseReRead), kUseReRead)) {
+      return Fail("Error: Could not load ReRead Conversion Map");
+    }
+    std::string messages;
+    if (!ActiveMap->ValidateMap(messages)) return Fail("Error: " + messages);
+    ActiveHIF = std::make_unique<clsHIF>(env_.shell);
+    const int16_t version = LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor);
+    ActiveHIF->SetVersion(version);
+    if (!DisplayPrompts(*ActiveMap)) return Fail("Error: Prompted entry of runtime variables cancelled");
+    CreateIndexes = AskIndexes();
+    const CivilTime now = env_.clock.Now();
+    Log("ReRead Conversion Starting " + ShortTime(now) + " " + ShortDate(now));
+    ClearRoute();
+    HadWarnings = false;
+    HadProblems = false;
+    MetersWritten = 0;
+    UntaggedMeters = 0;
+    MessageCount = 0;
+    AutoNumber = 0;
+    const int16_t route = AddRoute("REREAD");
+    LineNumber = 0;
+    SeenTags = KeyedCollection<std::string>();
+
+    // The first pass only counts lines; a blank line counts too.
+    SourceFile = std::make_unique<LineReader>(source);
+    int32_t meters = 0;
+    std::string line;
+    while (SourceFile->ReadLine(line)) {
+      ++LineNumber;
+      RouteCounts[static_cast<size_t>(route)] = ToInt16(RouteCounts[static_cast<size_t>(route)] + 1.0);
+      ++meters;
+    }
+    SourceFile = std::make_unique<LineReader>(source);
+    LineNumber = 0;
+    const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 1;
+    const int32_t fileType = (ReReadHIFType == "PRC" || ReReadHIFType == "PDB") ? kFilePDB : kFileVFS;
+    if (ActiveHIF->CreateHIF(destination, fileType, records) != 0) {
+      SourceFile.reset();
+      ActiveHIF.reset();
+      return Fail("Error: Could not Create ReRead HIF File");
+    }
+    WriteFileHeader(source, meters, version);
+    WriteRouteHeaders();
+
+    while (SourceFile->ReadLine(line)) {
+      env_.shell.SetProgressButton(255, ActiveHIF->Position255());
+      ++LineNumber;
+      const KeyedCollection<Value> values = ParseRoute(line);
+      const int16_t result = ValidateRoute(values);
+      if (result == 1) HadWarnings = true;
+      if (result == 2) HadProblems = true;
+      if (result == 3) {
+        SourceFile.reset();
+        ActiveHIF.reset();
+        return false;
+      }
+      WriteReReadMeter(values);
+    }
+    if (HadProblems) {
+      Log("Problems encountered; Route file unusable");
+    } else if (MetersWritten > 0) {
+      Log(std::to_string(SeenTags.Count()) + " meters written to ReRead HIF File");
+      ActiveHIF.reset();
+      if ((ReReadHIFType == "PRC" || ReReadHIFType == "PDB") && AutoInstall) InstallPRC(ReReadDestination);
+      SeenTags = KeyedCollection<std::string>();
+      Log(HadWarnings ? "ReRead Conversion Finished with Warnings" : "ReRead Conversion Finished");
+      Log("");
+    } else {
+      Log("The ReReadHIF contains no meter records. The ReReadHIF file is unusable.");
+    }
+    SourceFile.reset();
+    ActiveHIF.reset();
+    return !HadProblems && MetersWritten > 0;
+  } catch (const Failure& failure) {
+    SourceFile.reset();
+    ActiveHIF.reset();
+    env_.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
+  } catch (const std::exception& failure) {
+    SourceFile.reset();
+    ActiveHIF.reset();
+    env_.shell.MsgBox(failure.what(), "Error", MsgButtons::OK, MsgIcon::Critical);
+  }
+  return false;
+}
+
+}  // namespace hifx

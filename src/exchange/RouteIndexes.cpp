@@ -1,0 +1,169 @@
+// The indexes and code lists that a route HIF carries behind its meters.
+#include <array>
+
+#include "base/Failure.h"
+#include "exchange/ExchangeText.h"
+#include "exchange/clsExchange.h"
+
+namespace hifx {
+namespace {
+
+constexpr int kIndexTypes = 5;
+
+std::string Upper(std::string_view text) {
+  std::string out(text);
+  for (char& c : out) c = FoldCase(c);
+  return out;
+}
+
+}  // namespace
+
+bool clsExchange::IsIndexToken(int32_t type, const std::string& word) {
+  std::string token;
+  if (type == 0) return Advanced().GetToken("Owner", Value(word), token) >= 0;
+  if (type == 1) return Advanced().GetToken("Address", Value(word), token) >= 0;
+  return false;
+}
+
+std::vector<std::string> clsExchange::IndexWords(const std::string& text, int32_t type) {
+  std::string clean = Upper(text);
+  for (char& c : clean) {
+    if (!((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ')) c = ' ';
+  }
+  std::vector<std::string> words;
+  size_t at = 0;
+  while (at < clean.size()) {
+    while (at < clean.size() && clean[at] == ' ') ++at;
+    size_t end = at;
+    while (end < clean.size() && clean[end] != ' ') ++end;
+    if (end > at) {
+      const std::string word = clean.substr(at, end - at);
+      // 1ST, 2ND and 3RD are kept; 4TH and plain numbers are not, on purpose.
+      const bool ordinal = word.size() >= 2 &&
+                           std::string_view("/ST/ND/RD/").find("/" + word.substr(word.size() - 2) + "/") !=
+                               std::string_view::npos;
+      if (word.size() > 1 && (word[0] >= 'A' || ordinal) && !IsIndexToken(type, word)) {
+        words.push_back(word);
+      }
+    }
+    at = end;
+  }
+  return words;
+}
+
+void clsExchange::UpdateIndexes(int32_t route, int16_t number, const std::string& tag,
+                                const std::string& serial, const std::string& name,
+                                const std::string& address, const std::string& account) {
+  if (indexes_.empty() && route > 0) indexes_.resize(kIndexTypes);
+  if (route != indexRoute_ && indexRoute_ > 0 && CreateIndexes) {
+    for (int type = 0; type < static_cast<int>(indexes_.size()); ++type) {
+      clsIndex& index = indexes_[static_cast<size_t>(type)];
+      index.Route = static_cast<int16_t>(indexRoute_);
+      index.IndexType = type;
+      index.WriteRecord(*ActiveHIF);
+    }
+  }
+  for (int type = 0; type < static_cast<int>(indexes_.size()); ++type) {
+    clsIndex& index = indexes_[static_cast<size_t>(type)];
+    switch (type) {
+      case 0:
+        for (std::string& word : IndexWords(name, 0)) index.Insert(std::move(word), number);
+        break;
+      case 1:
+        for (std::string& word : IndexWords(address, 1)) index.Insert(std::move(word), number);
+        break;
+      case 2: {
+        const std::string key = Upper(Trim(tag));
+        if (!key.empty() && key != "0") index.Insert(key, number);
+        break;
+      }
+      default: {
+        const std::string key = Upper(Trim(type == 3 ? serial : account));
+        if (!key.empty()) index.Insert(key, number);
+        break;
+      }
+    }
+  }
+  indexRoute_ = route;
+  if (route == 0) indexes_.clear();
+}
+
+namespace {
+
+// Walks a list from position 1 until its reader gives a negative position,
+// leaving out deleted entries (an empty first text).
+template <typename Reader>
+int16_t Gather(Reader read, std::vector<std::string>& a, std::vector<std::string>& b,
+               std::vector<std::string>& c) {
+  for (int16_t position = 1;; ++position) {
+    std::string x, y, z;
+    if (read(position, x, y, z) < 0) break;
+    if (x.empty()) continue;
+    a.push_back(std::move(x));
+    b.push_back(std::move(y));
+    c.push_back(std::move(z));
+  }
+  return static_cast<int16_t>(a.size());
+}
+
+}  // namespace
+
+void clsExchange::WriteLoginRecord() {
+  clsAdvanced& advanced = Advanced();
+  if (!advanced.UseLoginSecurity()) return;
+  std::vector<std::string> ids, passwords, rights;
+  const int16_t count = Gather(
+      [&](int16_t p, std::string& x, std::string& y, std::string& z) {
+        return advanced.GetLogin(Value::Integer(p), x, y, z);
+      },
+      ids, passwords, rights);
+  if (count > 0) ActiveHIF->AddCodeRecord(kRecLogins, 0, 1, count, ids, passwords, rights);
+}
+
+void clsExchange::WriteSkipRecord() {
+  clsAdvanced& advanced = Advanced();
+  std::vector<std::string> codes, reasons, empty;
+  const int16_t count = Gather(
+      [&](int16_t p, std::string& x, std::string& y, std::string& z) {
+        z.clear();
+        return advanced.GetSkip(Value::Integer(p), x, y);
+      },
+      codes, reasons, empty);
+  if (count > 0) ActiveHIF->AddCodeRecord(kRecCodes, 0, 0, count, codes, reasons, empty);
+}
+
+void clsExchange::WriteChangeoutRecords() {
+  clsAdvanced& advanced = Advanced();
+  const std::array<const char*, 4> types = {"RC", "MT", "MFG", "MS"};
+  for (size_t group = 0; group < types.size(); ++group) {
+    std::vector<std::string> codes, descriptions, empty;
+    const int16_t count = Gather(
+        [&](int16_t p, std::string& x, std::string& y, std::string& z) {
+          z.clear();
+          return advanced.GetChangeout(types[group], Value::Integer(p), x, y);
+        },
+        codes, descriptions, empty);
+    if (count > 0) {
+      ActiveHIF->AddCodeRecord(kRecCodes, static_cast<int16_t>(group + 1), 0, count, codes,
+                               descriptions, empty);
+    }
+  }
+}
+
+void clsExchange::WriteAlertRecord() {
+  clsAdvanced& advanced = Advanced();
+  ActiveHIF->AddCodeRecord(kRecAlerts, 0, 1, 3, {"RANGE", "ROLLOVER", "TAMPER"},
+                           {std::to_string(advanced.AlertOutOfBounds()),
+                            std::to_string(advanced.AlertRollover()),
+                            std::to_string(advanced.AlertTamper())},
+                           {"", "", ""});
+}
+
+void clsExchange::WriteCodeRecords() {
+  WriteLoginRecord();
+  WriteSkipRecord();
+  WriteChangeoutRecords();
+  WriteAlertRecord();
+}
+
+}  // namespace hifx

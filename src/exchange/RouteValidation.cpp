@@ -1,0 +1,79 @@
+// Checks of one parsed route line against the map and the meters seen so far.
+#include "base/Failure.h"
+#include "base/Numbers.h"
+#include "exchange/ExchangeText.h"
+#include "exchange/clsExchange.h"
+
+namespace hifx {
+namespace {
+
+std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); }
+
+}  // namespace
+
+void clsExchange::Report(const std::string& message, int16_t& result) {
+  // Fifty messages are shown; the fifty-first fault ends the conversion.
+  if (MessageCount < 50) {
+    Log(message);
+    ++MessageCount;
+    result = 1;
+  } else if (MessageCount == 50) {
+    Log("Remaining validation messages suppressed");
+    Log("Fatal Error limit reached");
+    ++MessageCount;
+    result = 3;
+  }
+}
+
+int16_t clsExchange::ValidateRoute(const KeyedCollection<Value>& values) {
+  int16_t result = 0;
+  const bool untagged = LastReadType == "M" || LastReadType == "P" || LastReadType == "S";
+  const clsExchMap& map = *ActiveMap;
+  const std::string line = std::to_string(LineNumber);
+  for (int32_t i = 1; i <= map.FieldCount(); ++i) {
+    const MapField& field = map.Field(i);
+    const bool skipTag = untagged && field.FieldName == "MeterTagNbr";
+    const Value& value = values.Item(field.FieldName);
+    if (!skipTag && field.MaxValue > 0) {
+      const double number = value.IsText() ? NumericPrefix(value.Text()) : value.ToDouble();
+      if (number > field.MaxValue) {
+        Report("Value of " + field.FieldName + "(" + TextOf(value) +
+                   ") exceeds maximum permitted value in Line " + line,
+               result);
+      }
+    }
+    if (field.Required && !skipTag) {
+      if (field.DataType == kTypeInteger || field.DataType == kTypeLong || field.DataType == kTypeNumber) {
+        if (NumericPrefix(TextOf(value)) == 0) Report(field.FieldName + " zero in Line " + line, result);
+      } else if (Trim(TextOf(value)).empty()) {
+        Report(field.FieldName + " empty in Line " + line, result);
+      }
+    }
+  }
+  if (untagged) {
+    UntaggedMeters = ToInt16(UntaggedMeters + 1.0);
+  } else if (CheckDuplicateTag(TextOf(values.Item("MeterTagNbr")),
+                               TextOf(values.Item("ServiceAddress")) + " " +
+                                   TextOf(values.Item("BillingName")),
+                               LineNumber)) {
+    result = 3;
+  }
+  return result;
+}
+
+bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line) {
+  try {
+    SeenTags.Add(tag, tag);
+    return false;
+  } catch (const Failure& failure) {
+    if (failure.Number() == fail::kDuplicateKey) {
+      Log("Meter Tag Number of " + tag + " is duplicate in Line " + std::to_string(line));
+      Log("   Info: " + info);
+      return true;
+    }
+    env_.shell.MsgBox(failure.Description());
+    return false;
+  }
+}
+
+}  // namespace hifx

@@ -1,0 +1,127 @@
+// The hand-built records of a HIF: code lists and indexes, packed lists of
+// 16-bit words at even offsets and NUL-closed texts, which the handheld walks
+// in place.
+#include "base/Failure.h"
+#include "handheld/modPDB.h"
+#include "hif/clsHIF.h"
+
+namespace hifx {
+
+void clsHIF::AddCodeRecord(int16_t recType, int16_t group, int16_t flag, int16_t count,
+                           const std::vector<std::string>& texts1,
+                           const std::vector<std::string>& texts2,
+                           const std::vector<std::string>& texts3) {
+  clsPalmDB& db = DB();
+  db.AddNew();
+  int16_t at = db.SetInt16(0, Value::Long(recType));
+  at = db.SetInt16(at, Value::Long(group));
+  at = db.SetInt16(at, Value::Long(flag));
+  at = db.SetInt16(at, Value::Long(count));
+  for (int16_t i = 0; i < count; ++i) {
+    const size_t k = static_cast<size_t>(i);
+    at = db.AppendString(at, k < texts1.size() ? texts1[k] : std::string(), true);
+    at = db.AppendString(at, k < texts2.size() ? texts2[k] : std::string(), true);
+    at = db.AppendString(at, k < texts3.size() ? texts3[k] : std::string(), true);
+  }
+  db.SetInt16(at, Value::Long(-1));
+  db.WriteData();
+}
+
+void clsHIF::AddIndexRecord(int16_t route, int16_t type, int32_t count,
+                            const std::vector<std::string>& keys,
+                            const std::vector<int16_t>& numbers) {
+  struct Group {
+    const std::string* key;
+    std::vector<int16_t> numbers;
+    int32_t size;
+  };
+  std::vector<Group> groups;
+  for (int32_t i = 0; i < count; ++i) {
+    const std::string& key = keys[static_cast<size_t>(i)];
+    const int16_t number = numbers[static_cast<size_t>(i)];
+    if (!groups.empty() && *groups.back().key == key) {
+      groups.back().numbers.push_back(number);
+      groups.back().size += 2;
+    } else {
+      const int32_t packed = static_cast<int32_t>(key.size()) + 1;
+      groups.push_back(Group{&key, {number}, 2 + packed + (packed % 2) + 2});
+    }
+  }
+  clsPalmDB& db = DB();
+  db.AddNew();
+  int16_t at = db.SetInt16(0, Value::Long(kRecIndex));
+  at = db.SetInt16(at, Value::Long(route));
+  at = db.SetInt16(at, Value::Long(type));
+  for (size_t g = 0; g < groups.size(); ++g) {
+    // Offsets are 16-bit: an index past 32767 bytes overflows.
+    const int32_t next = g + 1 == groups.size() ? -1 : at + groups[g].size;
+    if (next > 32767) throw Failure(fail::kOverflow);
+    at = db.SetInt16(at, Value::Long(next));
+    at = db.AppendString(at, *groups[g].key, true);
+    for (const int16_t number : groups[g].numbers) at = db.SetInt16(at, Value::Long(number));
+  }
+  db.WriteData();
+}
+
+namespace {
+
+int32_t WordAt(const std::string& raw, size_t offset) {
+  if (offset + 2 > raw.size()) throw Failure(fail::kSubscript);
+  return BytesToLong(std::span(reinterpret_cast<const uint8_t*>(raw.data()) + offset, 2));
+}
+
+// A packed text at offset: its bytes up to the NUL; offset moves behind the
+// NUL and to the next even offset.
+std::string PackedText(const std::string& raw, size_t& offset) {
+  const size_t nul = raw.find('\0', offset);
+  if (nul == std::string::npos) throw Failure(fail::kSubscript);
+  std::string text = raw.substr(offset, nul - offset);
+  offset = nul + 1;
+  if (offset % 2 == 1) ++offset;
+  return text;
+}
+
+}  // namespace
+
+void clsHIF::GetIndexRecord(int32_t& route, int32_t& type, int32_t& count,
+                            std::vector<std::string>& entries) {
+  const std::string& raw = DB().RawData();
+  route = WordAt(raw, 2);
+  type = WordAt(raw, 4);
+  count = 0;
+  entries.clear();
+  size_t at = 6;
+  bool last = false;
+  while (!last && at < raw.size()) {
+    size_t next = static_cast<size_t>(WordAt(raw, at));
+    if (next == 0xFFFF) {
+      last = true;
+      next = raw.size();
+    }
+    // An entry that does not move forward would be walked for ever.
+    if (next <= at || next > raw.size()) throw Failure(fail::kSubscript);
+    size_t p = at + 2;
+    std::string entry = PackedText(raw, p);
+    for (; p + 2 <= next; p += 2) entry += ":" + std::to_string(WordAt(raw, p));
+    entries.push_back(std::move(entry));
+    ++count;
+    at = next;
+  }
+}
+
+CodeRecord ReadCodeRecord(const std::string& raw) {
+  CodeRecord record;
+  record.recType = WordAt(raw, 0);
+  record.group = WordAt(raw, 2);
+  record.flag = WordAt(raw, 4);
+  record.count = WordAt(raw, 6);
+  size_t at = 8;
+  for (int32_t i = 0; i < record.count; ++i) {
+    std::array<std::string, 3> entry;
+    for (std::string& text : entry) text = PackedText(raw, at);
+    record.entries.push_back(std::move(entry));
+  }
+  return record;
+}
+
+}  // namespace hifx
