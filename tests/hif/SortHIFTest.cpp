@@ -1,0 +1,373 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "base/Failure.h"
+#include "hif/SortHIF.h"
+#include "hif/clsHIF.h"
+#include "support/HifImage.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+using test::Hex;
+using test::HifImage;
+using test::ReadBytes;
+using test::TempDir;
+using test::TestShell;
+using test::WriteBytes;
+using test::WriteRecords;
+
+// The quick sort exactly as the sort describes it: entries from 1, the pivot
+// the middle slot, both parts sorted by recursion.
+bool Below(const SortEntry& a, const SortEntry& b) {
+  return a.Sequence < b.Sequence || (a.Sequence == b.Sequence && a.Ordinal < b.Ordinal);
+}
+
+void DescribedQuickSort(std::vector<SortEntry>& e, int first, int last) {
+  int i = first;
+  int j = last;
+  const int m = (first + last) / 2;
+  while (i <= j) {
+    while (i < last && Below(e[i], e[m])) ++i;
+    while (j > first && Below(e[m], e[j])) --j;
+    if (i > j) break;
+    if (i < j) std::swap(e[i], e[j]);
+    ++i;
+    --j;
+  }
+  if (first < j) DescribedQuickSort(e, first, j);
+  if (i < last) DescribedQuickSort(e, i, last);
+}
+
+std::vector<SortEntry> Entries(const std::vector<int32_t>& sequences) {
+  std::vector<SortEntry> entries;
+  for (const int32_t s : sequences) {
+    const auto n = static_cast<int32_t>(entries.size()) + 1;
+    entries.push_back({s, n, n});
+  }
+  return entries;
+}
+
+std::vector<int32_t> Ordinals(const std::vector<SortEntry>& entries) {
+  std::vector<int32_t> ordinals;
+  for (const auto& e : entries) ordinals.push_back(e.Ordinal);
+  return ordinals;
+}
+
+// Sorted as the sort's own quick sort leaves them: the entries' ordinals.
+std::vector<int32_t> Described(const std::vector<int32_t>& sequences) {
+  std::vector<SortEntry> from1 = Entries(sequences);
+  from1.insert(from1.begin(), SortEntry{});
+  DescribedQuickSort(from1, 1, static_cast<int>(sequences.size()));
+  from1.erase(from1.begin());
+  return Ordinals(from1);
+}
+
+std::vector<int32_t> Quick(const std::vector<int32_t>& sequences) {
+  std::vector<SortEntry> entries = Entries(sequences);
+  QuickSort(entries, 0, static_cast<std::ptrdiff_t>(entries.size()) - 1);
+  for (const auto& e : entries) EXPECT_EQ(e.Ordinal, e.Position);  // moved whole
+  return Ordinals(entries);
+}
+
+TEST(SortQuickSort, GivesTheDescribedOrderOnRandomRuns) {
+  std::mt19937 random(20240229);
+  int outOfOrder = 0;
+  for (int run = 0; run < 20000; ++run) {
+    const int n = static_cast<int>(random() % (run < 19900 ? 40 : 3000));
+    const int32_t range = std::array<int32_t, 4>{1, 3, 50, 1000000}[random() % 4];
+    std::vector<int32_t> sequences;
+    for (int k = 0; k < n; ++k) sequences.push_back(static_cast<int32_t>(random() % range));
+    const auto got = Quick(sequences);
+    ASSERT_EQ(got, Described(sequences)) << "run " << run;
+    auto entries = Entries(sequences);
+    std::vector<SortEntry> result;
+    for (const int32_t ordinal : got) result.push_back(entries[static_cast<size_t>(ordinal) - 1]);
+    if (!std::is_sorted(result.begin(), result.end(), Below)) ++outOfOrder;
+  }
+  // The pivot moves with the swaps: some runs end not wholly in order, and
+  // they must stay so.
+  EXPECT_GT(outOfOrder, 0);
+}
+
+TEST(SortQuickSort, RunsInOrderOrOfEqualSequencesKeepTheirOrder) {
+  const std::vector<int32_t> none;
+  EXPECT_EQ(Quick(none), none);
+  EXPECT_EQ(Quick({7}), std::vector<int32_t>{1});
+  std::vector<int32_t> identity(500);
+  for (size_t k = 0; k < identity.size(); ++k) identity[k] = static_cast<int32_t>(k) + 1;
+  EXPECT_EQ(Quick(std::vector<int32_t>(500, 42)), identity);
+  EXPECT_EQ(Quick(identity), identity);
+  EXPECT_EQ(Quick({5, 1, 5, 1}), (std::vector<int32_t>{2, 4, 1, 3}));
+}
+
+// Records through the version-3 schema; a meter's tag names it.
+std::string Record(int32_t recType, int32_t route, int32_t sequence, int32_t prvReading,
+                   int32_t tag = 0, int16_t version = 3) {
+  TestShell shell;
+  clsHIF hif(shell);
+  hif.SetVersion(version);
+  hif.AddNew();
+  hif.SetItem("RecType", Value::Long(recType));
+  hif.SetItem("RouteNbr", Value::Long(route));
+  hif.SetItem("Sequence", Value::Long(sequence));
+  hif.SetItem("MeterTagNbr", Value::Long(tag));
+  if (version > 0) {
+    hif.SetItem("PrvReading", Value::Long(prvReading));
+    hif.SetItem("User1", Value("meter " + std::to_string(tag)));
+  }
+  if (recType == kRecFileHeader) hif.SetItem("MeterType", Value::Long(version));
+  return hif.RawData();
+}
+
+std::string Header(int32_t meterCount) { return Record(kRecFileHeader, 2, 20240229, meterCount); }
+std::string RouteHeader(int32_t route) { return Record(kRecRouteHeader, route, 0, 0); }
+std::string Meter(int32_t route, int32_t sequence, int32_t tag) {
+  return Record(kRecMeter, route, sequence, 1000 + tag, tag);
+}
+
+// Points TMPDIR at a folder of the test's own for as long as it lives.
+class TemporaryFolder {
+ public:
+  explicit TemporaryFolder(const std::filesystem::path& folder) {
+    if (const char* old = std::getenv("TMPDIR")) old_ = old;
+    ::setenv("TMPDIR", folder.c_str(), 1);
+  }
+  ~TemporaryFolder() {
+    if (old_) ::setenv("TMPDIR", old_->c_str(), 1);
+    else ::unsetenv("TMPDIR");
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+ private:
+  std::optional<std::string> old_;
+};
+
+// Equal bytes, or where they first differ.
+testing::AssertionResult SameBytes(const std::string& got, const std::string& expected) {
+  if (got == expected) return testing::AssertionSuccess();
+  const auto at = std::mismatch(got.begin(), got.end(), expected.begin(), expected.end());
+  return testing::AssertionFailure() << got.size() << " bytes, expected " << expected.size()
+                                     << ", first difference at offset "
+                                     << (at.first - got.begin());
+}
+
+// The number of the failure the sort raises, 0 when it raises none.
+int SortFailure(TestShell& shell, const std::filesystem::path& source,
+                const std::filesystem::path& file) {
+  try {
+    SortHIF(shell, source, file);
+  } catch (const Failure& failure) {
+    return failure.Number();
+  }
+  return 0;
+}
+
+size_t FilesIn(const std::filesystem::path& folder) {
+  return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
+}
+
+class SortHIFTest : public testing::TestWithParam<int32_t> {
+ protected:
+  int32_t Type() const { return GetParam(); }
+  // A file of these records, its table sized to them.
+  std::filesystem::path Write(const std::vector<std::string>& records) {
+    std::filesystem::remove(path);  // the writers don't truncate
+    WriteRecords(shell, path, Type(), static_cast<int32_t>(records.size()), records);
+    return path;
+  }
+  std::string Image(const std::vector<std::string>& records, uint32_t slots) const {
+    return HifImage(Type(), slots, records);
+  }
+
+  TempDir dir;
+  TempDir temporaryFolder;
+  TemporaryFolder useIt{temporaryFolder.path()};
+  TestShell shell;
+  std::filesystem::path path = dir / "route.hif";
+};
+
+TEST_P(SortHIFTest, SortsEachStretchOfARouteAndDropsTheOtherRecords) {
+  const std::string code = Hex("0005 0000 0000 0001 444F4700 446F6700 0000 FFFF");
+  const std::string index = Hex("0006 0001 0002 FFFF 4F414B00 0005");
+  const std::string alerts = Hex("0007 0000 0001 0000 FFFF");
+  const std::vector<std::string> source = {
+      Header(4),
+      RouteHeader(1),
+      Meter(1, 30, 1),
+      Meter(1, 10, 2),
+      code,  // not a meter: the stretch goes on behind it
+      Meter(1, 20, 3),
+      RouteHeader(2),  // copied at once, ahead of the stretch still held
+      Meter(2, 5, 4),
+      Meter(2, 1, 5),
+      Meter(2, 5, 6),  // equal Sequence: stays behind meter 4
+      index,
+      Meter(1, 2, 7),  // route 1 again: a stretch of its own
+      Meter(1, 1, 8),
+      alerts,
+      Record(kRecRouteHeaderAlt, 3, 0, 0),
+      Record(kRecOrphan, 1, 0, 0, 9),
+      Meter(0, 3, 10),  // route 0 is a route like any other
+  };
+  Write(source);
+  ASSERT_EQ(SortHIF(shell, path, path), SortOutcome::Sorted);
+
+  const std::vector<std::string> sorted = {
+      source[0], source[1], source[6],  // headers in the order met
+      source[3], source[5], source[2],  // route 1: 10, 20, 30
+      source[8], source[7], source[9],  // route 2: 1, 5, 5
+      source[12], source[11],           // route 1 again: 1, 2
+      source[16]};
+  EXPECT_TRUE(SameBytes(ReadBytes(path), Image(sorted, static_cast<uint32_t>(source.size()))));
+
+  EXPECT_TRUE(shell.log.empty());
+  ASSERT_EQ(shell.questions.size(), 1u);
+  EXPECT_EQ(shell.questions[0].text, "Indexes would need to be rebuilt");
+  EXPECT_EQ(shell.questions[0].title, "");
+  EXPECT_EQ(shell.questions[0].buttons, MsgButtons::OK);
+  // One step a record read, in the last third of a bar of 765.
+  ASSERT_EQ(shell.progress.size(), source.size());
+  EXPECT_GT(shell.progress.front().second, 510);
+  EXPECT_GE(shell.progress.back().second, 765);
+  for (const auto& [total, position] : shell.progress) EXPECT_EQ(total, 765);
+  // Nothing left behind, beside the file or in the temporary folder.
+  EXPECT_EQ(FilesIn(dir.path()), 1u);
+  EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
+}
+
+TEST_P(SortHIFTest, FilesWithNoMeters) {
+  Write({Header(0)});
+  ASSERT_EQ(SortHIF(shell, path, path), SortOutcome::Sorted);
+  EXPECT_TRUE(SameBytes(ReadBytes(path), Image({Header(0)}, 1)));
+
+  const std::vector<std::string> routeOnly = {Header(0), RouteHeader(1), Hex("0007 0000 0000 0000 FFFF")};
+  Write(routeOnly);
+  ASSERT_EQ(SortHIF(shell, path, path), SortOutcome::Sorted);
+  EXPECT_TRUE(SameBytes(ReadBytes(path), Image({routeOnly[0], routeOnly[1]}, 3)));
+}
+
+TEST_P(SortHIFTest, ARecordTooShortForItsRecTypeIsCopiedAsAHeader) {
+  const std::vector<std::string> source = {Header(1), std::string(1, '\x02'), Meter(1, 1, 1)};
+  Write(source);
+  ASSERT_EQ(SortHIF(shell, path, path), SortOutcome::Sorted);
+  EXPECT_TRUE(SameBytes(ReadBytes(path), Image(source, 3)));
+  ASSERT_EQ(shell.questions.size(), 2u);
+  EXPECT_EQ(shell.questions[1].text, "Subscript out of range");  // the short read, shown
+}
+
+TEST_P(SortHIFTest, ManyMetersComeOutAsTheQuickSortLeavesThem) {
+  std::mt19937 random(7);
+  const int meters = 3000;
+  std::vector<std::string> source = {Header(meters), RouteHeader(1), RouteHeader(2), RouteHeader(3)};
+  std::vector<std::string> expected = source;
+  std::vector<std::string> stretch;
+  std::vector<int32_t> sequences;
+  int32_t route = 1;
+  bool someOutOfOrder = false;
+  auto endStretch = [&] {
+    int32_t last = -1;
+    for (const int32_t ordinal : Described(sequences)) {
+      expected.push_back(stretch[static_cast<size_t>(ordinal) - 1]);
+      if (sequences[static_cast<size_t>(ordinal) - 1] < last) someOutOfOrder = true;
+      last = sequences[static_cast<size_t>(ordinal) - 1];
+    }
+    stretch.clear();
+    sequences.clear();
+  };
+  for (int k = 0; k < meters; ++k) {
+    if (random() % 200 == 0) {
+      // The same route again carries on the stretch.
+      const auto next = 1 + static_cast<int32_t>(random() % 3);
+      if (next != route) endStretch();
+      route = next;
+    }
+    const auto sequence = static_cast<int32_t>(random() % 400);
+    source.push_back(Meter(route, sequence, k));
+    stretch.push_back(source.back());
+    sequences.push_back(sequence);
+  }
+  endStretch();
+  ASSERT_TRUE(someOutOfOrder);  // so a plain sort would not do
+  Write(source);
+  ASSERT_EQ(SortHIF(shell, path, path), SortOutcome::Sorted);
+  EXPECT_TRUE(SameBytes(ReadBytes(path), Image(expected, static_cast<uint32_t>(source.size()))));
+}
+
+TEST_P(SortHIFTest, ARouteLongerThanTheHeaderSaysFailsAndChangesNothing) {
+  Write({Header(2), RouteHeader(1), Meter(1, 3, 1), Meter(1, 2, 2), Meter(2, 1, 3),
+         Meter(1, 3, 4), Meter(1, 2, 5), Meter(1, 1, 6)});
+  const std::string before = ReadBytes(path);
+  EXPECT_EQ(SortFailure(shell, path, path), fail::kSubscript);
+  EXPECT_TRUE(SameBytes(ReadBytes(path), before));
+  EXPECT_EQ(FilesIn(dir.path()), 1u);
+  EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
+}
+
+TEST_P(SortHIFTest, TheVersionComesFromTheReadingSource) {
+  const std::vector<std::string> source = {Header(2), RouteHeader(1), Meter(1, 2, 1), Meter(1, 1, 2)};
+  Write(source);
+  const std::string before = ReadBytes(path);
+
+  EXPECT_EQ(SortHIF(shell, dir / "missing.hif", path), SortOutcome::NotRead);
+  EXPECT_EQ(shell.log, std::vector<std::string>{"Error: Could not read HIF file for sorting"});
+  ASSERT_EQ(shell.questions.size(), 1u);
+  EXPECT_EQ(shell.questions[0].text, "Indexes would need to be rebuilt");
+
+  // A reading source of version 0: the header is read with no PrvReading.
+  const auto old = dir / "old.hif";
+  WriteRecords(shell, old, Type(), 1, {Record(kRecMeter, 1, 1, 0, 1, 0)});
+  EXPECT_EQ(SortFailure(shell, old, path), fail::kInvalidNull);
+  EXPECT_TRUE(SameBytes(ReadBytes(path), before));
+  EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
+}
+
+TEST_P(SortHIFTest, ADamagedRecordPartwayChangesNothing) {
+  Write({Header(3), RouteHeader(1), Meter(1, 2, 1), Meter(1, 1, 2)});
+  std::string bytes = ReadBytes(path);
+  if (Type() == kFilePDB) {
+    bytes[78 + 8 * 3] = '\x7F';  // the last record starts far past the end
+  } else {
+    bytes.resize(bytes.size() - 5);  // the last record is cut short
+  }
+  WriteBytes(path, bytes);
+  EXPECT_EQ(SortFailure(shell, path, path), fail::kPastEnd);
+  EXPECT_TRUE(SameBytes(ReadBytes(path), bytes));
+  EXPECT_EQ(FilesIn(dir.path()), 1u);
+  EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
+}
+
+TEST_P(SortHIFTest, NoTemporaryFolder) {
+  Write({Header(2), RouteHeader(1), Meter(1, 2, 1), Meter(1, 1, 2)});
+  const std::string before = ReadBytes(path);
+  TemporaryFolder missing(dir / "no such folder");
+  if (Type() == kFileVFS) {
+    EXPECT_EQ(SortHIF(shell, path, path), SortOutcome::NotCreated);
+    EXPECT_EQ(shell.log,
+              std::vector<std::string>{"Error: Could not create temporary HIF file for sorting"});
+  } else {
+    // The PDB container raises what the VFS one returns as a status.
+    EXPECT_EQ(SortFailure(shell, path, path), fail::kFileNotFound);
+  }
+  ASSERT_EQ(shell.questions.size(), 3u);
+  EXPECT_EQ(shell.questions[1].text, "Error getting directory");
+  EXPECT_EQ(shell.questions[2].text, "Error getting file");
+  EXPECT_TRUE(SameBytes(ReadBytes(path), before));
+}
+
+INSTANTIATE_TEST_SUITE_P(Containers, SortHIFTest, testing::Values(kFilePDB, kFileVFS),
+                         [](const testing::TestParamInfo<int32_t>& info) {
+                           return info.param == kFilePDB ? std::string("PDB") : std::string("VFS");
+                         });
+
+}  // namespace
+}  // namespace hifx

@@ -1,0 +1,67 @@
+// Files of given records: written through clsHIF, and the bytes such a file
+// must have, built straight from the two container layouts so that a test can
+// compare a written file with them byte for byte.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "hif/clsHIF.h"
+
+namespace hifx::test {
+
+inline std::string BigEndian(uint32_t value, int width) {
+  std::string bytes;
+  for (int shift = (width - 1) * 8; shift >= 0; shift -= 8) {
+    bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
+  }
+  return bytes;
+}
+
+// A PDB HIF: the 78-byte header, a table of `slots` slots, the records.
+inline std::string PdbImage(uint32_t slots, const std::vector<std::string>& records) {
+  std::string header = std::string("RouteHIF") + std::string(24, '\0');  // name
+  header += std::string(28, '\0');                                        // attributes to SortInfo
+  header += "DATAqHVN";
+  header += std::string(8, '\0');  // seed, next record list
+  header += BigEndian(static_cast<uint32_t>(records.size()), 2);
+  std::string table;
+  std::string data;
+  uint32_t offset = 78 + 8 * slots;
+  for (size_t i = 0; i < records.size(); ++i) {
+    table += BigEndian(offset, 4) + '\0' + '\0' + BigEndian(static_cast<uint32_t>(i), 2);
+    offset += static_cast<uint32_t>(records[i].size());
+    data += records[i];
+  }
+  table.resize(8 * slots, '\0');
+  return header + table + data;
+}
+
+// A VFS HIF: each record behind its 4-byte length.
+inline std::string VfsImage(const std::vector<std::string>& records) {
+  std::string bytes;
+  for (const auto& record : records) {
+    bytes += BigEndian(static_cast<uint32_t>(record.size()), 4) + record;
+  }
+  return bytes;
+}
+
+inline std::string HifImage(int32_t fileType, uint32_t slots,
+                            const std::vector<std::string>& records) {
+  return fileType == kFilePDB ? PdbImage(slots, records) : VfsImage(records);
+}
+
+// Writes the records, as they are, to a new file of that container.
+inline void WriteRecords(IShell& shell, const std::filesystem::path& path, int32_t fileType,
+                         int32_t slots, const std::vector<std::string>& records) {
+  clsHIF hif(shell);
+  hif.CreateHIF(path, fileType, slots);
+  for (const auto& record : records) {
+    hif.SetRawData(record);
+    hif.WriteData();
+  }
+}
+
+}  // namespace hifx::test
