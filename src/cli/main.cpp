@@ -19,7 +19,8 @@ constexpr const char* kUsage =
     "usage: hifx [--site DIR] [--yes | --no] [--set FIELD=VALUE]... COMMAND [ARGS]\n"
     "commands:\n"
     "  dump FILE                 every record of a HIF as one JSON object per line\n"
-    "  view FILE [--route N]     the routes, or the meters of route N, tab-separated\n";
+    "  view FILE [--route N]     the routes, or the meters of route N, tab-separated\n"
+    "  map list|show|check NAME  the site folder's map files; show or validate map NAME\n";
 
 std::filesystem::path DefaultSite() {
   if (const char* site = std::getenv("HIFX_SITE"); site != nullptr && *site != '\0') return site;
@@ -36,6 +37,7 @@ const std::map<std::string, Command>& Commands() {
   static const std::map<std::string, Command> commands = {
       {"dump", RunDump},
       {"view", RunView},
+      {"map", RunMap},
   };
   return commands;
 }

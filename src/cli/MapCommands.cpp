@@ -1,0 +1,137 @@
+// map list, map show NAME, map check NAME: the map files of the site folder.
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "base/CaseBlind.h"
+#include "base/Value.h"
+#include "cli/Commands.h"
+#include "maps/MapCatalogues.h"
+#include "maps/clsExchMap.h"
+
+namespace hifx::cli {
+namespace {
+
+struct MapKind {
+  std::string_view extension;
+  int32_t use;
+};
+
+// Route and re-read maps share ".hcm" and their catalogue; a file is loaded
+// as a route map.
+constexpr MapKind kMapKinds[] = {{".hcm", kUseRoute}, {".hrm", kUseReading}, {".hom", kUseOrphan}};
+
+// The use a map file's name stands for, by its extension in any case; 0 for none.
+int32_t UseOfName(std::string_view name) {
+  for (const MapKind& kind : kMapKinds) {
+    if (name.size() >= kind.extension.size() &&
+        EqualsCaseBlind(name.substr(name.size() - kind.extension.size()), kind.extension)) {
+      return kind.use;
+    }
+  }
+  return 0;
+}
+
+void Print(const std::string& line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+}
+
+std::string Row(const std::vector<std::string>& cells) {
+  std::string line;
+  for (size_t i = 0; i < cells.size(); ++i) {
+    if (i > 0) line.push_back('\t');
+    line += cells[i];
+  }
+  return line;
+}
+
+int List(const Context& context) {
+  std::vector<std::string> names;
+  std::error_code ec;
+  for (const auto& entry : std::filesystem::directory_iterator(context.SiteFolder(), ec)) {
+    const std::string name = entry.path().filename().string();
+    std::error_code typeError;
+    if (UseOfName(name) != 0 && entry.is_regular_file(typeError)) names.push_back(name);
+  }
+  if (ec) {
+    std::fprintf(stderr, "hifx: map: cannot read the site folder %s\n",
+                 context.site.string().c_str());
+    return kExitUsage;
+  }
+  std::sort(names.begin(), names.end());
+  for (const auto& name : names) Print(name);
+  return kExitOk;
+}
+
+void Show(const clsExchMap& map) {
+  auto coded = [](std::string_view key, int32_t code, std::string_view words) {
+    Print(Row({std::string(key), std::to_string(code), std::string(words)}));
+  };
+  Print(Row({"MapName", map.MapName()}));
+  Print(Row({"MapUse", std::to_string(map.MapUse())}));
+  coded("MapType", map.MapType(), MapTypeText(map.MapType()));
+  coded("MapFilter", map.MapFilter(), MapFilterText(map.MapFilter()));
+  Print(Row({"MapDelimiter", map.MapDelimiter()}));
+  Print(Row({"MapQuote", map.MapQuote()}));
+  Print(Row({"MapOptions", map.MapOptions(0)}));
+  coded("MapTerminator", map.MapTerminator(), MapTerminatorText(map.MapTerminator()));
+  Print(Row({"MapLength", std::to_string(map.MapLength())}));
+  Print(Row({"Order", "FieldName", "DataType", "Required", "MapOption", "Mapping", "DataPosition",
+             "DataWidth", "MapAlign", "MapPad", "MapFormat", "MaxValue", "Prompt", "MapConstant"}));
+  for (int32_t i = 1; i <= map.FieldCount(); ++i) {
+    Print(Row({std::to_string(i), map.FieldName(i), std::to_string(map.DataType(i)),
+               map.Required(i) ? "Y" : "N", std::to_string(map.MapOption(i)),
+               std::string(MapOptionText(map.MapOption(i))), std::to_string(map.DataPosition(i)),
+               std::to_string(map.DataWidth(i)), std::to_string(map.MapAlign(i)),
+               std::to_string(map.MapPad(i)), std::to_string(map.MapFormat(i)),
+               Value::Double(map.MaxValue(i)).ToText(), map.Prompt(i), map.MapConstant(i)}));
+  }
+}
+
+// The validation's messages, one line each.
+void PrintMessages(std::string_view messages) {
+  while (!messages.empty()) {
+    const size_t end = messages.find("\r\n");
+    Print(std::string(messages.substr(0, end)));
+    messages = end == std::string_view::npos ? std::string_view() : messages.substr(end + 2);
+  }
+}
+
+}  // namespace
+
+int RunMap(Context& context, const Args& args) {
+  if (args.empty()) return Usage("map takes list, show NAME or check NAME");
+  const std::string& action = args[0];
+  if (action == "list") {
+    if (args.size() != 1) return Usage("map list takes no arguments");
+    return List(context);
+  }
+  if (action != "show" && action != "check") return Usage("unknown map command: " + action);
+  if (args.size() != 2) return Usage("map " + action + " takes one NAME");
+  const std::string& name = args[1];
+  if (name.find_first_of("/\\") != std::string::npos) {
+    return Usage("a map NAME is a file name in the site folder");
+  }
+  const int32_t use = UseOfName(name);
+  if (use == 0) return Usage("a map NAME ends in .hcm, .hrm or .hom");
+
+  clsExchMap map(context.SiteFolder());
+  if (!map.LoadMap(name, use)) {
+    std::fprintf(stderr, "hifx: map: could not load %s\n", name.c_str());
+    return kExitUsage;
+  }
+  if (action == "show") {
+    Show(map);
+    return kExitOk;
+  }
+  std::string messages;
+  const bool valid = map.ValidateMap(messages);
+  PrintMessages(messages);
+  return valid ? kExitOk : kExitNotComplete;
+}
+
+}  // namespace hifx::cli
