@@ -33,6 +33,7 @@ int Usage(const std::string& problem);
 
 int RunDump(Context& context, const Args& args);
 int RunView(Context& context, const Args& args);
+int RunSort(Context& context, const Args& args);
 int RunMap(Context& context, const Args& args);
 
 }  // namespace hifx::cli

@@ -20,6 +20,7 @@ constexpr const char* kUsage =
     "commands:\n"
     "  dump FILE                 every record of a HIF as one JSON object per line\n"
     "  view FILE [--route N]     the routes, or the meters of route N, tab-separated\n"
+    "  sort FILE                 the meters of each route put in Sequence order\n"
     "  map list|show|check NAME  the site folder's map files; show or validate map NAME\n";
 
 std::filesystem::path DefaultSite() {
@@ -37,6 +38,7 @@ const std::map<std::string, Command>& Commands() {
   static const std::map<std::string, Command> commands = {
       {"dump", RunDump},
       {"view", RunView},
+      {"sort", RunSort},
       {"map", RunMap},
   };
   return commands;

@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "hif/clsIndex.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+using test::Hex;
+using test::TempDir;
+using test::TestShell;
+
+class CodeRecords : public testing::Test {
+ protected:
+  void SetUp() override {
+    hif.SetVersion(3);
+    ASSERT_EQ(hif.CreateHIF(dir / "c.pdb", kFilePDB, 10), 0);
+  }
+  TempDir dir;
+  TestShell shell;
+  clsHIF hif{shell};
+};
+
+TEST_F(CodeRecords, AnIndexRecordGroupsKeysAndPacksThemEven) {
+  clsIndex index;
+  index.Route = 2;
+  index.IndexType = 1;
+  index.Insert("OAK", 5);
+  index.Insert("MAIN", 3);
+  index.Insert("MAIN", 7);
+  index.WriteRecord(hif);
+  EXPECT_EQ(hif.RawData(), Hex("0006 0002 0001  0012") + std::string("MAIN\0\0", 6) + Hex("0003 0007") +
+                               Hex("FFFF") + std::string("OAK\0", 4) + Hex("0005"));
+  EXPECT_EQ(index.Count(), 0);  // it starts afresh
+  int32_t route = 0, type = 0, count = 0;
+  std::vector<std::string> entries;
+  hif.GetIndexRecord(route, type, count, entries);
+  EXPECT_EQ(route, 2);
+  EXPECT_EQ(type, 1);
+  EXPECT_EQ(entries, (std::vector<std::string>{"MAIN:3:7", "OAK:5"}));
+  clsIndex empty;
+  empty.WriteRecord(hif);  // nothing gathered, nothing written
+  EXPECT_EQ(hif.RecordCount(), 1);
+}
+
+TEST_F(CodeRecords, ACodeRecordReadsBack) {
+  hif.AddCodeRecord(kRecCodes, 2, 0, 2, {"W", "GAS"}, {"Water", "Gas meter"}, {"", ""});
+  const CodeRecord record = ReadCodeRecord(hif.RawData());
+  EXPECT_EQ(record.recType, kRecCodes);
+  EXPECT_EQ(record.group, 2);
+  ASSERT_EQ(record.entries.size(), 2u);
+  EXPECT_EQ(record.entries[1][1], "Gas meter");
+  EXPECT_THROW(ReadCodeRecord(Hex("0005 0000 0000 0009") + "AB"), Failure);
+}
+
+TEST_F(CodeRecords, BrokenIndexRecordsFailInsteadOfLooping) {
+  int32_t route = 0, type = 0, count = 0;
+  std::vector<std::string> entries;
+  hif.SetRawData(Hex("0006 0001 0000 0006") + std::string("K\0", 2));  // points at itself
+  EXPECT_THROW(hif.GetIndexRecord(route, type, count, entries), Failure);
+  hif.SetRawData(Hex("0006 0001 0000 7000") + std::string("K\0", 2));  // past the end
+  EXPECT_THROW(hif.GetIndexRecord(route, type, count, entries), Failure);
+}
+
+// The index sort must give what the stable bubble sort of the keys gives.
+TEST(IndexSort, SameOrderAsTheBubbleSort) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 200; ++round) {
+    clsIndex index;
+    std::vector<std::string> keys;
+    std::vector<int16_t> numbers;
+    const int n = static_cast<int>(random() % 40);
+    for (int i = 0; i < n; ++i) {
+      std::string key(1 + random() % 3, 'A');
+      for (char& c : key) c = static_cast<char>("AB\xE9z0"[random() % 5]);
+      keys.push_back(key);
+      numbers.push_back(static_cast<int16_t>(i));
+      index.Insert(key, static_cast<int16_t>(i));
+    }
+    // Passes over a shrinking range, swapping when the second key's bytes are
+    // below the first's, until a pass swaps nothing.
+    for (int last = n - 1; last >= 1; --last) {
+      bool swapped = false;
+      for (int i = 0; i < last; ++i) {
+        const auto& a = keys[static_cast<size_t>(i)];
+        const auto& b = keys[static_cast<size_t>(i + 1)];
+        if (std::lexicographical_compare(b.begin(), b.end(), a.begin(), a.end(), [](char x, char y) {
+              return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
+            })) {
+          std::swap(keys[static_cast<size_t>(i)], keys[static_cast<size_t>(i + 1)]);
+          std::swap(numbers[static_cast<size_t>(i)], numbers[static_cast<size_t>(i + 1)]);
+          swapped = true;
+        }
+      }
+      if (!swapped) break;
+    }
+    index.Sort();
+    ASSERT_EQ(index.Keys(), keys) << round;
+    ASSERT_EQ(index.Numbers(), numbers) << round;
+  }
+}
+
+}  // namespace
+}  // namespace hifx
