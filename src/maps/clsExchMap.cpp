@@ -1,12 +1,13 @@
 #include "maps/clsExchMap.h"
 
+#include <optional>
 #include <system_error>
 #include <tuple>
 #include <utility>
 
 #include "base/AtomicFile.h"
-#include "base/BinaryFile.h"
 #include "base/Failure.h"
+#include "base/LineReader.h"
 #include "base/Numbers.h"
 #include "maps/MapCatalogues.h"
 
@@ -270,22 +271,19 @@ bool clsExchMap::LoadMap(std::string name, int32_t use) {
   NewMap(std::move(name), use);
   const std::filesystem::path file = MapFileName();
   if (file.empty()) return false;
-  std::string text;
+  std::optional<LineReader> reader;
   try {
-    text = ReadWholeFile(file, kMaxMapFileSize);
+    reader.emplace(file);
   } catch (const Failure&) {
     return false;
   }
-  // Lines end with CR LF, a lone CR or a lone LF.
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find_first_of("\r\n", start);
-    if (end == std::string::npos) end = text.size();
-    ApplyLine(std::string_view(text).substr(start, end - start));
-    start = end + 1;
-    if (end < text.size() && text[end] == '\r' && start < text.size() && text[start] == '\n') {
-      ++start;
-    }
+  if (reader->Size() > kMaxMapFileSize) return false;
+  std::string line;
+  try {
+    // The cap holds for a file that grows while it is read, too.
+    while (reader->Position() <= kMaxMapFileSize && reader->ReadLine(line)) ApplyLine(line);
+  } catch (const Failure&) {
+    // a read that fails part way ends the file
   }
   dirty_ = false;
   return true;
