@@ -1,15 +1,14 @@
 #!/usr/bin/env bash
 # The main job on the bundled examples: installs what is missing, builds,
-# loads the example site into a fresh site folder, writes a route HIF from
-# the sample meters and shows what it holds.
+# loads the example site into a fresh site folder, converts the fixed-column
+# example route file into a route HIF and shows what it holds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
-scripts/build.sh default --target hifx make_example_hif >/dev/null
+scripts/build.sh default --target hifx >/dev/null
 
-bin=build/default
 out=out/example
-hifx="$bin/src/hifx --site $out/site"
+hifx="build/default/src/hifx --site $out/site"
 rm -rf "$out"
 mkdir -p "$out"
 
@@ -23,11 +22,12 @@ echo "== hifx map list; hifx map check Billing.hcm"
 $hifx map list
 $hifx map check Billing.hcm && echo "Billing.hcm: valid"
 
-echo "== writing $out/route-sample.pdb from examples/route-sample.csv"
-"$bin/examples/make_example_hif" examples/route-sample.csv "$out/route-sample.pdb"
-echo "== hifx dump $out/route-sample.pdb"
-$hifx dump "$out/route-sample.pdb"
-echo "== hifx view $out/route-sample.pdb"
-$hifx view "$out/route-sample.pdb"
-echo "== hifx view $out/route-sample.pdb --route 1"
-$hifx view "$out/route-sample.pdb" --route 1
+echo "== hifx route   (examples/route-fixed.txt through the map Billing)"
+$hifx route
+echo "== hifx dump $out/route.pdb"
+$hifx dump "$out/route.pdb"
+echo "== hifx view $out/route.pdb; hifx view $out/route.pdb --route 1"
+$hifx view "$out/route.pdb"
+$hifx view "$out/route.pdb" --route 1
+echo "== hifx reread   (examples/reread-tags.txt through the map ReRead)"
+$hifx reread
