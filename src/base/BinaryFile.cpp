@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #else
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -33,15 +34,44 @@ Failure FailureOfErrno(int err, const std::filesystem::path& path) {
 }  // namespace
 
 BinaryFile::BinaryFile(BinaryFile&& other) noexcept
-    : fd_(std::exchange(other.fd_, -1)), size_(other.size_) {}
+    : fd_(std::exchange(other.fd_, -1)),
+      size_(other.size_),
+      mapped_(std::exchange(other.mapped_, nullptr)),
+      mappedSize_(std::exchange(other.mappedSize_, 0)) {}
 
 BinaryFile& BinaryFile::operator=(BinaryFile&& other) noexcept {
   if (this != &other) {
     Close();
     fd_ = std::exchange(other.fd_, -1);
     size_ = other.size_;
+    mapped_ = std::exchange(other.mapped_, nullptr);
+    mappedSize_ = std::exchange(other.mappedSize_, 0);
   }
   return *this;
+}
+
+uint8_t* BinaryFile::MapHead(uint64_t size) {
+  Unmap();
+#ifdef _WIN32
+  (void)size;
+  return nullptr;
+#else
+  if (fd_ < 0 || size == 0 || size > size_) return nullptr;
+  // The file was opened write-only; a shared mapping needs it readable too.
+  void* p = ::mmap(nullptr, size, PROT_WRITE, MAP_SHARED, fd_, 0);
+  if (p == MAP_FAILED) return nullptr;
+  mapped_ = static_cast<uint8_t*>(p);
+  mappedSize_ = size;
+  return mapped_;
+#endif
+}
+
+void BinaryFile::Unmap() {
+#ifndef _WIN32
+  if (mapped_ != nullptr) ::munmap(mapped_, mappedSize_);
+#endif
+  mapped_ = nullptr;
+  mappedSize_ = 0;
 }
 
 BinaryFile::~BinaryFile() { Close(); }
@@ -51,7 +81,7 @@ BinaryFile BinaryFile::OpenForWrite(const std::filesystem::path& path) {
 #ifdef _WIN32
   file.fd_ = _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, _S_IREAD | _S_IWRITE);
 #else
-  file.fd_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+  file.fd_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
 #endif
   if (file.fd_ < 0) throw FailureOfErrno(errno, path);
 #ifdef _WIN32
@@ -90,6 +120,7 @@ void BinaryFile::WriteAt(uint64_t offset, std::string_view bytes) {
 }
 
 void BinaryFile::Close() {
+  Unmap();
   if (fd_ >= 0) {
 #ifdef _WIN32
     _close(fd_);
@@ -98,6 +129,31 @@ void BinaryFile::Close() {
 #endif
     fd_ = -1;
   }
+}
+
+namespace {
+
+void CheckReadable(const std::filesystem::path& path) {
+  std::error_code ec;
+  const auto status = std::filesystem::status(path, ec);
+  if (ec || !std::filesystem::exists(status)) {
+    throw Failure(fail::kFileNotFound, "File not found: " + path.string());
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+  }
+}
+
+}  // namespace
+
+std::string ReadFileHead(const std::filesystem::path& path, size_t count) {
+  CheckReadable(path);
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
+  std::string head(count, '\0');
+  in.read(head.data(), static_cast<std::streamsize>(count));
+  head.resize(static_cast<size_t>(in.gcount()));
+  return head;
 }
 
 std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize) {
@@ -112,6 +168,8 @@ std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
   std::string data;
+  const auto expected = std::filesystem::file_size(path, ec);
+  if (!ec && expected <= maxSize) data.reserve(static_cast<size_t>(expected));
   char chunk[65536];
   while (in) {
     in.read(chunk, sizeof chunk);

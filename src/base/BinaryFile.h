@@ -32,12 +32,27 @@ class BinaryFile {
   // Length of the file: its length when opened, grown by every write.
   uint64_t Size() const { return size_; }
   void WriteAt(uint64_t offset, std::string_view bytes);
+  // Maps the first `size` bytes of the file, which must exist, for writing
+  // in place: a store into the mapping is in the operating system's hands at
+  // once, as a write call is, so a killed process loses nothing of it.
+  // Returns nullptr where the platform has no such mapping; the caller then
+  // writes through WriteAt.
+  uint8_t* MapHead(uint64_t size);
+  uint64_t MappedSize() const { return mappedSize_; }
   void Close();
 
  private:
+  void Unmap();
+
   int fd_ = -1;
   uint64_t size_ = 0;
+  uint8_t* mapped_ = nullptr;
+  uint64_t mappedSize_ = 0;
 };
+
+// The first bytes of a file, up to count; fewer when the file is shorter.
+// Raises as ReadWholeFile does.
+std::string ReadFileHead(const std::filesystem::path& path, size_t count);
 
 // The whole file, read in binary. Raises failure 53 for a missing file, 75 for
 // one that can't be read, and 7 for one above maxSize bytes.

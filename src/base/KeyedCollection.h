@@ -18,17 +18,21 @@ template <typename T>
 class KeyedCollection {
  public:
   void Add(std::string key, T value) {
-    if (index_.contains(std::string_view(key))) throw Failure(fail::kDuplicateKey);
-    index_.emplace(key, items_.size());
+    if (Find(key) != kNone) throw Failure(fail::kDuplicateKey);
     items_.emplace_back(std::move(key), std::move(value));
+    if (items_.size() == kHashFrom) {
+      for (size_t i = 0; i < items_.size(); ++i) index_.emplace(items_[i].first, i);
+    } else if (items_.size() > kHashFrom) {
+      index_.emplace(items_.back().first, items_.size() - 1);
+    }
   }
 
-  bool Contains(std::string_view key) const { return index_.find(key) != index_.end(); }
+  bool Contains(std::string_view key) const { return Find(key) != kNone; }
 
   const T& Item(std::string_view key) const {
-    const auto it = index_.find(key);
-    if (it == index_.end()) throw Failure(fail::kInvalidCall);
-    return items_[it->second].second;
+    const size_t at = Find(key);
+    if (at == kNone) throw Failure(fail::kInvalidCall);
+    return items_[at].second;
   }
 
   // Position counted from 1, as the system's lists are.
@@ -43,13 +47,12 @@ class KeyedCollection {
   }
 
   void Remove(std::string_view key) {
-    const auto it = index_.find(key);
-    if (it == index_.end()) throw Failure(fail::kInvalidCall);
-    const size_t at = it->second;
-    index_.erase(it);
+    const size_t at = Find(key);
+    if (at == kNone) throw Failure(fail::kInvalidCall);
     items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(at));
-    for (auto& entry : index_) {
-      if (entry.second > at) --entry.second;
+    index_.clear();
+    if (items_.size() >= kHashFrom) {
+      for (size_t i = 0; i < items_.size(); ++i) index_.emplace(items_[i].first, i);
     }
   }
 
@@ -58,6 +61,22 @@ class KeyedCollection {
   auto end() const { return items_.end(); }
 
  private:
+  static constexpr size_t kNone = static_cast<size_t>(-1);
+  // Small collections, such as the fields of one record, are searched in
+  // place; larger ones through a hash index.
+  static constexpr size_t kHashFrom = 48;
+
+  size_t Find(std::string_view key) const {
+    if (items_.size() < kHashFrom) {
+      for (size_t i = 0; i < items_.size(); ++i) {
+        if (EqualsCaseBlind(items_[i].first, key)) return i;
+      }
+      return kNone;
+    }
+    const auto it = index_.find(key);
+    return it == index_.end() ? kNone : it->second;
+  }
+
   std::vector<std::pair<std::string, T>> items_;
   std::unordered_map<std::string, size_t, CaseBlindHash, CaseBlindEqual> index_;
 };

@@ -14,9 +14,7 @@ std::string FormatFloat(double v, int significant) {
   if (v == 0.0) return "0";
   if (std::isnan(v) || std::isinf(v)) return "0";
   if (v == std::trunc(v) && std::fabs(v) < 1e15) {
-    char buf[32];
-    std::snprintf(buf, sizeof buf, "%.0f", v);
-    return buf;
+    return std::to_string(static_cast<int64_t>(v));
   }
   char buf[48];
   std::snprintf(buf, sizeof buf, "%.*G", significant, v);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Clock.h"
 #include "cli/CliShell.h"
 
 namespace hifx::cli {
@@ -21,9 +22,12 @@ struct Context {
   // else ~/.local/share/hifexchange. Created by SiteFolder() on first use.
   std::filesystem::path site;
   std::vector<std::string> sets;  // --set FIELD=VALUE answers, in order
+  const IClock& clock;
 
   // The site folder, created when missing.
   const std::filesystem::path& SiteFolder() const;
+  // The desktop sync root: $HIFX_SYNC_ROOT, else the site folder's "sync".
+  std::filesystem::path SyncRoot() const;
 };
 
 using Args = std::vector<std::string>;
@@ -35,5 +39,11 @@ int RunDump(Context& context, const Args& args);
 int RunView(Context& context, const Args& args);
 int RunSort(Context& context, const Args& args);
 int RunMap(Context& context, const Args& args);
+int RunSettings(Context& context, const Args& args);
+int RunSite(Context& context, const Args& args);
+int RunDist(Context& context, const Args& args);
+int RunRegistry(Context& context, const Args& args);
+int RunRoute(Context& context, const Args& args);
+int RunReRead(Context& context, const Args& args);
 
 }  // namespace hifx::cli

@@ -21,7 +21,11 @@ constexpr const char* kUsage =
     "  dump FILE                 every record of a HIF as one JSON object per line\n"
     "  view FILE [--route N]     the routes, or the meters of route N, tab-separated\n"
     "  sort FILE                 the meters of each route put in Sequence order\n"
-    "  map list|show|check NAME  the site folder's map files; show or validate map NAME\n";
+    "  map list|show|check NAME  the site folder's map files; show or validate map NAME\n"
+    "  settings [show|get NAME|set NAME VALUE]   the exchange settings\n"
+    "  site show                 every site list, one section each\n"
+    "  dist load FILE | dist write FILE          distribution files\n"
+    "  registry dump             the settings tree as a distribution file carries it\n";
 
 std::filesystem::path DefaultSite() {
   if (const char* site = std::getenv("HIFX_SITE"); site != nullptr && *site != '\0') return site;
@@ -40,6 +44,12 @@ const std::map<std::string, Command>& Commands() {
       {"view", RunView},
       {"sort", RunSort},
       {"map", RunMap},
+      {"settings", RunSettings},
+      {"site", RunSite},
+      {"dist", RunDist},
+      {"registry", RunRegistry},
+      {"route", RunRoute},
+      {"reread", RunReRead},
   };
   return commands;
 }
@@ -56,6 +66,11 @@ const std::filesystem::path& Context::SiteFolder() const {
   std::error_code ec;
   std::filesystem::create_directories(site, ec);
   return site;
+}
+
+std::filesystem::path Context::SyncRoot() const {
+  if (const char* root = std::getenv("HIFX_SYNC_ROOT"); root != nullptr && *root != '\0') return root;
+  return SiteFolder() / "sync";
 }
 
 }  // namespace hifx::cli
@@ -92,7 +107,8 @@ int main(int argc, char** argv) {
   const auto command = Commands().find(args[i]);
   if (command == Commands().end()) return Usage("unknown command: " + args[i]);
 
-  hifx::CliShell shell(answer, isatty(STDIN_FILENO) != 0, isatty(STDERR_FILENO) != 0);
-  Context context{shell, site ? std::filesystem::path(*site) : DefaultSite(), sets};
+  hifx::CliShell shell(answer, isatty(STDIN_FILENO) != 0, isatty(STDERR_FILENO) != 0, sets);
+  const hifx::SystemClock clock;
+  Context context{shell, site ? std::filesystem::path(*site) : DefaultSite(), sets, clock};
   return command->second(context, Args(args.begin() + static_cast<std::ptrdiff_t>(i) + 1, args.end()));
 }

@@ -75,6 +75,7 @@ int16_t clsPalmDB::OpenDB(const std::filesystem::path& fileName, int32_t fileTyp
 void clsPalmDB::ClearSchema() {
   schema_.assign(1, SchemaField{});
   byName_.clear();
+  byExactName_.clear();
   fixedLength_ = 0;
   textCount_ = 0;
 }
@@ -97,10 +98,15 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
   }
   const auto index = static_cast<int16_t>(schema_.size());
   byName_.try_emplace(field.name, index);  // the first of equal names wins
+  if (FindItem(field.name) == index) byExactName_.try_emplace(field.name, index);
   schema_.push_back(std::move(field));
 }
 
 int16_t clsPalmDB::FindItem(std::string_view name) const {
+  // Callers nearly always spell a name as the schema does.
+  if (const auto exact = byExactName_.find(std::string(name)); exact != byExactName_.end()) {
+    return exact->second;
+  }
   const auto it = byName_.find(name);
   return it == byName_.end() ? 0 : it->second;
 }
@@ -126,6 +132,7 @@ int32_t NumberOf(const Value& value) {
 
 int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
   const int32_t v = NumberOf(value);
+  BufferChanged();
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
     buffer_[static_cast<size_t>(offset)] = static_cast<char>(v & 0xFF);
   }
@@ -134,6 +141,7 @@ int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
 
 int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
   const int32_t v = NumberOf(value);
+  BufferChanged();
   // Only this setter grows the buffer, so hand-built records can be made of
   // words and packed texts with no schema.
   if (offset >= 0 && static_cast<size_t>(offset) == buffer_.size()) buffer_.append(2, '\0');
@@ -146,6 +154,7 @@ int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
+  BufferChanged();
   uint8_t bytes[4] = {};
   PutBytes(bytes, value);
   for (size_t k = 0; k < 4; ++k) {
@@ -172,6 +181,7 @@ int32_t clsPalmDB::GetInt16(int16_t offset) const { return ReadNumber(buffer_, o
 int32_t clsPalmDB::GetInt32(int16_t offset) const { return ReadNumber(buffer_, offset, 4); }
 
 void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
+  BufferChanged();
   const std::string text = value.ToText();
   // The texts behind the fixed part are split at NULs, one element replaced,
   // and joined again; an empty text part has no elements at all.
@@ -189,6 +199,7 @@ void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
 }
 
 int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad) {
+  BufferChanged();
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
     buffer_.resize(static_cast<size_t>(offset));
   }
@@ -199,21 +210,37 @@ int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad)
   return ToOffset(buffer_.size());
 }
 
-std::string clsPalmDB::GetString(int16_t& ordinal) const {
-  // The position stands just before the text, on the NUL that closes the one
-  // before it (or on the last byte of the fixed part).
-  int64_t position = static_cast<int64_t>(fixedLength_) - 1;
-  while (ordinal >= 2) {
-    const size_t from = static_cast<size_t>(position + 1);
-    const size_t nul = from < buffer_.size() ? buffer_.find('\0', from) : std::string::npos;
-    if (nul == std::string::npos) return {};
-    position = static_cast<int64_t>(nul);
-    --ordinal;
+const std::vector<uint32_t>& clsPalmDB::TextNuls() const {
+  if (!nulsKnown_) {
+    nuls_.clear();
+    for (size_t at = static_cast<size_t>(fixedLength_); at < buffer_.size(); ++at) {
+      const void* nul = std::memchr(buffer_.data() + at, 0, buffer_.size() - at);
+      if (nul == nullptr) break;
+      at = static_cast<size_t>(static_cast<const char*>(nul) - buffer_.data());
+      nuls_.push_back(static_cast<uint32_t>(at));
+    }
+    nulsKnown_ = true;
   }
-  const size_t begin = static_cast<size_t>(position + 1);
+  return nuls_;
+}
+
+std::string clsPalmDB::GetString(int16_t& ordinal) const {
+  // Text k starts behind the (k-1)th NUL after the fixed part. Walking to it
+  // moves the caller's ordinal down to 1, or as far as the NULs go.
+  const std::vector<uint32_t>& nuls = TextNuls();
+  size_t begin = static_cast<size_t>(fixedLength_);
+  if (ordinal >= 2) {
+    const size_t wanted = static_cast<size_t>(ordinal - 1);
+    if (nuls.size() < wanted) {
+      ordinal = static_cast<int16_t>(ordinal - nuls.size());
+      return {};
+    }
+    begin = nuls[wanted - 1] + 1;
+    ordinal = 1;
+  }
   if (begin >= buffer_.size()) return {};
-  size_t end = buffer_.find('\0', begin);
-  if (end == std::string::npos) end = buffer_.size();
+  const void* nul = std::memchr(buffer_.data() + begin, 0, buffer_.size() - begin);
+  const size_t end = nul == nullptr ? buffer_.size() : static_cast<size_t>(static_cast<const char*>(nul) - buffer_.data());
   return buffer_.substr(begin, end - begin);
 }
 
@@ -269,12 +296,18 @@ void clsPalmDB::SetItem(int32_t index, const Value& value) {
   WriteField(found, value);
 }
 
-void clsPalmDB::AddNew() { buffer_.assign(static_cast<size_t>(fixedLength_ + textCount_), '\0'); }
+void clsPalmDB::AddNew() {
+  buffer_.assign(static_cast<size_t>(fixedLength_ + textCount_), '\0');
+  BufferChanged();
+}
 void clsPalmDB::Rewind() { Container().Rewind(); }
 bool clsPalmDB::WriteData() { return Container().WriteRecord(buffer_); }
 bool clsPalmDB::WriteRaw(std::string_view bytes) { return Container().WriteRecord(bytes); }
 int16_t clsPalmDB::RecordCount() { return Container().RecordCount(); }
-bool clsPalmDB::ReadData(int32_t& number) { return Container().ReadRecord(number, buffer_); }
+bool clsPalmDB::ReadData(int32_t& number) {
+  BufferChanged();
+  return Container().ReadRecord(number, buffer_);
+}
 bool clsPalmDB::ReadRaw(std::string& bytes, int32_t& number) {
   return Container().ReadRecord(number, bytes);
 }

@@ -93,7 +93,10 @@ class clsPalmDB {
   KeyedCollection<Value> GetValues();
   int32_t GetType() const { return fileType_; }
   const std::string& RawData() const { return buffer_; }
-  void SetRawData(std::string bytes) { buffer_ = std::move(bytes); }
+  void SetRawData(std::string bytes) {
+    buffer_ = std::move(bytes);
+    BufferChanged();
+  }
 
  private:
   IPalmFile& Container();
@@ -107,8 +110,15 @@ class clsPalmDB {
   int16_t textCount_ = 0;
   std::string buffer_;
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
-  // First schema index of each name, so a lookup by name needs no scan.
+  // First schema index of each name, so a lookup by name needs no scan: the
+  // name as written first, then with no regard to case.
+  std::unordered_map<std::string, int16_t> byExactName_;
   std::unordered_map<std::string, int16_t, CaseBlindHash, CaseBlindEqual> byName_;
+  // Where each text of the buffer starts, worked out once a record.
+  mutable std::vector<uint32_t> nuls_;
+  mutable bool nulsKnown_ = false;
+  void BufferChanged() { nulsKnown_ = false; }
+  const std::vector<uint32_t>& TextNuls() const;
 };
 
 }  // namespace hifx

@@ -28,9 +28,18 @@ void CopyPadded(const std::string& contents, uint64_t offset, uint8_t* out, size
 }  // namespace
 
 bool clsPalmFilePDB::TestFileType(const std::filesystem::path& fileName) {
-  const bool ok = OpenFile(fileName) == 0;
+  // The same verdict as OpenFile, from the header alone.
   CloseFile();
-  return ok;
+  try {
+    std::error_code ec;
+    if (std::filesystem::file_size(fileName, ec) > kMaxReadFileSize) return false;
+    const std::string head = ReadFileHead(fileName, kTableStart);
+    std::array<uint8_t, 2> count{};
+    CopyPadded(head, kTableStart - 2, count.data(), count.size());
+    return BytesToLong(count) <= 32767;
+  } catch (const Failure&) {
+    return false;
+  }
 }
 
 int16_t clsPalmFilePDB::CreateFile(const std::filesystem::path& fileName, std::string_view title,
@@ -56,6 +65,8 @@ int16_t clsPalmFilePDB::CreateFile(const std::filesystem::path& fileName, std::s
   if (recordCount < 0) throw Failure(fail::kSubscript);
   table_.assign(static_cast<size_t>(recordCount + 1) * kSlotSize, 0);
   writer_.WriteAt(kTableStart, std::string(static_cast<size_t>(recordCount) * kSlotSize, '\0'));
+  // The count and the table are then rewritten in place after each record.
+  head_ = writer_.MapHead(kTableStart + static_cast<uint64_t>(recordCount) * kSlotSize);
   return 0;
 }
 
@@ -75,17 +86,23 @@ bool clsPalmFilePDB::WriteRecord(std::string_view data) {
   PutBytes(std::span(slot, 4), Value::Double(static_cast<double>(length)));
   PutBytes(std::span(slot + 6, 2), Value::Long(n));
   PutBytes(std::span(countBlock_).subspan(4, 2), Value::Long(n + 1));
-  writer_.WriteAt(kTableStart + static_cast<uint64_t>(n) * kSlotSize,
-                  std::string_view(reinterpret_cast<const char*>(slot), kSlotSize));
+  PutHead(kTableStart + static_cast<uint64_t>(n) * kSlotSize, slot, kSlotSize);
   // The count is rewritten after every record, so a failed run still leaves a
   // readable file.
-  writer_.WriteAt(kHeaderSize, std::string_view(reinterpret_cast<const char*>(countBlock_.data()),
-                                                countBlock_.size()));
+  PutHead(kHeaderSize, countBlock_.data(), countBlock_.size());
   // The slot after this one holds the end offset; when this was the table's
   // last slot there is none, and the write fails only now, as it always has.
   if (static_cast<size_t>(n) + 1 >= slots) throw Failure(fail::kSubscript);
   PutBytes(std::span(slot + kSlotSize, 4), Value::Double(static_cast<double>(writer_.Size())));
   return true;
+}
+
+void clsPalmFilePDB::PutHead(uint64_t offset, const uint8_t* bytes, size_t size) {
+  if (head_ != nullptr && offset + size <= writer_.MappedSize()) {
+    std::memcpy(head_ + offset, bytes, size);
+  } else {
+    writer_.WriteAt(offset, std::string_view(reinterpret_cast<const char*>(bytes), size));
+  }
 }
 
 void clsPalmFilePDB::OpenForReading(const std::filesystem::path& fileName) {
@@ -219,6 +236,7 @@ int clsPalmFilePDB::FileHandle() {
 }
 
 int16_t clsPalmFilePDB::CloseFile() {
+  head_ = nullptr;
   writer_.Close();
   reading_ = false;
   contents_.clear();

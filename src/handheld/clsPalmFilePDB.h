@@ -50,11 +50,14 @@ class clsPalmFilePDB final : public IPalmFile {
   double DateField(int offset) const;
   std::string BlockAt(int32_t start, int32_t end) const;
   void OpenForReading(const std::filesystem::path& fileName);
+  // Writes bytes of the header or table, in place where they are mapped.
+  void PutHead(uint64_t offset, const uint8_t* bytes, size_t size);
 
   std::array<uint8_t, kHeaderSize> header_{};
   std::array<uint8_t, 6> countBlock_{};  // next record list ID and record count
   std::vector<uint8_t> table_;           // slots 0 to N, slot N holding the end offset
   BinaryFile writer_;                    // open while writing
+  uint8_t* head_ = nullptr;              // the header and table, mapped while writing
   std::string contents_;                 // the whole file while reading
   bool reading_ = false;
   int16_t position_ = 0;

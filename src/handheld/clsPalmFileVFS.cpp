@@ -11,10 +11,17 @@
 namespace hifx {
 
 bool clsPalmFileVFS::TestFileType(const std::filesystem::path& fileName) {
-  if (OpenFile(fileName) != 0) return false;
-  std::array<uint8_t, 4> first{};
-  std::memcpy(first.data(), contents_.data(), std::min<size_t>(4, contents_.size()));
   CloseFile();
+  std::string head;
+  try {
+    std::error_code ec;
+    if (std::filesystem::file_size(fileName, ec) > kMaxReadFileSize) return false;
+    head = ReadFileHead(fileName, 4);
+  } catch (const Failure&) {
+    return false;
+  }
+  std::array<uint8_t, 4> first{};
+  std::memcpy(first.data(), head.data(), head.size());
   // A big-endian record length from 1 to 65535. A PDB fails this because its
   // first bytes are the database's name.
   return first[0] == 0 && first[1] == 0 && (first[2] != 0 || first[3] != 0);

@@ -7,6 +7,25 @@
 #include <vector>
 
 #include "base/Shell.h"
+#include "base/Value.h"
+#include <ostream>
+
+namespace hifx {
+
+// Values in test failures, readable.
+inline void PrintTo(const Value& value, std::ostream* os) {
+  if (value.IsEmpty()) {
+    *os << "<empty>";
+  } else if (value.IsNull()) {
+    *os << "<null>";
+  } else if (value.IsText()) {
+    *os << '"' << value.Text() << '"';
+  } else {
+    *os << value.ToText() << " (kind " << static_cast<int>(value.Kind()) << ")";
+  }
+}
+
+}  // namespace hifx
 
 namespace hifx::test {
 
@@ -30,11 +49,34 @@ class TestShell final : public IShell {
     answers.pop_front();
     return answer;
   }
+  // Records the units offered and answers from units (Cancel when it runs out).
+  std::string ChooseUnit(const std::vector<std::string>& offered) override {
+    unitLists.push_back(offered);
+    if (units.empty()) return {};
+    std::string unit = units.front();
+    units.pop_front();
+    return unit;
+  }
+
+  // Records the prompt fields asked for; answers with promptValues, or
+  // cancels when promptCancel is set.
+  bool PromptVariables(const std::vector<PromptField>& fields, std::vector<std::string>& values) override {
+    promptFields.push_back(fields);
+    if (promptCancel) return false;
+    values = promptValues;
+    values.resize(fields.size());
+    return true;
+  }
 
   std::vector<std::string> log;
   std::vector<std::pair<int32_t, int32_t>> progress;
   std::vector<Question> questions;
   std::deque<MsgAnswer> answers;
+  std::vector<std::vector<std::string>> unitLists;
+  std::deque<std::string> units;
+  std::vector<std::vector<PromptField>> promptFields;
+  std::vector<std::string> promptValues;
+  bool promptCancel = false;
 };
 
 }  // namespace hifx::test

@@ -1,0 +1,49 @@
+#include "delivery/clsInstaller.h"
+
+namespace hifx {
+
+clsInstaller::clsInstaller(std::filesystem::path programFolder, std::filesystem::path syncRoot,
+                           IShell& shell)
+    : programFolder_(std::move(programFolder)),
+      shell_(shell),
+      library_(std::move(syncRoot)),
+      users_(library_) {}
+
+std::filesystem::path clsInstaller::FilePath(std::string_view file) const {
+  const std::filesystem::path path(file);
+  return path.has_parent_path() ? path : programFolder_ / path;
+}
+
+void clsInstaller::ShowUndefined(int code) {
+  shell_.MsgBox("Undefined error: " + std::to_string(code) + " occurred.");
+}
+
+bool clsInstaller::PRC(std::string_view unit, std::string_view file) {
+  library_.UmAddUser(unit);  // the result was never looked at
+  const int code = library_.PltInstallFile(unit, FilePath(file));
+  switch (code) {
+    case install::kDone: return true;
+    case install::kAlreadyQueued:
+      // The file is on its way all the same.
+      shell_.MsgBox("Application (" + std::string(file) +
+                    ") is already scheduled to be installed during next HotSync operation.");
+      return true;
+    case install::kNotFound:
+      shell_.MsgBox("Application not found in " + programFolder_.string() + ": " + std::string(file));
+      return false;
+    default: ShowUndefined(code); return false;
+  }
+}
+
+bool clsInstaller::RemovePRC(std::string_view unit, std::string_view file) {
+  const int code = library_.PltRemoveInstallFile(unit, file);
+  switch (code) {
+    case install::kDone:
+    case install::kAlreadyQueued:
+    case install::kNotFound:
+    case install::kNoUser: return true;
+    default: ShowUndefined(code); return false;
+  }
+}
+
+}  // namespace hifx

@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include "delivery/UnitInstall.h"
+#include "delivery/clsInstaller.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ReadBytes;
+using test::TempDir;
+using test::WriteBytes;
+
+class Installer : public testing::Test {
+ protected:
+  fs::path Queued(const std::string& unit, const std::string& file) const {
+    return dir / "sync" / unit / "Install" / file;
+  }
+  std::vector<std::string> Messages() const {
+    std::vector<std::string> texts;
+    for (const auto& q : shell.questions) texts.push_back(q.text);
+    return texts;
+  }
+
+  TempDir dir;
+  fs::path site = dir / "site";
+  test::TestShell shell;
+};
+
+TEST_F(Installer, PrcTakesABareNameFromTheProgramsFolderAndSaysWhatWentWrong) {
+  fs::create_directories(site);
+  WriteBytes(site / "HALVERNLINK.PRC", "application");
+  clsInstaller installer(site, dir / "sync", shell);
+  EXPECT_EQ(installer.UserCount(), 0);
+
+  EXPECT_TRUE(installer.PRC("Unit1", "HALVERNLINK.PRC"));
+  EXPECT_EQ(ReadBytes(Queued("Unit1", "HALVERNLINK.PRC")), "application");
+  EXPECT_TRUE(shell.questions.empty());
+
+  EXPECT_TRUE(installer.PRC("Unit1", "HALVERNLINK.PRC"));  // already on its way
+  EXPECT_FALSE(installer.PRC("Unit1", "/nowhere/x.prc"));
+  EXPECT_FALSE(installer.PRC("bad/unit", "HALVERNLINK.PRC"));
+  EXPECT_EQ(Messages(), (std::vector<std::string>{
+                            "Application (HALVERNLINK.PRC) is already scheduled to be installed "
+                            "during next HotSync operation.",
+                            "Application not found in " + site.string() + ": /nowhere/x.prc",
+                            "Undefined error: -523 occurred."}));
+}
+
+TEST_F(Installer, AQueueThatCannotBeWrittenIsAnUndefinedError) {
+  fs::create_directories(dir / "sync" / "Unit1");
+  WriteBytes(dir / "sync" / "Unit1" / "Install", "a file where the queue should be");
+  WriteBytes(dir / "route.pdb", "route");
+  clsInstaller installer(site, dir / "sync", shell);
+  EXPECT_EQ(installer.UserNames(), std::vector<std::string>{"Unit1"});
+  EXPECT_FALSE(installer.PRC("Unit1", (dir / "route.pdb").string()));
+  EXPECT_EQ(Messages(), std::vector<std::string>{"Undefined error: -1 occurred."});
+}
+
+TEST_F(Installer, RemovePrcIsQuietUnlessTheRemovalFails) {
+  WriteBytes(dir / "route.pdb", "route");
+  clsInstaller installer(site, dir / "sync", shell);
+  EXPECT_TRUE(installer.RemovePRC("Nobody", "route.pdb"));
+  ASSERT_TRUE(installer.PRC("Unit1", (dir / "route.pdb").string()));
+  EXPECT_TRUE(installer.RemovePRC("Unit1", (dir / "route.pdb").string()));
+  EXPECT_FALSE(fs::exists(Queued("Unit1", "route.pdb")));
+  EXPECT_TRUE(installer.RemovePRC("Unit1", "route.pdb"));
+  EXPECT_TRUE(shell.questions.empty());
+
+  // A queued name that is a folder with something in it can't be removed.
+  fs::create_directories(Queued("Unit1", "stuck.pdb") / "inner");
+  EXPECT_FALSE(installer.RemovePRC("Unit1", "stuck.pdb"));
+  EXPECT_EQ(Messages(), std::vector<std::string>{"Undefined error: -1 occurred."});
+}
+
+TEST_F(Installer, UnitInstallWithNoUsersSaysSo) {
+  const clsInstaller installer(site, dir / "sync", shell);
+  EXPECT_TRUE(UnitInstallList(installer, shell).empty());
+  EXPECT_EQ(Messages(), std::vector<std::string>{
+                            "Unable to locate any units!\r\nPerhaps the Palm Desktop software is "
+                            "not installed \r\nor is not set up for your login id?"});
+  fs::create_directories(dir / "sync" / "Unit2");
+  EXPECT_EQ(UnitInstallList(clsInstaller(site, dir / "sync", shell), shell),
+            std::vector<std::string>{"Unit2"});
+  EXPECT_EQ(shell.questions.size(), 1u);
+}
+
+TEST_F(Installer, InstallUnitsSendsTheApplicationAndWarnsForMissingMeazuraFiles) {
+  fs::create_directories(site);
+  WriteBytes(site / "HALVERNLINK.PRC", "app");
+  WriteBytes(site / "MeazuraLib_V302b.prc", "lib");
+  clsInstaller installer(site, dir / "sync", shell);
+
+  InstallUnits(installer, {"Unit1", "Unit2"}, true, shell);
+  for (const char* unit : {"Unit1", "Unit2"}) {
+    EXPECT_EQ(ReadBytes(Queued(unit, "HALVERNLINK.PRC")), "app");
+    EXPECT_EQ(ReadBytes(Queued(unit, "MeazuraLib_V302b.prc")), "lib");
+  }
+  const std::string patchMissing =
+      "Application not found in " + site.string() + ": MeazuraStartupPatch_V200b.prc";
+  EXPECT_EQ(Messages(), (std::vector<std::string>{patchMissing, patchMissing}));
+  EXPECT_EQ(shell.log, (std::vector<std::string>{
+                           "Warning: Meazura Startup patch file failed to install",
+                           "Warning: Meazura Startup patch file failed to install"}));
+
+  // Without Meazura only the application goes; a missing one is no warning.
+  shell.log.clear();
+  InstallUnits(installer, {"Unit3"}, false, shell, "TallyDesk");
+  EXPECT_TRUE(shell.log.empty());
+  EXPECT_EQ(Messages().back(), "Application not found in " + site.string() + ": TALLYHORN.PRC");
+  EXPECT_FALSE(fs::exists(Queued("Unit3", "MeazuraLib_V302b.prc")));
+}
+
+}  // namespace
+}  // namespace hifx
