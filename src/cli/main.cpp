@@ -25,7 +25,9 @@ constexpr const char* kUsage =
     "  settings [show|get NAME|set NAME VALUE]   the exchange settings\n"
     "  site show                 every site list, one section each\n"
     "  dist load FILE | dist write FILE          distribution files\n"
-    "  registry dump             the settings tree as a distribution file carries it\n";
+    "  registry dump             the settings tree as a distribution file carries it\n"
+    "  users                     the handheld users of the desktop sync folders\n"
+    "  install FILE [--unit NAME]  queue FILE for a handheld unit's next sync\n";
 
 std::filesystem::path DefaultSite() {
   if (const char* site = std::getenv("HIFX_SITE"); site != nullptr && *site != '\0') return site;
@@ -50,6 +52,8 @@ const std::map<std::string, Command>& Commands() {
       {"registry", RunRegistry},
       {"route", RunRoute},
       {"reread", RunReRead},
+      {"users", RunUsers},
+      {"install", RunInstall},
   };
   return commands;
 }
