@@ -37,7 +37,7 @@ echo "source: $(wc -l < "$work/route.txt") lines, $(du -k "$work/route.txt" | cu
 
 for run in $(seq "$runs"); do
   rm -f "$work/route.pdb"
-  /usr/bin/time -f "run $run: %e s wall, %M KB peak" "$hifx" --site "$work/site" route > "$work/log.txt"
+  /usr/bin/time -f "run $run: %e s wall (%U user, %S system), %M KB peak" "$hifx" --site "$work/site" route > "$work/log.txt"
 done
 tail -3 "$work/log.txt"
 count=$(od -An -tu1 -j76 -N2 "$work/route.pdb" | awk '{print $1 * 256 + $2}')

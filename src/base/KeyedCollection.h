@@ -18,8 +18,10 @@ template <typename T>
 class KeyedCollection {
  public:
   void Add(std::string key, T value) {
-    if (Find(key) != kNone) throw Failure(fail::kDuplicateKey);
+    const size_t hash = Signature(key);
+    if (Find(key, hash) != kNone) throw Failure(fail::kDuplicateKey);
     items_.emplace_back(std::move(key), std::move(value));
+    hashes_.push_back(hash);
     if (items_.size() == kHashFrom) {
       for (size_t i = 0; i < items_.size(); ++i) index_.emplace(items_[i].first, i);
     } else if (items_.size() > kHashFrom) {
@@ -50,10 +52,17 @@ class KeyedCollection {
     const size_t at = Find(key);
     if (at == kNone) throw Failure(fail::kInvalidCall);
     items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(at));
+    hashes_.erase(hashes_.begin() + static_cast<std::ptrdiff_t>(at));
+    lastHit_ = 0;
     index_.clear();
     if (items_.size() >= kHashFrom) {
       for (size_t i = 0; i < items_.size(); ++i) index_.emplace(items_[i].first, i);
     }
+  }
+
+  void Reserve(size_t count) {
+    items_.reserve(count);
+    hashes_.reserve(count);
   }
 
   size_t Count() const { return items_.size(); }
@@ -67,17 +76,36 @@ class KeyedCollection {
   static constexpr size_t kHashFrom = 48;
 
   size_t Find(std::string_view key) const {
+    // Items are mostly asked for in the order they were added.
+    for (size_t next = lastHit_ + 1; next <= lastHit_ + 2 && next < items_.size(); ++next) {
+      if (items_[next].first == key) return lastHit_ = next;
+    }
+    return Find(key, Signature(key));
+  }
+
+  // A cheap filter for the search in place: two keys equal with no regard
+  // to case have the same length and the same first and last letters.
+  static size_t Signature(std::string_view key) {
+    if (key.empty()) return 0;
+    return (key.size() << 16) | (static_cast<size_t>(static_cast<unsigned char>(FoldCase(key.front()))) << 8) |
+           static_cast<unsigned char>(FoldCase(key.back()));
+  }
+
+  size_t Find(std::string_view key, size_t hash) const {
     if (items_.size() < kHashFrom) {
       for (size_t i = 0; i < items_.size(); ++i) {
-        if (EqualsCaseBlind(items_[i].first, key)) return i;
+        if (hashes_[i] == hash && EqualsCaseBlind(items_[i].first, key)) return lastHit_ = i;
       }
       return kNone;
     }
     const auto it = index_.find(key);
-    return it == index_.end() ? kNone : it->second;
+    if (it == index_.end()) return kNone;
+    return lastHit_ = it->second;
   }
 
   std::vector<std::pair<std::string, T>> items_;
+  std::vector<size_t> hashes_;  // the signature of each key
+  mutable size_t lastHit_ = 0;
   std::unordered_map<std::string, size_t, CaseBlindHash, CaseBlindEqual> index_;
 };
 

@@ -23,6 +23,9 @@ int16_t ToInt16(double value) {
 }
 
 int32_t ToInt32(double value) {
+  if (value >= -2147483648.0 && value <= 2147483647.0 && value == static_cast<double>(static_cast<int32_t>(value))) {
+    return static_cast<int32_t>(value);  // already whole: nothing to round
+  }
   if (std::isnan(value)) throw Failure(fail::kOverflow);
   const double r = RoundHalfEven(value);
   if (r < -2147483648.0 || r > 2147483647.0) throw Failure(fail::kOverflow);
@@ -78,7 +81,8 @@ size_t ScanNumber(std::string_view text, double& out) {
       i = j;
     }
   }
-  double value = mantissa * std::pow(10.0, exponent - fractionDigits);
+  const int scale = exponent - fractionDigits;
+  double value = scale == 0 ? mantissa : mantissa * std::pow(10.0, scale);
   if (std::isinf(value)) value = std::numeric_limits<double>::max();
   out = negative ? -value : value;
   return i;

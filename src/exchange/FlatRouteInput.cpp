@@ -44,25 +44,27 @@ std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); 
 }  // namespace
 
 void clsExchange::AddValue(KeyedCollection<Value>& values, const MapField& field,
-                           const std::string& raw, bool trimBothEnds) {
+                           std::string_view raw, bool trimBothEnds, bool keep) {
+  Value value;
   switch (field.DataType) {
-    case kTypeText: values.Add(field.FieldName, Value(trimBothEnds ? Trim(raw) : TrimRight(raw))); break;
-    case kTypeInteger: values.Add(field.FieldName, Value::Integer(ToInt16(NumericPrefix(raw)))); break;
-    case kTypeLong: values.Add(field.FieldName, Value::Long(ToInt32(NumericPrefix(raw)))); break;
-    case kTypeNumber: values.Add(field.FieldName, Value::Double(NumericPrefix(raw))); break;
+    case kTypeText: value = Value(trimBothEnds ? Trim(raw) : TrimRight(raw)); break;
+    case kTypeInteger: value = Value::Integer(ToInt16(NumericPrefix(raw))); break;
+    case kTypeLong: value = Value::Long(ToInt32(NumericPrefix(raw))); break;
+    case kTypeNumber: value = Value::Double(NumericPrefix(raw)); break;
     case kTypeDate:
-    case kTypeTime: values.Add(field.FieldName, Value(TrimRight(raw))); break;
-    default: break;
+    case kTypeTime: value = Value(TrimRight(raw)); break;
+    default: return;
   }
+  if (keep || field.FieldName == "RouteNbr") values.Add(field.FieldName, std::move(value));
 }
 
-KeyedCollection<Value> clsExchange::ParseRoute(const std::string& line) {
-  if (ActiveMap->MapType() == kMapFixed) return ParseRouteFixed(line);
-  if (ActiveMap->MapType() == kMapDelimited) return ParseRouteDelimited(line);
+KeyedCollection<Value> clsExchange::ParseRoute(const std::string& line, bool onlyRoute) {
+  if (ActiveMap->MapType() == kMapFixed) return ParseRouteFixed(line, onlyRoute);
+  if (ActiveMap->MapType() == kMapDelimited) return ParseRouteDelimited(line, onlyRoute);
   return {};
 }
 
-KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line) {
+KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line, bool onlyRoute) {
   const clsExchMap& map = *ActiveMap;
   const std::string quote = map.MapQuote();
   const std::string delimiter = map.MapDelimiterChar();
@@ -92,6 +94,7 @@ KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line)
   }
   LastReadType.clear();
   KeyedCollection<Value> values;
+  values.Reserve(static_cast<size_t>(map.FieldCount()));
   std::string raw;
   for (int32_t i = 1; i <= map.FieldCount(); ++i) {
     const MapField& field = map.Field(i);
@@ -117,36 +120,45 @@ KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line)
       default: break;
     }
     if (found && field.FieldName == "ReadType") LastReadType = Upper(raw);
-    AddValue(values, field, raw, false);
+    AddValue(values, field, raw, false, !onlyRoute);
   }
   return values;
 }
 
-KeyedCollection<Value> clsExchange::ParseRouteFixed(const std::string& line) {
+KeyedCollection<Value> clsExchange::ParseRouteFixed(const std::string& line, bool onlyRoute) {
   const clsExchMap& map = *ActiveMap;
   LastReadType.clear();
   KeyedCollection<Value> values;
-  std::string raw;
+  values.Reserve(static_cast<size_t>(map.FieldCount()));
+  // The raw text of a field stays for the next one, which may repeat it.
+  std::string_view raw;
+  std::string prompted;
+  std::string numbered;
   for (int32_t i = 1; i <= map.FieldCount(); ++i) {
     const MapField& field = map.Field(i);
     switch (field.MapOption) {
-      case kOptionDoNotMap: raw.clear(); break;
+      case kOptionDoNotMap: raw = {}; break;
       case kOptionSource: {
         if (field.DataPosition < 1 || field.DataWidth < 0) throw Failure(fail::kInvalidCall);
         const size_t start = static_cast<size_t>(field.DataPosition - 1);
-        raw = start < line.size() ? line.substr(start, static_cast<size_t>(field.DataWidth)) : std::string();
-        if (field.FieldName == "ReadType") LastReadType = Upper(raw);
+        raw = start < line.size() ? std::string_view(line).substr(start, static_cast<size_t>(field.DataWidth))
+                                  : std::string_view();
+        if (field.FieldName == "ReadType") LastReadType = Upper(std::string(raw));
         break;
       }
       case kOptionConstant: raw = field.MapConstant; break;
-      case kOptionPrompt: raw = Prompts.Value(field.FieldName); break;
+      case kOptionPrompt:
+        prompted = Prompts.Value(field.FieldName);
+        raw = prompted;
+        break;
       case kOptionAutonumber:
         AutoNumber = ToInt16(AutoNumber + 1.0);
-        raw = std::to_string(AutoNumber);
+        numbered = std::to_string(AutoNumber);
+        raw = numbered;
         break;
       default: break;
     }
-    AddValue(values, field, raw, true);
+    AddValue(values, field, raw, true, !onlyRoute);
   }
   return values;
 }
@@ -164,7 +176,7 @@ bool clsExchange::ConvertRouteFlat() {
   while (SourceFile->ReadLine(line)) {
     env_.shell.SetProgressButton(3 * blocks, static_cast<int32_t>(SourceFile->Position() / 128));
     ++LineNumber;
-    const KeyedCollection<Value> values = ParseRoute(line);
+    const KeyedCollection<Value> values = ParseRoute(line, true);
     const int16_t route = AddRoute(TextOf(values.Item("RouteNbr")));
     RouteCounts[static_cast<size_t>(route)] = ToInt16(RouteCounts[static_cast<size_t>(route)] + 1.0);
     ++lines;
@@ -200,25 +212,26 @@ bool clsExchange::ConvertRouteFlat() {
 }
 
 void clsExchange::WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route) {
-  static constexpr const char* kCopied[] = {
-      "Sequence",       "MeterTagNbr",     "Digits",          "Decimals",       "PrvReading",
-      "MaxReading",     "MinReading",      "LstReadingDate",  "UtilityCode",    "Lat",
-      "Lng",            "ServiceAddress",  "BillingName",     "ServiceUniqueID", "MeterSerialNbr",
-      "ScaleFactor",    "InitReading",     "InitPulseCount",  "InitTamperCount", "User1",
-      "User2",          "User3",           "User4",           "User5"};
   clsHIF& hif = *ActiveHIF;
+  auto copy = [&](const char* name) { hif.SetItem(name, values.Item(name)); };
+  // Set in the order of the record's fields, which is also the order of the
+  // map's, so that every name is found at once.
   hif.AddNew();
   hif.SetItem("RecType", Value::Long(kRecMeter));
   hif.SetItem("RouteNbr", Value::Long(route));
-  // A date stays text: its first four characters fill the 32-bit field.
-  for (const char* name : kCopied) hif.SetItem(name, values.Item(name));
-
+  copy("Sequence");
+  copy("MeterTagNbr");
   const std::string meterType = TextOf(values.Item("MeterType"));
   if (meterType >= "A") {
     hif.SetItem("MeterType", Value::Long(static_cast<unsigned char>(meterType[0])));
   } else {
     hif.SetItem("MeterType", Value::Double(NumericPrefix(meterType)));
   }
+  copy("Digits");
+  copy("Decimals");
+  copy("PrvReading");
+  copy("MaxReading");
+  copy("MinReading");
   if (LastReadType == "R" || LastReadType == "r") {
     hif.SetItem("ReadType", Value::Long(1));
   } else if (LastReadType == "M" || LastReadType == "S" || LastReadType == "m" || LastReadType == "s") {
@@ -228,11 +241,29 @@ void clsExchange::WriteFlatMeter(const KeyedCollection<Value>& values, int16_t r
   } else {
     hif.SetItem("ReadType", Value::Double(NumericPrefix(TextOf(values.Item("ReadType")))));
   }
+  // A date stays text: its first four characters fill the 32-bit field.
+  copy("LstReadingDate");
+  copy("UtilityCode");
+  copy("Lat");
+  copy("Lng");
+  copy("ScaleFactor");
+  copy("InitReading");
+  copy("InitPulseCount");
+  copy("InitTamperCount");
   hif.SetItem("Message", Value(Advanced().LookupMessage(
                              TextOf(values.Item("Message")), TextOf(values.Item("RouteNbr")),
                              TextOf(values.Item("ServiceUniqueID")),
                              TextOf(values.Item("MeterSerialNbr")), TextOf(values.Item("MeterTagNbr")))));
+  copy("ServiceAddress");
+  copy("BillingName");
+  copy("ServiceUniqueID");
+  copy("MeterSerialNbr");
   hif.SetItem("ReceiverData", Value(""));
+  copy("User1");
+  copy("User2");
+  copy("User3");
+  copy("User4");
+  copy("User5");
   hif.WriteData();
   ++MetersWritten;
   UpdateIndexes(hif.Item("RouteNbr").ToInt32(), MeterRecordNumber,

@@ -69,9 +69,11 @@ class clsExchange {
   bool ConvertReRead();
   bool ConvertRouteFlat();
   // One line of a flat route file, as values keyed by the map's field names.
-  KeyedCollection<Value> ParseRoute(const std::string& line);
-  KeyedCollection<Value> ParseRouteFixed(const std::string& line);
-  KeyedCollection<Value> ParseRouteDelimited(const std::string& line);
+  // With onlyRoute, every field is still converted, with all that may fail
+  // or count, but only RouteNbr is kept: what a first pass needs.
+  KeyedCollection<Value> ParseRoute(const std::string& line, bool onlyRoute = false);
+  KeyedCollection<Value> ParseRouteFixed(const std::string& line, bool onlyRoute = false);
+  KeyedCollection<Value> ParseRouteDelimited(const std::string& line, bool onlyRoute = false);
   // 0 no fault, 1 messages logged, 3 stop.
   int16_t ValidateRoute(const KeyedCollection<Value>& values);
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line);
@@ -145,8 +147,8 @@ class clsExchange {
   void WriteFileHeader(const std::string& sourceName, int32_t meters, int16_t version);
   void WriteRouteHeaders();
   void WriteCodeRecords();
-  void AddValue(KeyedCollection<Value>& values, const MapField& field, const std::string& raw,
-                bool trimLeft);
+  void AddValue(KeyedCollection<Value>& values, const MapField& field, std::string_view raw,
+                bool trimBothEnds, bool keep);
   void Report(const std::string& message, int16_t& result);
   void WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route);
   void WriteReReadMeter(const KeyedCollection<Value>& values);

@@ -76,6 +76,7 @@ void clsPalmDB::ClearSchema() {
   schema_.assign(1, SchemaField{});
   byName_.clear();
   byExactName_.clear();
+  lastFound_ = 0;
   fixedLength_ = 0;
   textCount_ = 0;
 }
@@ -97,18 +98,27 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
     if (position + width > fixedLength_) fixedLength_ = static_cast<int16_t>(position + width);
   }
   const auto index = static_cast<int16_t>(schema_.size());
-  byName_.try_emplace(field.name, index);  // the first of equal names wins
+  field.firstOfName = byName_.try_emplace(field.name, index).second;  // the first of equal names wins
   if (FindItem(field.name) == index) byExactName_.try_emplace(field.name, index);
   schema_.push_back(std::move(field));
 }
 
 int16_t clsPalmDB::FindItem(std::string_view name) const {
+  for (size_t next = static_cast<size_t>(lastFound_) + 1; next <= static_cast<size_t>(lastFound_) + 2; ++next) {
+    if (next < schema_.size() && schema_[next].firstOfName && schema_[next].name == name) {
+      lastFound_ = static_cast<int16_t>(next);
+      return lastFound_;
+    }
+  }
   // Callers nearly always spell a name as the schema does.
   if (const auto exact = byExactName_.find(std::string(name)); exact != byExactName_.end()) {
-    return exact->second;
+    lastFound_ = exact->second;
+    return lastFound_;
   }
   const auto it = byName_.find(name);
-  return it == byName_.end() ? 0 : it->second;
+  if (it == byName_.end()) return 0;
+  lastFound_ = it->second;
+  return lastFound_;
 }
 
 int16_t clsPalmDB::FindItem(int32_t index) const {
@@ -132,7 +142,7 @@ int32_t NumberOf(const Value& value) {
 
 int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
   const int32_t v = NumberOf(value);
-  BufferChanged();
+  if (offset + 1 > fixedLength_) BufferChanged();
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
     buffer_[static_cast<size_t>(offset)] = static_cast<char>(v & 0xFF);
   }
@@ -141,7 +151,7 @@ int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
 
 int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
   const int32_t v = NumberOf(value);
-  BufferChanged();
+  if (offset + 2 > fixedLength_) BufferChanged();
   // Only this setter grows the buffer, so hand-built records can be made of
   // words and packed texts with no schema.
   if (offset >= 0 && static_cast<size_t>(offset) == buffer_.size()) buffer_.append(2, '\0');
@@ -154,7 +164,7 @@ int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
-  BufferChanged();
+  if (offset + 4 > fixedLength_) BufferChanged();
   uint8_t bytes[4] = {};
   PutBytes(bytes, value);
   for (size_t k = 0; k < 4; ++k) {
@@ -181,21 +191,24 @@ int32_t clsPalmDB::GetInt16(int16_t offset) const { return ReadNumber(buffer_, o
 int32_t clsPalmDB::GetInt32(int16_t offset) const { return ReadNumber(buffer_, offset, 4); }
 
 void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
-  BufferChanged();
   const std::string text = value.ToText();
   // The texts behind the fixed part are split at NULs, one element replaced,
   // and joined again; an empty text part has no elements at all.
   const size_t fixed = std::min(buffer_.size(), static_cast<size_t>(fixedLength_));
   if (buffer_.size() == fixed || ordinal < 1) throw Failure(fail::kSubscript);
-  size_t start = fixed;
-  for (int16_t k = 1; k < ordinal; ++k) {
-    const size_t nul = buffer_.find('\0', start);
-    if (nul == std::string::npos) throw Failure(fail::kSubscript);
-    start = nul + 1;
-  }
-  size_t end = buffer_.find('\0', start);
-  if (end == std::string::npos) end = buffer_.size();
+  std::vector<uint32_t>& nuls = TextNuls();
+  const auto element = static_cast<size_t>(ordinal - 1);
+  if (element > nuls.size()) throw Failure(fail::kSubscript);
+  const size_t start = element == 0 ? fixed : nuls[element - 1] + 1;
+  const size_t end = element < nuls.size() ? nuls[element] : buffer_.size();
   buffer_.replace(start, end - start, text);
+  if (text.find('\0') != std::string::npos) {
+    BufferChanged();  // a NUL in a value shifts every later text
+    return;
+  }
+  // The NULs behind the element move by the change in its length.
+  const int64_t delta = static_cast<int64_t>(text.size()) - static_cast<int64_t>(end - start);
+  for (size_t k = element; k < nuls.size(); ++k) nuls[k] = static_cast<uint32_t>(nuls[k] + delta);
 }
 
 int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad) {
@@ -210,7 +223,7 @@ int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad)
   return ToOffset(buffer_.size());
 }
 
-const std::vector<uint32_t>& clsPalmDB::TextNuls() const {
+std::vector<uint32_t>& clsPalmDB::TextNuls() const {
   if (!nulsKnown_) {
     nuls_.clear();
     for (size_t at = static_cast<size_t>(fixedLength_); at < buffer_.size(); ++at) {

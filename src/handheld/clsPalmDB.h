@@ -32,6 +32,7 @@ class clsPalmDB {
     int32_t type = kFieldText;
     int16_t position = 0;  // byte offset of a number; ordinal from 1 of a text
     std::string name;
+    bool firstOfName = true;  // no earlier field has this name in any case
   };
 
   explicit clsPalmDB(IShell& shell);
@@ -113,12 +114,16 @@ class clsPalmDB {
   // First schema index of each name, so a lookup by name needs no scan: the
   // name as written first, then with no regard to case.
   std::unordered_map<std::string, int16_t> byExactName_;
+  // Fields are mostly reached in schema order: the one after the last found
+  // is tried first.
+  mutable int16_t lastFound_ = 0;
   std::unordered_map<std::string, int16_t, CaseBlindHash, CaseBlindEqual> byName_;
   // Where each text of the buffer starts, worked out once a record.
   mutable std::vector<uint32_t> nuls_;
   mutable bool nulsKnown_ = false;
   void BufferChanged() { nulsKnown_ = false; }
-  const std::vector<uint32_t>& TextNuls() const;
+  // The NULs of the text part, found once and kept up to date by SetString.
+  std::vector<uint32_t>& TextNuls() const;
 };
 
 }  // namespace hifx
