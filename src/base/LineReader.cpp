@@ -1,5 +1,7 @@
 #include "base/LineReader.h"
 
+#include <cstring>
+
 #include "base/Failure.h"
 
 namespace hifx {
@@ -34,7 +36,15 @@ bool LineReader::ReadLine(std::string& line) {
   size_t scanned = 0;  // bytes of the line looked at so far, from next_
   for (;;) {
     size_t end = next_ + scanned;
-    while (end < buffer_.size() && buffer_[end] != '\r' && buffer_[end] != '\n') ++end;
+    {
+      // The first CR or LF from end on, found with two fast searches.
+      const char* from = buffer_.data() + end;
+      const size_t left = buffer_.size() - end;
+      const void* lf = std::memchr(from, '\n', left);
+      const size_t lfAt = lf == nullptr ? left : static_cast<size_t>(static_cast<const char*>(lf) - from);
+      const void* cr = std::memchr(from, '\r', lfAt);
+      end += cr == nullptr ? lfAt : static_cast<size_t>(static_cast<const char*>(cr) - from);
+    }
     scanned = end - next_;
     if (end < buffer_.size()) {
       // A CR that ends the buffer may be the first half of a CR LF: read on

@@ -76,15 +76,14 @@ int16_t AdvancedList::Add(std::string key, std::string detail, std::string value
   item.Detail = std::move(detail);
   item.Value = std::move(value);
   item.Dirty = dirty;
-  byKey_[UpperCase(item.Key)].push_back(item.Index);
+  byKey_[item.Key].push_back(item.Index);
   items_.push_back(std::move(item));
   return static_cast<int16_t>(position);
 }
 
 int16_t AdvancedList::FindKey(std::string_view key) const {
-  const std::string folded = UpperCase(key);
-  if (lower_ == 0) return folded.empty() ? 0 : -1;  // only the empty element
-  const auto it = byKey_.find(folded);
+  if (lower_ == 0) return key.empty() ? 0 : -1;  // only the empty element
+  const auto it = byKey_.find(key);
   return it == byKey_.end() || it->second.empty() ? -1 : it->second.front();
 }
 
@@ -100,7 +99,7 @@ void AdvancedList::MarkDeleted(int16_t position) {
   AdvancedItem& item = At(position);
   item.Deleted = true;
   item.Dirty = true;
-  auto& positions = byKey_[UpperCase(item.Key)];
+  auto& positions = byKey_[item.Key];
   positions.erase(std::remove(positions.begin(), positions.end(), position), positions.end());
 }
 
@@ -264,12 +263,17 @@ std::string clsAdvanced::LookupMessage(const std::string& billing, const std::st
   std::string label;
   const std::array<std::pair<const char*, const std::string*>, 3> kinds = {
       {{"Account", &account}, {"SerialNbr", &serial}, {"TagNbr", &tag}}};
+  std::string key;
   for (const auto& [type, argument] : kinds) {
-    if (Trim(*argument).empty()) continue;
+    if (argument->find_first_not_of(' ') == std::string::npos) continue;
     AdvancedList& list = *MessageList(type);
     // The route's own message first, then one for any route.
-    int16_t position = list.FindKey(route + "||" + *argument);
-    if (position < 0) position = list.FindKey("ANY||" + *argument);
+    key.assign(route).append("||").append(*argument);
+    int16_t position = list.FindKey(key);
+    if (position < 0) {
+      key.assign("ANY||").append(*argument);
+      position = list.FindKey(key);
+    }
     if (position < 0) continue;
     const AdvancedItem& item = list.At(position);
     const std::string& message = item.Deleted ? std::string() : item.Value;
@@ -299,6 +303,12 @@ int16_t clsAdvanced::GetToken(std::string_view type, const Value& selector, std:
   if (list == nullptr) return 0;
   return Fetch(*list, selector, token, nullptr, nullptr);
 }
+int16_t clsAdvanced::TokenPosition(std::string_view type, std::string_view token) {
+  AdvancedList* list = TokenList(type);
+  if (list == nullptr) return 0;
+  return list->FindKey(token);
+}
+
 int16_t clsAdvanced::AddToken(std::string_view type, const std::string& token) {
   AdvancedList* list = TokenList(type);
   if (list == nullptr) return 0;

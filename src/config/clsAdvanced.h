@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/CaseBlind.h"
 #include "base/Value.h"
 #include "config/IRegistryStore.h"
 
@@ -48,7 +49,7 @@ class AdvancedList {
   int16_t lower_ = 0;
   // Live positions of each upper-cased key, ascending, so that a lookup by key
   // needs no scan and still finds the first match.
-  std::unordered_map<std::string, std::vector<int16_t>> byKey_;
+  std::unordered_map<std::string, std::vector<int16_t>, CaseBlindHash, CaseBlindEqual> byKey_;
 };
 
 class clsAdvanced {
@@ -86,6 +87,9 @@ class clsAdvanced {
   int16_t IndexControl() const { return indexControl_; }
   void IndexControl(int16_t value);
   int16_t GetToken(std::string_view type, const Value& selector, std::string& token);
+  // The position of a token of that type, -1 when there is none: GetToken's
+  // answer by key, for the index words that ask it for every word.
+  int16_t TokenPosition(std::string_view type, std::string_view token);
   int16_t AddToken(std::string_view type, const std::string& token);
   int16_t DeleteToken(std::string_view type, const std::string& token);
 

@@ -45,6 +45,13 @@ std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); 
 
 void clsExchange::AddValue(KeyedCollection<Value>& values, const MapField& field,
                            std::string_view raw, bool trimBothEnds, bool keep) {
+  if (!keep && field.FieldName != "RouteNbr") {
+    // Nothing is kept, but a number that doesn't fit its field still fails
+    // here as it would in the second pass.
+    if (field.DataType == kTypeInteger) ToInt16(NumericPrefix(raw));
+    if (field.DataType == kTypeLong) ToInt32(NumericPrefix(raw));
+    return;
+  }
   Value value;
   switch (field.DataType) {
     case kTypeText: value = Value(trimBothEnds ? Trim(raw) : TrimRight(raw)); break;
@@ -55,7 +62,7 @@ void clsExchange::AddValue(KeyedCollection<Value>& values, const MapField& field
     case kTypeTime: value = Value(TrimRight(raw)); break;
     default: return;
   }
-  if (keep || field.FieldName == "RouteNbr") values.Add(field.FieldName, std::move(value));
+  values.Add(field.FieldName, std::move(value));
 }
 
 KeyedCollection<Value> clsExchange::ParseRoute(const std::string& line, bool onlyRoute) {

@@ -19,9 +19,8 @@ std::string Upper(std::string_view text) {
 }  // namespace
 
 bool clsExchange::IsIndexToken(int32_t type, const std::string& word) {
-  std::string token;
-  if (type == 0) return Advanced().GetToken("Owner", Value(word), token) >= 0;
-  if (type == 1) return Advanced().GetToken("Address", Value(word), token) >= 0;
+  if (type == 0) return Advanced().TokenPosition("Owner", word) >= 0;
+  if (type == 1) return Advanced().TokenPosition("Address", word) >= 0;
   return false;
 }
 

@@ -29,7 +29,7 @@ int16_t clsExchange::ValidateRoute(const KeyedCollection<Value>& values) {
   int16_t result = 0;
   const bool untagged = LastReadType == "M" || LastReadType == "P" || LastReadType == "S";
   const clsExchMap& map = *ActiveMap;
-  const std::string line = std::to_string(LineNumber);
+  const auto line = [this] { return std::to_string(LineNumber); };
   for (int32_t i = 1; i <= map.FieldCount(); ++i) {
     const MapField& field = map.Field(i);
     const bool skipTag = untagged && field.FieldName == "MeterTagNbr";
@@ -38,15 +38,17 @@ int16_t clsExchange::ValidateRoute(const KeyedCollection<Value>& values) {
       const double number = value.IsText() ? NumericPrefix(value.Text()) : value.ToDouble();
       if (number > field.MaxValue) {
         Report("Value of " + field.FieldName + "(" + TextOf(value) +
-                   ") exceeds maximum permitted value in Line " + line,
+                   ") exceeds maximum permitted value in Line " + line(),
                result);
       }
     }
     if (field.Required && !skipTag) {
       if (field.DataType == kTypeInteger || field.DataType == kTypeLong || field.DataType == kTypeNumber) {
-        if (NumericPrefix(TextOf(value)) == 0) Report(field.FieldName + " zero in Line " + line, result);
+        // A number's text reads back as the number itself.
+        const double number = value.IsText() ? NumericPrefix(value.Text()) : value.ToDouble();
+        if (number == 0) Report(field.FieldName + " zero in Line " + line(), result);
       } else if (Trim(TextOf(value)).empty()) {
-        Report(field.FieldName + " empty in Line " + line, result);
+        Report(field.FieldName + " empty in Line " + line(), result);
       }
     }
   }
