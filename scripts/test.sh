@@ -16,7 +16,7 @@ ctest --preset asan -j "$(nproc)"
 
 if [ -x fuzz/run.sh ]; then
   echo "== short fuzzing run"
-  fuzz/run.sh "${HIFX_FUZZ_SECONDS:-30}"
+  fuzz/run.sh "${HIFX_FUZZ_SECONDS:-20}"
 fi
 
 echo "== all tests passed"

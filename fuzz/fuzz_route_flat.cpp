@@ -1,0 +1,77 @@
+// A route conversion of any bytes, through a fixed-column and a delimited
+// map: the driver's refusals and its error frame are clean outcomes; a crash,
+// a hang or a runaway allocation is a bug.
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "config/SqliteRegistryStore.h"
+#include "exchange/clsExchange.h"
+
+namespace {
+
+class QuietShell final : public hifx::IShell {
+ public:
+  void WriteLog(std::string_view) override {}
+  void SetProgressButton(int32_t, int32_t) override {}
+  hifx::MsgAnswer MsgBox(std::string_view, std::string_view, hifx::MsgButtons buttons,
+                         hifx::MsgIcon) override {
+    return buttons == hifx::MsgButtons::YesNo ? hifx::MsgAnswer::Yes : hifx::MsgAnswer::OK;
+  }
+};
+
+void WriteFile(const std::filesystem::path& path, const std::string& text) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << text;
+}
+
+struct Site {
+  std::filesystem::path folder = std::filesystem::temp_directory_path() /
+                                 ("hifx-fuzz-route-" + std::to_string(::getpid()));
+  QuietShell shell;
+  hifx::FixedClock clock{hifx::CivilTime{2024, 2, 29, 13, 5, 9}};
+  std::unique_ptr<hifx::SqliteRegistryStore> store;
+  Site() {
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    store = std::make_unique<hifx::SqliteRegistryStore>(folder / "registry.db");
+    const std::string fields[] = {"RouteNbr", "Sequence", "MeterTagNbr", "MeterType", "Digits", "Decimals",
+                                  "PrvReading", "MaxReading", "MinReading", "ReadType", "LstReadingDate",
+                                  "UtilityCode", "Lat", "Lng", "ScaleFactor", "InitReading", "InitPulseCount",
+                                  "InitTamperCount", "Message", "ServiceAddress", "BillingName",
+                                  "ServiceUniqueID", "MeterSerialNbr", "User1", "User2", "User3", "User4",
+                                  "User5"};
+    std::string fixed = "HIF=1.1\r\nMAPTYPE=1\r\n";
+    std::string delimited = "HIF=1.1\r\nMAPTYPE=2\r\nMAPDELIMITER=,\r\nMAPQUOTE=\"\r\n";
+    int column = 1;
+    int piece = 1;
+    for (const std::string& field : fields) {
+      const int width = field == "MeterType" || field == "ReadType" ? 1 : 6;
+      fixed += field + "=" + std::to_string(column) + "," + std::to_string(width) + ",,,0\r\n";
+      delimited += field + "=" + std::to_string(piece++) + ",0,,,0\r\n";
+      column += width;
+    }
+    WriteFile(folder / "Fixed.hcm", fixed);
+    WriteFile(folder / "Delimited.hcm", delimited);
+  }
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static Site site;
+  WriteFile(site.folder / "route.txt", std::string(reinterpret_cast<const char*>(data), size));
+  for (const char* map : {"Fixed", "Delimited"}) {
+    hifx::clsExchange exchange({*site.store, site.shell, site.clock, site.folder, site.folder / "sync"});
+    exchange.RouteSource = (site.folder / "route.txt").string();
+    exchange.RouteDestination = (site.folder / "route.pdb").string();
+    exchange.RouteMap = map;
+    exchange.ConvertRoute();
+  }
+  return 0;
+}
