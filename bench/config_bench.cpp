@@ -15,16 +15,8 @@ namespace {
 
 constexpr int kMessages = 10000;
 
-class QuietShell final : public hifx::IShell {
- public:
-  void WriteLog(std::string_view) override {}
-  void SetProgressButton(int32_t, int32_t) override {}
-  hifx::MsgAnswer MsgBox(std::string_view, std::string_view, hifx::MsgButtons, hifx::MsgIcon) override {
-    return hifx::MsgAnswer::OK;
-  }
-};
 
-QuietShell shell;
+hifx::SilentShell shell;
 const hifx::FixedClock clock{hifx::CivilTime{}};
 
 std::filesystem::path SiteWithMessages() {

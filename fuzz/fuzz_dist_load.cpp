@@ -17,14 +17,6 @@
 
 namespace {
 
-class QuietShell final : public hifx::IShell {
- public:
-  void WriteLog(std::string_view) override {}
-  void SetProgressButton(int32_t, int32_t) override {}
-  hifx::MsgAnswer MsgBox(std::string_view, std::string_view, hifx::MsgButtons, hifx::MsgIcon) override {
-    return hifx::MsgAnswer::OK;
-  }
-};
 
 struct Site {
   std::filesystem::path folder = std::filesystem::temp_directory_path() /
@@ -46,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::ofstream out(site.input, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   }
-  QuietShell shell;
+  hifx::SilentShell shell;
   hifx::clsDist dist(*site.store, shell, site.folder);
   try {
     dist.LoadDist(site.input);

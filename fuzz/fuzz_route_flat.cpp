@@ -15,15 +15,6 @@
 
 namespace {
 
-class QuietShell final : public hifx::IShell {
- public:
-  void WriteLog(std::string_view) override {}
-  void SetProgressButton(int32_t, int32_t) override {}
-  hifx::MsgAnswer MsgBox(std::string_view, std::string_view, hifx::MsgButtons buttons,
-                         hifx::MsgIcon) override {
-    return buttons == hifx::MsgButtons::YesNo ? hifx::MsgAnswer::Yes : hifx::MsgAnswer::OK;
-  }
-};
 
 void WriteFile(const std::filesystem::path& path, const std::string& text) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
@@ -33,7 +24,7 @@ void WriteFile(const std::filesystem::path& path, const std::string& text) {
 struct Site {
   std::filesystem::path folder = std::filesystem::temp_directory_path() /
                                  ("hifx-fuzz-route-" + std::to_string(::getpid()));
-  QuietShell shell;
+  hifx::SilentShell shell;
   hifx::FixedClock clock{hifx::CivilTime{2024, 2, 29, 13, 5, 9}};
   std::unique_ptr<hifx::SqliteRegistryStore> store;
   Site() {
@@ -67,6 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static Site site;
   WriteFile(site.folder / "route.txt", std::string(reinterpret_cast<const char*>(data), size));
   for (const char* map : {"Fixed", "Delimited"}) {
+    std::filesystem::remove(site.folder / "route.pdb");
     hifx::clsExchange exchange({*site.store, site.shell, site.clock, site.folder, site.folder / "sync"});
     exchange.RouteSource = (site.folder / "route.txt").string();
     exchange.RouteDestination = (site.folder / "route.pdb").string();

@@ -131,9 +131,7 @@ void BinaryFile::Close() {
   }
 }
 
-namespace {
-
-void CheckReadable(const std::filesystem::path& path) {
+void CheckReadableFile(const std::filesystem::path& path) {
   std::error_code ec;
   const auto status = std::filesystem::status(path, ec);
   if (ec || !std::filesystem::exists(status)) {
@@ -144,10 +142,8 @@ void CheckReadable(const std::filesystem::path& path) {
   }
 }
 
-}  // namespace
-
 std::string ReadFileHead(const std::filesystem::path& path, size_t count) {
-  CheckReadable(path);
+  CheckReadableFile(path);
   std::ifstream in(path, std::ios::binary);
   if (!in) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
   std::string head(count, '\0');
@@ -157,14 +153,8 @@ std::string ReadFileHead(const std::filesystem::path& path, size_t count) {
 }
 
 std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize) {
+  CheckReadableFile(path);
   std::error_code ec;
-  const auto status = std::filesystem::status(path, ec);
-  if (ec || !std::filesystem::exists(status)) {
-    throw Failure(fail::kFileNotFound, "File not found: " + path.string());
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
-  }
   std::ifstream in(path, std::ios::binary);
   if (!in) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
   std::string data;

@@ -50,6 +50,10 @@ class BinaryFile {
   uint64_t mappedSize_ = 0;
 };
 
+// Raises failure 53 for a missing file and 75 for one that is not a plain
+// file.
+void CheckReadableFile(const std::filesystem::path& path);
+
 // The first bytes of a file, up to count; fewer when the file is shorter.
 // Raises as ReadWholeFile does.
 std::string ReadFileHead(const std::filesystem::path& path, size_t count);

@@ -2,19 +2,14 @@
 
 #include <cstring>
 
+#include "base/BinaryFile.h"
 #include "base/Failure.h"
 
 namespace hifx {
 
 LineReader::LineReader(const std::filesystem::path& path) {
+  CheckReadableFile(path);
   std::error_code ec;
-  const auto status = std::filesystem::status(path, ec);
-  if (ec || !std::filesystem::exists(status)) {
-    throw Failure(fail::kFileNotFound, "File not found: " + path.string());
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
-  }
   size_ = std::filesystem::file_size(path, ec);
   in_.open(path, std::ios::binary);
   if (!in_) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());

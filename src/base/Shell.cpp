@@ -2,6 +2,17 @@
 
 namespace hifx {
 
+MsgAnswer DefaultAnswer(MsgButtons buttons) {
+  switch (buttons) {
+    case MsgButtons::OK: return MsgAnswer::OK;
+    case MsgButtons::OKCancel: return MsgAnswer::Cancel;
+    case MsgButtons::YesNo:
+    case MsgButtons::YesNoCancel: return MsgAnswer::No;
+    case MsgButtons::AbortRetryIgnore: return MsgAnswer::Abort;
+  }
+  return MsgAnswer::OK;
+}
+
 std::string_view ButtonsName(MsgButtons buttons) {
   switch (buttons) {
     case MsgButtons::OK: return "OK";

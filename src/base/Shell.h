@@ -64,6 +64,26 @@ class IShell {
   }
 };
 
+// The answer a question gets when nobody can answer it: No for yes/no
+// questions, Cancel where that is offered, Abort for Abort-Retry-Ignore.
+MsgAnswer DefaultAnswer(MsgButtons buttons);
+
+// A shell that says nothing and answers every question with its default,
+// counting the message boxes it was shown.
+class SilentShell final : public IShell {
+ public:
+  void WriteLog(std::string_view) override {}
+  void SetProgressButton(int32_t, int32_t) override {}
+  MsgAnswer MsgBox(std::string_view, std::string_view, MsgButtons buttons, MsgIcon) override {
+    ++messages_;
+    return DefaultAnswer(buttons);
+  }
+  int MessageCount() const { return messages_; }
+
+ private:
+  int messages_ = 0;
+};
+
 std::string_view ButtonsName(MsgButtons buttons);
 std::string_view AnswerName(MsgAnswer answer);
 

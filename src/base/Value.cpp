@@ -75,4 +75,10 @@ std::string Value::ToText() const {
   return {};
 }
 
+std::string TextOf(const Value& value) {
+  if (value.IsText()) return value.Text();
+  if (value.IsEmpty() || value.IsNull()) return {};
+  return value.ToText();
+}
+
 }  // namespace hifx

@@ -58,4 +58,8 @@ class Value {
   std::variant<std::monostate, NullTag, int16_t, int32_t, float, double, DateTag, std::string> data_;
 };
 
+// The value as a text: a text as it is, empty and null as "", anything else
+// in its text form.
+std::string TextOf(const Value& value);
+
 }  // namespace hifx

@@ -7,22 +7,6 @@
 
 namespace hifx {
 
-MsgAnswer DefaultAnswer(MsgButtons buttons) {
-  switch (buttons) {
-    case MsgButtons::OK: return MsgAnswer::OK;
-    case MsgButtons::OKCancel: return MsgAnswer::Cancel;
-    case MsgButtons::YesNo:
-    case MsgButtons::YesNoCancel: return MsgAnswer::No;
-    case MsgButtons::AbortRetryIgnore: return MsgAnswer::Abort;
-  }
-  return MsgAnswer::OK;
-}
-
-MsgAnswer SilentShell::MsgBox(std::string_view, std::string_view, MsgButtons buttons, MsgIcon) {
-  ++messages_;
-  return DefaultAnswer(buttons);
-}
-
 CliShell::CliShell(std::optional<bool> presetAnswer, bool interactive, bool progressOnTerminal,
                    std::vector<std::string> sets)
     : presetAnswer_(presetAnswer),

@@ -45,21 +45,4 @@ class CliShell final : public IShell {
   std::vector<std::string> sets_;
 };
 
-// A shell that says nothing and answers every question with its default,
-// counting the message boxes it was shown.
-class SilentShell final : public IShell {
- public:
-  void WriteLog(std::string_view) override {}
-  void SetProgressButton(int32_t, int32_t) override {}
-  MsgAnswer MsgBox(std::string_view, std::string_view, MsgButtons, MsgIcon) override;
-  int MessageCount() const { return messages_; }
-
- private:
-  int messages_ = 0;
-};
-
-// The answer a question gets when nobody can answer it: No for yes/no
-// questions, Cancel where that is offered, Abort for Abort-Retry-Ignore.
-MsgAnswer DefaultAnswer(MsgButtons buttons);
-
 }  // namespace hifx

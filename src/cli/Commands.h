@@ -9,6 +9,7 @@
 
 #include "base/Clock.h"
 #include "cli/CliShell.h"
+#include "exchange/clsExchange.h"
 
 namespace hifx::cli {
 
@@ -34,6 +35,12 @@ using Args = std::vector<std::string>;
 
 // Writes "hifx: PROBLEM" and the usage to standard error; returns 2.
 int Usage(const std::string& problem);
+
+// The site's settings store; nullptr, said on standard error, when it can't
+// be opened.
+std::unique_ptr<IRegistryStore> OpenStore(Context& context);
+// What a clsExchange of this run works with.
+ExchangeEnvironment Environment(Context& context, IRegistryStore& store);
 
 int RunDump(Context& context, const Args& args);
 int RunView(Context& context, const Args& args);

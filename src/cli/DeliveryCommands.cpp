@@ -54,15 +54,10 @@ int RunInstall(Context& context, const Args& args) {
     return kExitUsage;
   }
 
-  std::unique_ptr<IRegistryStore> store;
-  try {
-    store = OpenSiteRegistry(context.SiteFolder());
-  } catch (const Failure& failure) {
-    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
-    return kExitUsage;
-  }
+  const std::unique_ptr<IRegistryStore> store = OpenStore(context);
+  if (!store) return kExitUsage;
   const std::filesystem::path syncRoot = context.SyncRoot();
-  clsExchange exchange({*store, context.shell, context.clock, context.SiteFolder(), syncRoot});
+  clsExchange exchange(Environment(context, *store));
   // The unit is the one named, or asked for; the file given is never deleted.
   exchange.AutoInstallUnit = unit.value_or("");
   exchange.AutoInstallPrompt = false;

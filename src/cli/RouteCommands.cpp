@@ -48,14 +48,9 @@ int RunConversion(Context& context, const Args& args, const char* usage,
   Overrides overrides;
   std::string problem;
   if (!ParseOverrides(args, overrides, problem)) return Usage(problem + "\n" + usage);
-  std::unique_ptr<IRegistryStore> store;
-  try {
-    store = OpenSiteRegistry(context.SiteFolder());
-  } catch (const Failure& failure) {
-    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
-    return kExitUsage;
-  }
-  clsExchange exchange({*store, context.shell, context.clock, context.SiteFolder(), context.SyncRoot()});
+  const std::unique_ptr<IRegistryStore> store = OpenStore(context);
+  if (!store) return kExitUsage;
+  clsExchange exchange(Environment(context, *store));
   exchange.LoadSettings();
   apply(exchange, overrides);
   return convert(exchange) ? kExitOk : kExitNotComplete;

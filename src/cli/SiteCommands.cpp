@@ -21,19 +21,10 @@ void PrintLine(const std::string& line) {
   std::fputc('\n', stdout);
 }
 
-ExchangeEnvironment Environment(Context& context, IRegistryStore& store) {
-  return {store, context.shell, context.clock, context.SiteFolder(), context.SyncRoot()};
-}
-
 // Runs body with the site's registry store, or says why it can't be opened.
 int WithStore(Context& context, const std::function<int(IRegistryStore&)>& body) {
-  std::unique_ptr<IRegistryStore> store;
-  try {
-    store = OpenSiteRegistry(context.SiteFolder());
-  } catch (const Failure& failure) {
-    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
-    return kExitUsage;
-  }
+  std::unique_ptr<IRegistryStore> store = OpenStore(context);
+  if (!store) return kExitUsage;
   try {
     return body(*store);
   } catch (const Failure& failure) {
@@ -127,6 +118,19 @@ bool Assign(clsExchange& exchange, const Setting& s, const std::string& value) {
 }
 
 }  // namespace
+
+std::unique_ptr<IRegistryStore> OpenStore(Context& context) {
+  try {
+    return OpenSiteRegistry(context.SiteFolder());
+  } catch (const Failure& failure) {
+    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
+    return nullptr;
+  }
+}
+
+ExchangeEnvironment Environment(Context& context, IRegistryStore& store) {
+  return {store, context.shell, context.clock, context.SiteFolder(), context.SyncRoot()};
+}
 
 int RunSettings(Context& context, const Args& args) {
   const std::string verb = args.empty() ? "show" : args[0];

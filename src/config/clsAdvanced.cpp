@@ -53,10 +53,6 @@ std::string Trim(std::string_view s) {
   return std::string(s);
 }
 
-std::string TextOf(const Value& v) {
-  if (v.IsText()) return v.Text();
-  return v.IsEmpty() || v.IsNull() ? std::string() : v.ToText();
-}
 
 }  // namespace
 

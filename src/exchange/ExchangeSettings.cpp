@@ -20,7 +20,6 @@ int16_t DecodeInteger(const Value& v) {
   }
 }
 
-std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); }
 
 }  // namespace
 

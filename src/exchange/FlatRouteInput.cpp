@@ -39,7 +39,6 @@ std::vector<std::string> Split(const std::string& text, const std::string& delim
   }
 }
 
-std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); }
 
 }  // namespace
 

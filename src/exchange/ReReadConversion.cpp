@@ -9,12 +9,6 @@
 #include "hif/FileVersion.h"
 
 namespace hifx {
-namespace {
-
-std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); }
-
-}  // namespace
-
 void clsExchange::WriteReReadMeter(const KeyedCollection<Value>& values) {
   static constexpr const char* kCopied[] = {
       "Sequence",       "MeterTagNbr",     "MeterType",       "Digits",          "Decimals",

@@ -5,12 +5,6 @@
 #include "exchange/clsExchange.h"
 
 namespace hifx {
-namespace {
-
-std::string TextOf(const Value& v) { return v.IsText() ? v.Text() : v.ToText(); }
-
-}  // namespace
-
 void clsExchange::Report(const std::string& message, int16_t& result) {
   // Fifty messages are shown; the fifty-first fault ends the conversion.
   if (MessageCount < 50) {
