@@ -31,6 +31,14 @@ class KeyedCollection {
 
   bool Contains(std::string_view key) const { return Find(key) != kNone; }
 
+  // Replaces the value of a present key, keeping its place; failure 5 for an
+  // absent one.
+  void Set(std::string_view key, T value) {
+    const size_t at = Find(key);
+    if (at == kNone) throw Failure(fail::kInvalidCall);
+    items_[at].second = std::move(value);
+  }
+
   const T& Item(std::string_view key) const {
     const size_t at = Find(key);
     if (at == kNone) throw Failure(fail::kInvalidCall);

@@ -52,6 +52,7 @@ int RunDist(Context& context, const Args& args);
 int RunRegistry(Context& context, const Args& args);
 int RunRoute(Context& context, const Args& args);
 int RunReRead(Context& context, const Args& args);
+int RunReading(Context& context, const Args& args);
 int RunUsers(Context& context, const Args& args);
 int RunInstall(Context& context, const Args& args);
 

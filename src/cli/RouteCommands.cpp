@@ -82,4 +82,56 @@ int RunReRead(Context& context, const Args& args) {
       [](clsExchange& e) { return e.ConvertReRead(); });
 }
 
+int RunReading(Context& context, const Args& args) {
+  static const char* kUsage =
+      "reading [--source F] [--dest F] [--map NAME] [--orphans F] [--orphan-map NAME] "
+      "[--orphan-replace | --orphan-append] [--reread F] [--no-orphans] [--no-reread]";
+  // The run's options; nothing is saved.
+  std::vector<std::function<void(clsExchange&)>> apply;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    auto value = [&](std::string& out) {
+      if (i + 1 >= args.size()) return false;
+      out = args[++i];
+      return true;
+    };
+    std::string v;
+    if (a == "--source" && value(v)) {
+      apply.push_back([v](clsExchange& e) { e.ReadingSource = v; });
+    } else if (a == "--dest" && value(v)) {
+      apply.push_back([v](clsExchange& e) { e.ReadingDestination = v; });
+    } else if (a == "--map" && value(v)) {
+      apply.push_back([v](clsExchange& e) { e.ReadingMap = v; });
+    } else if (a == "--orphans" && value(v)) {
+      apply.push_back([v](clsExchange& e) {
+        e.OrphanDestination = v;
+        e.OrphanConvert = -1;
+      });
+    } else if (a == "--orphan-map" && value(v)) {
+      apply.push_back([v](clsExchange& e) { e.OrphanMap = v; });
+    } else if (a == "--orphan-replace") {
+      apply.push_back([](clsExchange& e) { e.OrphanReplace = -1; });
+    } else if (a == "--orphan-append") {
+      apply.push_back([](clsExchange& e) { e.OrphanReplace = 0; });
+    } else if (a == "--reread" && value(v)) {
+      apply.push_back([v](clsExchange& e) {
+        e.ReReadDestination = v;
+        e.AutoReRead = true;
+      });
+    } else if (a == "--no-orphans") {
+      apply.push_back([](clsExchange& e) { e.OrphanConvert = 0; });
+    } else if (a == "--no-reread") {
+      apply.push_back([](clsExchange& e) { e.AutoReRead = false; });
+    } else {
+      return Usage(std::string(kUsage));
+    }
+  }
+  const std::unique_ptr<IRegistryStore> store = OpenStore(context);
+  if (!store) return kExitUsage;
+  clsExchange exchange(Environment(context, *store));
+  exchange.LoadSettings();
+  for (const auto& change : apply) change(exchange);
+  return exchange.ConvertReading() ? kExitOk : kExitNotComplete;
+}
+
 }  // namespace hifx::cli

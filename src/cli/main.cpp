@@ -27,7 +27,11 @@ constexpr const char* kUsage =
     "  dist load FILE | dist write FILE          distribution files\n"
     "  registry dump             the settings tree as a distribution file carries it\n"
     "  users                     the handheld users of the desktop sync folders\n"
-    "  install FILE [--unit NAME]  queue FILE for a handheld unit's next sync\n";
+    "  install FILE [--unit NAME]  queue FILE for a handheld unit's next sync\n"
+    "  route [--source F] [--dest F] [--map NAME] [--format PDB|PRC|VFS]   route conversion\n"
+    "  reread [--source F] [--dest F] [--map NAME] [--format PDB|PRC|VFS]  re-read conversion\n"
+    "  reading [--source F] [--dest F] [--map NAME] [--orphans F] [--orphan-map NAME]\n"
+    "          [--orphan-replace | --orphan-append] [--reread F] [--no-orphans] [--no-reread]\n";
 
 std::filesystem::path DefaultSite() {
   if (const char* site = std::getenv("HIFX_SITE"); site != nullptr && *site != '\0') return site;
@@ -52,6 +56,7 @@ const std::map<std::string, Command>& Commands() {
       {"registry", RunRegistry},
       {"route", RunRoute},
       {"reread", RunReRead},
+      {"reading", RunReading},
       {"users", RunUsers},
       {"install", RunInstall},
   };

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -93,6 +94,28 @@ class clsExchange {
   void WriteChangeoutRecords();
   void WriteAlertRecord();
 
+  // ---- Reading conversion
+
+  // Makes the billing file of a reading HIF, then the orphan file and the
+  // re-read file as configured; true on success.
+  bool ConvertReading();
+  bool ConvertReadingFlat(int16_t version);
+  bool ConvertOrphanFlat(int16_t version);
+  // The exceptions of the open reading HIF as a new route HIF; count gives
+  // the meters written.
+  void BuildReReadFile(clsHIF& source, const std::string& destination, int32_t& count);
+  std::string AssembleFixed(const KeyedCollection<Value>& values);
+  std::string AssembleDelimited(const KeyedCollection<Value>& values);
+  static std::string FormatDate(const std::string& value, int32_t code);
+  static std::string FormatTime(const std::string& value, int32_t code);
+  static std::vector<std::string> ExtractUser(const std::string& text);
+
+  // Working state of a reading conversion.
+  std::unique_ptr<clsHIF> ReadingHIF;  // left open for the re-read step
+  std::unique_ptr<std::ofstream> OutputFile;
+  std::vector<std::string> RouteInitials{std::string()};  // from 1
+  bool FirstRecord = true;
+
   // Working state of a route conversion.
   bool CreateIndexes = true;
   int16_t MeterRecordNumber = 0;
@@ -155,6 +178,13 @@ class clsExchange {
   // Asks before an existing destination is overwritten; false (logged) when
   // the answer is not Yes. remove deletes the old file on Yes.
   bool DestinationFree(const std::string& destination, std::string_view what, bool remove);
+  // The value of a field for an output line, with the default and its
+  // warning for a field the file's version doesn't have.
+  std::string OutputValue(const KeyedCollection<Value>& values, const MapField& field);
+  void WriteOutputLine(std::string line);
+  void KeepRouteRecord(clsHIF& hif, int32_t recType);
+  bool OrphanStep(int16_t version);
+  void ReReadStep(bool& result);
   void Log(const std::string& line);
   // Logs the line and gives false.
   bool Fail(const std::string& line);

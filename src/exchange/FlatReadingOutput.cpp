@@ -1,0 +1,382 @@
+// Billing and orphan files of fixed columns or delimited fields, written from
+// the records of a reading HIF through an output map.
+#include <cmath>
+
+#include "base/Failure.h"
+#include "base/Numbers.h"
+#include "exchange/ExchangeText.h"
+#include "exchange/clsExchange.h"
+
+namespace hifx {
+namespace {
+
+// Route lists hold at most as many routes as a file holds records.
+constexpr int32_t kMostRoutes = 32767;
+
+int32_t NumberOf(const Value& v) {
+  if (v.IsEmpty() || v.IsNull()) return 0;
+  return v.IsText() ? ToInt32(NumericPrefix(v.Text())) : v.ToInt32();
+}
+
+bool IsValidDate(int year, int month, int day) {
+  static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (year < 100 || year > 9999 || month < 1 || month > 12 || day < 1) return false;
+  const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  return day <= kDays[month - 1] + (month == 2 && leap ? 1 : 0);
+}
+
+int DigitsAt(const std::string& text, size_t at, size_t count) {
+  int n = 0;
+  for (size_t i = at; i < at + count; ++i) {
+    if (i >= text.size() || text[i] < '0' || text[i] > '9') return -1;
+    n = n * 10 + (text[i] - '0');
+  }
+  return n;
+}
+
+std::string TwoDigits(int n) {
+  const char digits[3] = {static_cast<char>('0' + n / 10 % 10), static_cast<char>('0' + n % 10), '\0'};
+  return digits;
+}
+
+// Puts the separators after the first and second pairs of a six-letter mask.
+std::string Separate(const std::string& mask, const std::string& separator, int pairs) {
+  std::string out;
+  for (size_t i = 0; i < mask.size(); i += 2) {
+    out += mask.substr(i, 2);
+    if (static_cast<int>(i / 2) < pairs && i + 2 < mask.size()) out += separator;
+  }
+  return out;
+}
+
+std::string BlankForm(std::string mask) {
+  for (char& c : mask) {
+    if (c == 'M' || c == 'D' || c == 'Y' || c == 'H' || c == 'N' || c == 'S') c = '0';
+  }
+  return mask;
+}
+
+std::string ReadTypeLetter(const Value& v) {
+  if (v.IsText() || v.IsEmpty() || v.IsNull()) return TextOf(v);
+  switch (v.ToInt32()) {
+    case 1: return "R";
+    case 2: return "M";
+    case 3: return "P";
+    default: return TextOf(v);
+  }
+}
+
+}  // namespace
+
+std::string clsExchange::FormatDate(const std::string& value, int32_t code) {
+  const int32_t units = code % 10;
+  std::string mask;
+  switch (code - units) {
+    case 10: mask = "YYMMDD"; break;
+    case 20: mask = "MMDDYY"; break;
+    case 30: mask = "DDMMYY"; break;
+    default: break;
+  }
+  std::string separator;
+  if (units & 1) separator += "-";
+  if (units & 2) separator += "/";
+  if (!separator.empty()) mask = Separate(mask, separator, 2);
+  if (units & 4) {
+    const size_t yy = mask.find("YY");
+    if (yy != std::string::npos) mask.replace(yy, 2, "YYYY");
+  }
+  const std::string blank = BlankForm(mask);
+  if (NumericPrefix(value) == 0) return blank;
+  // The stored form is yyyymmdd.
+  const int year = DigitsAt(value, 0, 4);
+  const int month = DigitsAt(value, 4, 2);
+  const int day = DigitsAt(value, 6, 2);
+  if (!IsValidDate(year, month, day)) return blank;
+  std::string out;
+  for (size_t i = 0; i < mask.size();) {
+    if (mask.compare(i, 4, "YYYY") == 0) {
+      out += std::to_string(year);
+      i += 4;
+    } else if (mask.compare(i, 2, "YY") == 0) {
+      out += TwoDigits(year % 100);
+      i += 2;
+    } else if (mask.compare(i, 2, "MM") == 0) {
+      out += TwoDigits(month);
+      i += 2;
+    } else if (mask.compare(i, 2, "DD") == 0) {
+      out += TwoDigits(day);
+      i += 2;
+    } else {
+      out += mask[i++];
+    }
+  }
+  return out;
+}
+
+std::string clsExchange::FormatTime(const std::string& value, int32_t code) {
+  const int32_t units = code % 10;
+  // Only the tens of 40 have a mask: the six-digit form would need tens of
+  // 41, which no code has, so seconds are never written.
+  std::string mask = code - units == 40 ? "HHNN" : "";
+  if ((units & 2) && mask.size() >= 4) mask.insert(2, ":");
+  const std::string blank = BlankForm(mask);
+  if (NumericPrefix(value) == 0) return blank;
+  std::string digits = "000000" + Trim(value);
+  digits = digits.substr(digits.size() - 6);
+  const int hours = DigitsAt(digits, 0, 2);
+  const int minutes = DigitsAt(digits, 2, 2);
+  const int seconds = DigitsAt(digits, 4, 2);
+  if (hours < 0 || hours > 23 || minutes < 0 || minutes > 59 || seconds < 0 || seconds > 59) {
+    throw Failure(fail::kTypeMismatch);
+  }
+  std::string out;
+  for (size_t i = 0; i < mask.size();) {
+    if (mask.compare(i, 2, "HH") == 0) {
+      out += TwoDigits(hours);
+      i += 2;
+    } else if (mask.compare(i, 2, "NN") == 0) {
+      out += TwoDigits(minutes);
+      i += 2;
+    } else {
+      out += mask[i++];
+    }
+  }
+  return out;
+}
+
+std::vector<std::string> clsExchange::ExtractUser(const std::string& text) {
+  std::string work = text;
+  for (char& c : work) {
+    if (c == '\x01') c = '\0';
+  }
+  std::vector<std::string> parts;
+  size_t start = 0;
+  for (;;) {
+    const size_t tilde = work.find('~', start);
+    parts.push_back(work.substr(start, tilde == std::string::npos ? std::string::npos : tilde - start));
+    if (tilde == std::string::npos) return parts;
+    start = tilde + 1;
+  }
+}
+
+std::string clsExchange::OutputValue(const KeyedCollection<Value>& values, const MapField& field) {
+  std::string value;
+  if (values.Contains(field.FieldName)) {
+    value = TextOf(values.Item(field.FieldName));
+  } else {
+    // A field the file's version doesn't have.
+    value = field.DataType == kTypeText ? "" : "0";
+    if (FirstRecord) Log("Warning: Defaulted " + field.FieldName + " to " + value);
+  }
+  if (field.DataType == kTypeDate) value = FormatDate(value, field.MapFormat);
+  if (field.DataType == kTypeTime) value = FormatTime(value, field.MapFormat);
+  return value;
+}
+
+std::string clsExchange::AssembleFixed(const KeyedCollection<Value>& values) {
+  const clsExchMap& map = *ActiveMap;
+  std::string line;
+  try {
+    for (int32_t i = 1; i <= map.FieldCount(); ++i) {
+      const MapField& field = map.Field(i);
+      if (field.MapOption != kOptionDestination) continue;
+      const auto position = static_cast<size_t>(std::max<int32_t>(field.DataPosition, 1));
+      const auto width = static_cast<size_t>(std::max<int32_t>(field.DataWidth, 0));
+      if (line.size() < position - 1) line.resize(position - 1, ' ');
+      std::string value = OutputValue(values, field);
+      if (field.MapAlign == 1) value = Trim(value);
+      if (value.size() > width) {
+        // Texts, dates and times keep their left end, numbers their right.
+        const bool text = field.DataType == kTypeText || field.DataType == kTypeDate || field.DataType == kTypeTime;
+        value = text ? value.substr(0, width) : value.substr(value.size() - width);
+      } else if (value.size() < width) {
+        const char pad = field.MapPad == 2 ? ' ' : '0';
+        const std::string padding(width - value.size(), pad);
+        value = field.MapAlign == 2 ? padding + value : value + padding;
+      }
+      // A line exactly DataPosition long is appended to, so the field lands
+      // one column late; that is how the files have always come out.
+      if (line.size() <= position) {
+        line += value;
+      } else {
+        const size_t after = position - 1 + width;
+        line = line.substr(0, position - 1) + value + (after < line.size() ? line.substr(after) : "");
+      }
+    }
+  } catch (const Failure& failure) {
+    Log("Error: " + failure.Description());
+    return {};
+  }
+  return line;
+}
+
+std::string clsExchange::AssembleDelimited(const KeyedCollection<Value>& values) {
+  const clsExchMap& map = *ActiveMap;
+  const std::string& quote = map.MapQuote();
+  std::vector<std::string> slots;
+  try {
+    for (int32_t i = 1; i <= map.FieldCount(); ++i) {
+      const MapField& field = map.Field(i);
+      if (field.MapOption != kOptionDestination) continue;
+      std::string value = OutputValue(values, field);
+      const auto enclose = [&](std::string& v) {
+        std::string doubled;
+        for (size_t at = 0; at < v.size();) {
+          if (v.compare(at, quote.size(), quote) == 0) {
+            doubled += quote + quote;
+            at += quote.size();
+          } else {
+            doubled += v[at++];
+          }
+        }
+        v = quote + doubled + quote;
+      };
+      if (field.DataType == kTypeText && !quote.empty()) {
+        enclose(value);
+        std::erase_if(value, [](char c) { return c == '\r' || c == '\n'; });
+        // Quoted twice on purpose: the files have always carried it so.
+        if (quote != "<none>") enclose(value);
+      } else if ((field.DataType == kTypeDate || field.DataType == kTypeTime) && !quote.empty() &&
+                 field.MapFormat == 0) {
+        value = quote + value + quote;
+      }
+      if (field.DataPosition < 1) throw Failure(fail::kSubscript);
+      const auto slot = static_cast<size_t>(field.DataPosition - 1);
+      if (slot >= slots.size()) slots.resize(slot + 1);
+      slots[slot] = std::move(value);
+    }
+  } catch (const Failure& failure) {
+    Log("Error: " + failure.Description());
+    return {};
+  }
+  std::string line;
+  const std::string delimiter = map.MapDelimiterChar();
+  for (size_t i = 0; i < slots.size(); ++i) {
+    if (i > 0) line += delimiter;
+    line += slots[i];
+  }
+  return line;
+}
+
+void clsExchange::WriteOutputLine(std::string line) {
+  const clsExchMap& map = *ActiveMap;
+  if (map.MapLength() > 0 && line.size() < static_cast<size_t>(map.MapLength())) {
+    line.resize(static_cast<size_t>(map.MapLength()), ' ');
+  }
+  switch (map.MapTerminator()) {
+    case 1: line += '\r'; break;
+    case 2: line += '\n'; break;
+    case 3: line += "\r\n"; break;
+    case 4: line += '\0'; break;
+    default: break;
+  }
+  OutputFile->write(line.data(), static_cast<std::streamsize>(line.size()));
+  if (!*OutputFile) throw Failure(fail::kDiskFull, "Could not write the output file");
+}
+
+void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
+  const int32_t route = NumberOf(hif.Item("RouteNbr"));
+  if (recType == kRecFileHeader) {
+    if (route < 0 || route > kMostRoutes) throw Failure(fail::kOutOfMemory);
+    RouteInitials.assign(static_cast<size_t>(route) + 1, std::string());
+    return;
+  }
+  if (route < 1 || static_cast<size_t>(route) >= RouteInitials.size()) throw Failure(fail::kSubscript);
+  RouteInitials[static_cast<size_t>(route)] = TextOf(hif.Item("Initials"));
+}
+
+namespace {
+
+std::unique_ptr<std::ofstream> OpenOutput(const std::string& path, bool append) {
+  auto out = std::make_unique<std::ofstream>(
+      path, std::ios::binary | (append ? std::ios::app : std::ios::trunc));
+  if (!*out) throw Failure(fail::kPathAccess, "Path/File access error: " + path);
+  return out;
+}
+
+}  // namespace
+
+bool clsExchange::ConvertReadingFlat(int16_t version) {
+  ClearRoute();
+  RouteInitials.assign(1, std::string());
+  OutputFile = OpenOutput(Trim(ReadingDestination), false);
+  ReadingHIF = std::make_unique<clsHIF>(env_.shell);
+  ReadingHIF->SetVersion(version);
+  if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
+  FirstRecord = true;
+  clsHIF& hif = *ReadingHIF;
+  const int32_t mapType = ActiveMap->MapType();
+  const int32_t filter = ActiveMap->MapFilter();
+  while (hif.ReadData()) {
+    env_.shell.SetProgressButton(255, hif.Position255());
+    const int32_t recType = NumberOf(hif.Item("RecType"));
+    if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
+      KeepRouteRecord(hif, recType);
+      continue;
+    }
+    if (recType != kRecMeter) continue;
+    KeyedCollection<Value> values = hif.GetValues();
+    const int32_t route = NumberOf(values.Item("RouteNbr"));
+    // A meter whose route has no header is a failure of the run.
+    if (route < 1 || static_cast<size_t>(route) >= RouteInitials.size()) throw Failure(fail::kSubscript);
+    values.Set("RouteNbr", Value(RouteInitials[static_cast<size_t>(route)]));
+    const int32_t decimals = NumberOf(values.Item("Decimals"));
+    const int32_t digits = NumberOf(values.Item("Digits"));
+    if (decimals > 0) {
+      // Stored readings carry their decimals; the billing file doesn't.
+      const double scale = std::pow(10.0, decimals);
+      hif.SetItem("CurReading", Value::Double(std::trunc(NumberOf(hif.Item("CurReading")) / scale)));
+    }
+    if (digits > 0) {
+      // Cut to the dial's width, from the eight-digit form.
+      std::string eight = std::to_string(NumberOf(hif.Item("CurReading")));
+      if (eight.size() < 8) eight.insert(0, 8 - eight.size(), '0');
+      if (static_cast<size_t>(digits) < eight.size()) eight = eight.substr(eight.size() - static_cast<size_t>(digits));
+      hif.SetItem("CurReading", Value::Double(NumericPrefix(eight)));
+    }
+    if (decimals > 0 || digits > 0) values.Set("CurReading", hif.Item("CurReading"));
+    values.Set("ReadType", Value(ReadTypeLetter(values.Item("ReadType"))));
+    std::string line;
+    if (mapType == kMapFixed) line = AssembleFixed(values);
+    if (mapType == kMapDelimited) line = AssembleDelimited(values);
+    const int32_t status = NumberOf(values.Item("Status"));
+    const int32_t response = values.Contains("ResponseCode") ? NumberOf(values.Item("ResponseCode")) : 0;
+    const bool passes = filter == 1   ? status > 0
+                        : filter == 2 ? status > 0 || response > 0
+                        : filter == 3 ? status == 0
+                                      : true;
+    if (passes) WriteOutputLine(std::move(line));
+    FirstRecord = false;
+  }
+  OutputFile.reset();
+  return true;
+}
+
+bool clsExchange::ConvertOrphanFlat(int16_t version) {
+  ClearRoute();
+  RouteInitials.assign(1, std::string());
+  OutputFile = OpenOutput(Trim(OrphanDestination), OrphanReplace == 0);
+  ReadingHIF = std::make_unique<clsHIF>(env_.shell);
+  ReadingHIF->SetVersion(version);
+  if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
+  clsHIF& hif = *ReadingHIF;
+  const int32_t mapType = ActiveMap->MapType();
+  while (hif.ReadData()) {
+    env_.shell.SetProgressButton(255, hif.Position255());
+    const int32_t recType = NumberOf(hif.Item("RecType"));
+    if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
+      KeepRouteRecord(hif, recType);
+      continue;
+    }
+    if (recType != kRecOrphan) continue;
+    const KeyedCollection<Value> values = hif.GetValues();
+    std::string line;
+    if (mapType == kMapFixed) line = AssembleFixed(values);
+    if (mapType == kMapDelimited) line = AssembleDelimited(values);
+    WriteOutputLine(std::move(line));
+  }
+  OutputFile.reset();
+  return true;
+}
+
+}  // namespace hifx

@@ -1,0 +1,237 @@
+// The reading conversion driver: from a reading HIF to the billing file, the
+// orphan file and the re-read file of the exceptions.
+#include <filesystem>
+
+#include "base/Failure.h"
+#include "base/Numbers.h"
+#include "exchange/ExchangeText.h"
+#include "exchange/clsExchange.h"
+#include "hif/FileVersion.h"
+
+namespace hifx {
+namespace {
+
+int32_t NumberOf(const Value& v) {
+  if (v.IsEmpty() || v.IsNull()) return 0;
+  return v.IsText() ? ToInt32(NumericPrefix(v.Text())) : v.ToInt32();
+}
+
+uint64_t LengthOf(const std::string& path) {
+  std::error_code ec;
+  const auto size = std::filesystem::file_size(path, ec);
+  return ec ? 0 : size;
+}
+
+// A meter to visit again: unread, or read outside its window.
+bool IsException(clsHIF& hif) {
+  const int32_t status = NumberOf(hif.Item("Status"));
+  const int32_t low = NumberOf(hif.Item("MinReading"));
+  const int32_t high = NumberOf(hif.Item("MaxReading"));
+  const int32_t reading = NumberOf(hif.Item("CurReading"));
+  return status == 0 || (low < high && (reading < low || reading > high)) ||
+         (low > high && reading < low && reading > high);
+}
+
+}  // namespace
+
+bool clsExchange::ConvertReading() {
+  const std::string source = Trim(ReadingSource);
+  if (source.empty()) return Fail("Error: Reading Source not specified");
+  Log("Reading from " + ReadingSource);
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(source, ec)) return Fail("Error: Reading Source does not exist");
+  const std::string destination = Trim(ReadingDestination);
+  if (destination.empty()) return Fail("Error: Reading Destination not specified");
+  if (ReadingMap.empty()) return Fail("Error: Reading Conversion Map not specified");
+  if (OrphanConvert != 0 && Trim(OrphanDestination).empty()) return Fail("Error: Orphan Destination not specified");
+  if (OrphanConvert != 0 && OrphanMap.empty()) return Fail("Error: Orphan Conversion Map not specified");
+  if (AutoReRead && Trim(ReReadDestination).empty()) return Fail("Error: Re-Read Destination not specified");
+  Log("Writing to " + ReadingDestination);
+  if (!DestinationFree(destination, "Reading", false)) return false;
+
+  int16_t version = 0;
+  try {
+    clsHIF probe(env_.shell);
+    if (probe.OpenHIF(source)) return Fail("Error: Could not read HIF file");
+    if (probe.ReadData() && NumberOf(probe.Item("RecType")) == kRecFileHeader &&
+        NumberOf(probe.Item("MeterType")) > 0) {
+      version = ToInt16(NumberOf(probe.Item("MeterType")));
+    }
+  } catch (const Failure& failure) {
+    Log(failure.Description());
+  }
+
+  Log("Using map " + ReadingMap);
+  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  if (!ActiveMap->LoadMap(ReadingMap + MapExtension(kUseReading), kUseReading)) {
+    return Fail("Error: Could not load Reading Conversion Map");
+  }
+  std::string messages;
+  if (!ActiveMap->ValidateMap(messages)) return Fail("Error: " + messages);
+  if (!DisplayPrompts(*ActiveMap)) return Fail("Error: Prompted entry of runtime variables cancelled");
+  const CivilTime now = env_.clock.Now();
+  Log("Reading Conversion Starting  " + ShortTime(now) + " " + ShortDate(now));
+
+  // From here a failure is logged by its description and the run goes on.
+  bool result = false;
+  try {
+    const int32_t mapType = ActiveMap->MapType();
+    if (mapType == kMapMVRS || mapType == kMapE5000) {
+      throw Failure(fail::kInvalidCall, std::string(mapType == kMapMVRS ? "MVRS" : "E5000") +
+                                            " reading files can't be written by this build");
+    }
+    ConvertReadingFlat(version);
+    result = true;  // whatever the conversion returned
+  } catch (const Failure& failure) {
+    Log(failure.Description());
+  }
+  OutputFile.reset();
+  if (OrphanConvert != 0 && !OrphanStep(version)) return false;
+  if (AutoReRead) ReReadStep(result);
+  Log("Reading Conversion Finished");
+  Log("");
+  ReadingHIF.reset();
+  OutputFile.reset();
+  return result;
+}
+
+bool clsExchange::OrphanStep(int16_t version) {
+  const std::string destination = Trim(OrphanDestination);
+  Log("Writing orphans to " + OrphanDestination);
+  const uint64_t before = LengthOf(destination);
+  if (before >= 1 && OrphanReplace != 0) {
+    Log("Notice: File " + OrphanDestination + " overwritten per configuration.  " + std::to_string(before) +
+        " bytes lost.");
+  }
+  Log("Using map " + OrphanMap);
+  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  if (!ActiveMap->LoadMap(OrphanMap + MapExtension(kUseOrphan), kUseOrphan)) {
+    return Fail("Error: Could not load Orphan Conversion Map");
+  }
+  std::string messages;
+  if (!ActiveMap->ValidateMap(messages)) return Fail("Error: " + messages);
+  const CivilTime now = env_.clock.Now();
+  Log("Orphan Conversion Starting  " + ShortTime(now) + " " + ShortDate(now));
+  try {
+    ConvertOrphanFlat(version);
+  } catch (const Failure& failure) {
+    Log(failure.Description());
+  }
+  OutputFile.reset();
+  std::error_code ec;
+  if (std::filesystem::exists(destination, ec)) {
+    Log("Notice: File " + OrphanDestination + " now contains " + std::to_string(LengthOf(destination)) + " bytes.");
+  }
+  return true;
+}
+
+void clsExchange::ReReadStep(bool& result) {
+  const std::string destination = Trim(ReReadDestination);
+  Log("Writing Exceptions for Re-Read to " + ReReadDestination);
+  // The question is put whether or not the file exists.
+  const MsgAnswer answer = env_.shell.MsgBox(ReReadDestination + " already exists.  Overwrite?",
+                                             "ReRead Destination already exists", MsgButtons::YesNo,
+                                             MsgIcon::Question);
+  if (answer != MsgAnswer::Yes) {
+    Log("Error: ReRead Destination already exists");
+    result = false;
+    return;
+  }
+  Log("Notice: File " + ReReadDestination + " overwritten on request");
+  int32_t count = 0;
+  try {
+    if (!ReadingHIF) throw Failure(fail::kNoObject);
+    BuildReReadFile(*ReadingHIF, destination, count);
+  } catch (const Failure& failure) {
+    Log(failure.Description());
+  }
+  if (count > 0) {
+    Log("Notice: ReRead File prepared with " + std::to_string(count) + " Meters");
+    if ((ReReadHIFType == "PRC" || ReReadHIFType == "PDB") && AutoInstall && !InstallPRC(ReReadDestination)) {
+      Log("Install Cancelled without selecting unit");
+      HadWarnings = true;
+    }
+  } else {
+    Log("Notice: No exceptions found in reading.  Not creating re-read file");
+  }
+}
+
+void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination, int32_t& count) {
+  count = 0;
+  int16_t version = 0;
+  std::vector<int32_t> counts{0};  // exceptions of each route, from 1
+  source.Rewind();
+  while (source.ReadData()) {
+    const int32_t recType = NumberOf(source.Item("RecType"));
+    if (recType == kRecFileHeader && NumberOf(source.Item("MeterType")) > 0) {
+      version = ToInt16(NumberOf(source.Item("MeterType")));
+    } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
+      if (counts.size() > 32767) throw Failure(fail::kOverflow);
+      counts.push_back(0);
+    } else if (recType == kRecMeter) {
+      const int32_t route = NumberOf(source.Item("RouteNbr"));
+      if (route < 1 || static_cast<size_t>(route) >= counts.size()) throw Failure(fail::kSubscript);
+      if (IsException(source)) ++counts[static_cast<size_t>(route)];
+    }
+  }
+  // Routes with exceptions are numbered afresh, closing up the gaps.
+  std::vector<int32_t> renumbered(counts.size(), 0);
+  int32_t routes = 0;
+  int32_t meters = 0;
+  for (size_t route = 1; route < counts.size(); ++route) {
+    if (counts[route] > 0) {
+      renumbered[route] = ++routes;
+      meters += counts[route];
+    }
+  }
+  std::error_code ec;
+  std::filesystem::remove(destination, ec);
+  clsHIF target(env_.shell);
+  target.SetVersion(version);
+  if (target.CreateHIF(destination, source.GetType(), routes + meters + 1) != 0) {
+    throw Failure(fail::kPathAccess, "Path/File access error: " + destination);
+  }
+  const CivilTime now = env_.clock.Now();
+  const int16_t fileVersion = LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor);
+  source.Rewind();
+  size_t routeRecord = 0;
+  while (source.ReadData()) {
+    const int32_t recType = NumberOf(source.Item("RecType"));
+    auto copy = [&] {
+      target.AddNew();
+      target.SetRawData(source.RawData());
+    };
+    if (recType == kRecFileHeader) {
+      copy();
+      target.SetItem("RouteNbr", Value::Long(routes));
+      target.SetItem("Sequence", Value::Long(DateNumber(now)));
+      target.SetItem("MeterTagNbr", Value::Long(TimeNumber(now)));
+      target.SetItem("MeterType", Value::Long(fileVersion));
+      target.SetItem("PrvReading", Value::Long(meters));
+      target.SetItem("ReadingDate", Value::Long(DateNumber(now)));
+      target.WriteData();
+    } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
+      ++routeRecord;
+      if (routeRecord < counts.size() && counts[routeRecord] >= 1) {
+        copy();
+        target.SetItem("RouteNbr", Value::Long(renumbered[routeRecord]));
+        target.WriteData();
+      }
+    } else if (recType == kRecMeter) {
+      const auto route = static_cast<size_t>(NumberOf(source.Item("RouteNbr")));
+      if (route < counts.size() && counts[route] >= 1 && IsException(source)) {
+        // Back in the state of a meter not yet read.
+        copy();
+        target.SetItem("RouteNbr", Value::Long(renumbered[route]));
+        target.SetItem("Status", Value::Long(0));
+        target.SetItem("ReadingDate", Value::Long(0));
+        target.SetItem("ReadingTime", Value::Long(0));
+        target.SetItem("CurReading", Value::Long(0));
+        target.WriteData();
+      }
+    }
+  }
+  count = meters;
+}
+
+}  // namespace hifx

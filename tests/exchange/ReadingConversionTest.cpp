@@ -1,0 +1,305 @@
+#include <gtest/gtest.h>
+
+#include "support/RouteSite.h"
+
+namespace hifx {
+namespace {
+
+using test::ReadBytes;
+using test::RouteSite;
+using test::WriteBytes;
+
+struct Meter {
+  int route, sequence, tag;
+  int status, reading, low, high;
+  int digits = 6, decimals = 0, readType = 1, response = 0;
+  int date = 20240305, time = 83015;
+  const char* account = "";
+};
+
+class ReadingSite : public RouteSite {
+ public:
+  ReadingSite() {
+    clsExchange& e = Exchange();
+    e.ReadingSource = (dir / "reading.pdb").string();
+    e.ReadingDestination = (dir / "billing.txt").string();
+    e.ReadingMap = "Bill";
+    e.OrphanDestination = (dir / "orphans.txt").string();
+    e.OrphanMap = "Orph";
+    e.ReReadDestination = (dir / "reread.pdb").string();
+  }
+
+  // A reading map of the given field lines (the rest not written).
+  void ReadingMap(const std::vector<std::string>& lines, const std::string& header,
+                  const std::string& name = "Bill", const std::string& ext = ".hrm") {
+    std::string text = "HIF=1.1\r\n" + header;
+    for (const auto& l : lines) text += l + "\r\n";
+    WriteBytes(dir / (name + ext), text);
+  }
+
+  void Reading(const std::vector<Meter>& meters, int16_t version = 3, int orphans = 0) {
+    test::TestShell quiet;
+    clsHIF hif(quiet);
+    hif.SetVersion(version);
+    hif.CreateHIF(dir / "reading.pdb", kFilePDB, 100);
+    hif.AddNew();
+    hif.SetItem("RecType", Value::Long(0));
+    hif.SetItem("RouteNbr", Value::Long(2));
+    hif.SetItem("MeterType", Value::Long(version));
+    hif.WriteData();
+    for (int r = 1; r <= 2; ++r) {
+      hif.AddNew();
+      hif.SetItem("RecType", Value::Long(1));
+      hif.SetItem("RouteNbr", Value::Long(r));
+      hif.SetItem("Initials", Value(r == 1 ? "NORTH" : "SOUTH"));
+      hif.WriteData();
+    }
+    for (const Meter& m : meters) {
+      hif.AddNew();
+      hif.SetItem("RecType", Value::Long(2));
+      hif.SetItem("RouteNbr", Value::Long(m.route));
+      hif.SetItem("Sequence", Value::Long(m.sequence));
+      hif.SetItem("MeterTagNbr", Value::Long(m.tag));
+      hif.SetItem("Digits", Value::Long(m.digits));
+      if (version >= 2) hif.SetItem("Decimals", Value::Long(m.decimals));
+      hif.SetItem("Status", Value::Long(m.status));
+      hif.SetItem("CurReading", Value::Long(m.reading));
+      hif.SetItem("MinReading", Value::Long(m.low));
+      hif.SetItem("MaxReading", Value::Long(m.high));
+      hif.SetItem("ReadType", Value::Long(m.readType));
+      hif.SetItem("ResponseCode", Value::Long(m.response));
+      hif.SetItem("ReadingDate", Value::Long(m.date));
+      hif.SetItem("ReadingTime", Value::Long(m.time));
+      hif.SetItem("ServiceUniqueID", Value(m.account));
+      hif.WriteData();
+    }
+    for (int o = 0; o < orphans; ++o) {
+      hif.AddNew();
+      hif.SetItem("RecType", Value::Long(3));
+      hif.SetItem("MeterTagNbr", Value::Long(9000 + o));
+      hif.SetItem("CurReading", Value::Long(77 + o));
+      hif.SetItem("PrvReading", Value::Long(101));
+      hif.WriteData();
+    }
+  }
+
+  std::string Billing() { return ReadBytes(dir / "billing.txt"); }
+};
+
+const std::string kFixedHeader = "MAPTYPE=1\r\nMAPFILTER=0\r\nMAPTERMINATOR= 3 \r\n";
+const std::vector<std::string> kFixedFields = {"RouteNbr=1,5,L,B,0", "MeterTagNbr=6,6,R,Z,0",
+                                               "CurReading=12,6,R,Z,0", "ReadType=18,1,L,B,0"};
+
+TEST(ReadingDriver, RefusesBadSettingsInItsOwnWords) {
+  struct Case {
+    std::function<void(clsExchange&)> setup;
+    std::string line;
+  };
+  const std::vector<Case> cases = {
+      {[](clsExchange& e) { e.ReadingSource = " "; }, "Error: Reading Source not specified"},
+      {[](clsExchange& e) { e.ReadingSource += ".none"; }, "Error: Reading Source does not exist"},
+      {[](clsExchange& e) { e.ReadingDestination = ""; }, "Error: Reading Destination not specified"},
+      {[](clsExchange& e) { e.ReadingMap = ""; }, "Error: Reading Conversion Map not specified"},
+      {[](clsExchange& e) { e.OrphanConvert = -1; e.OrphanDestination = ""; }, "Error: Orphan Destination not specified"},
+      {[](clsExchange& e) { e.OrphanConvert = -1; e.OrphanMap = ""; }, "Error: Orphan Conversion Map not specified"},
+      {[](clsExchange& e) { e.AutoReRead = true; e.ReReadDestination = ""; }, "Error: Re-Read Destination not specified"},
+      {[](clsExchange& e) { e.ReadingMap = "Nothing"; }, "Error: Could not load Reading Conversion Map"},
+  };
+  for (const Case& c : cases) {
+    ReadingSite site;
+    site.ReadingMap(kFixedFields, kFixedHeader);
+    site.Reading({{1, 1, 11, 1, 5, 1, 9}});
+    c.setup(site.Exchange());
+    EXPECT_FALSE(site.Exchange().ConvertReading());
+    EXPECT_EQ(site.shell.log.back(), c.line);
+    EXPECT_FALSE(std::filesystem::exists(site.dir / "billing.txt")) << c.line;
+  }
+}
+
+TEST(ReadingDriver, ALogAndABillingFile) {
+  ReadingSite site;
+  site.ReadingMap(kFixedFields, kFixedHeader);
+  site.Reading({{1, 10, 11, 1, 5, 1, 9, 6, 0, 2}, {2, 10, 12, 0, 0, 1, 9}});
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  const clsExchange& e = site.Exchange();
+  EXPECT_EQ(site.shell.log,
+            (std::vector<std::string>{"Reading from " + e.ReadingSource, "Writing to " + e.ReadingDestination,
+                                      "Using map Bill", "Reading Conversion Starting  13:05 2/29/2024",
+                                      "Reading Conversion Finished", ""}));
+  EXPECT_EQ(site.Billing(), "NORTH000011000005M\r\nSOUTH000012000000R\r\n");
+}
+
+TEST(ReadingOutput, DecimalsAndDigitsCutTheReading) {
+  ReadingSite site;
+  site.ReadingMap({"CurReading=1,8,R,Z,0"}, kFixedHeader);
+  site.Reading({{1, 1, 11, 1, 123456, 0, 0, 0, 2}, {1, 2, 12, 1, 123456, 0, 0, 3, 2},
+                {1, 3, 13, 1, 123456789, 0, 0, 9, 0}});
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  EXPECT_EQ(site.Billing(), "00001234\r\n00000234\r\n23456789\r\n");
+}
+
+TEST(ReadingOutput, FiltersAndTerminators) {
+  const std::vector<Meter> meters = {{1, 1, 11, 1, 5, 1, 9}, {1, 2, 12, 0, 0, 1, 9}, {1, 3, 13, 0, 0, 1, 9, 6, 0, 1, 7}};
+  const std::vector<std::pair<int, std::string>> filters = {
+      {0, "11|12|13|"}, {1, "11|"}, {2, "11|13|"}, {3, "12|13|"}};
+  for (const auto& [filter, expected] : filters) {
+    ReadingSite site;
+    site.ReadingMap({"MeterTagNbr=1,2,R,Z,0"}, "MAPTYPE=1\r\nMAPFILTER=" + std::to_string(filter) + "\r\nMAPTERMINATOR= 2 \r\n");
+    site.Reading(meters);
+    ASSERT_TRUE(site.Exchange().ConvertReading());
+    std::string billing = site.Billing();
+    std::replace(billing.begin(), billing.end(), '\n', '|');
+    EXPECT_EQ(billing, expected) << filter;
+  }
+  const std::vector<std::pair<int, std::string>> terminators = {
+      {0, "11"}, {1, "11\r"}, {2, "11\n"}, {3, "11\r\n"}, {4, std::string("11\0", 3)}, {7, "11"}};
+  for (const auto& [terminator, expected] : terminators) {
+    ReadingSite site;
+    site.ReadingMap({"MeterTagNbr=1,2,R,Z,0"},
+                    "MAPTYPE=1\r\nMAPLENGTH=0\r\nMAPTERMINATOR=" + std::to_string(terminator) + "\r\n");
+    site.Reading({{1, 1, 11, 1, 5, 1, 9}});
+    ASSERT_TRUE(site.Exchange().ConvertReading());
+    EXPECT_EQ(site.Billing(), expected) << terminator;
+  }
+}
+
+TEST(ReadingOutput, FixedColumnsPadsOverlaysAndTheLateColumn) {
+  ReadingSite site;
+  // Sequence at 5 after MeterTagNbr at 1..3: padded; CurReading overlays
+  // columns 2-3; a field at a line exactly its position long lands late.
+  site.ReadingMap({"Sequence=5,2,L,B,0", "MeterTagNbr=1,3,L,Z,0", "CurReading=2,2,R,Z,0", "Status=6,1,R,Z,0"},
+                  "MAPTYPE=1\r\nMAPLENGTH=10\r\nMAPTERMINATOR= 3 \r\n");
+  site.Reading({{1, 7, 5, 1, 42, 1, 99}});
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  EXPECT_EQ(site.Billing(), "542 7 1   \r\n");
+}
+
+TEST(ReadingOutput, DatesAndTimes) {
+  struct Case {
+    std::string value;
+    int code;
+    std::string date;
+  };
+  for (const Case& c : std::vector<Case>{{"20240305", 20, "030524"},  {"20240305", 22, "03/05/24"},
+                                         {"20240305", 15, "2024-03-05"}, {"20240305", 36, "05/03/2024"},
+                                         {"00000000", 22, "00/00/00"}, {"0", 16, "0000/00/00"},
+                                         {"20261399", 14, "00000000"}, {"20240230", 21, "00-00-00"},
+                                         {"20240305", 50, ""}}) {
+    EXPECT_EQ(clsExchange::FormatDate(c.value, c.code), c.date) << c.value << " " << c.code;
+  }
+  EXPECT_EQ(clsExchange::FormatTime("1530", 42), "00:15");
+  EXPECT_EQ(clsExchange::FormatTime("83015", 40), "0830");
+  EXPECT_EQ(clsExchange::FormatTime("83015", 43), "08:30");  // seconds never show
+  EXPECT_EQ(clsExchange::FormatTime("83015", 41), "0830");
+  EXPECT_EQ(clsExchange::FormatTime("0", 42), "00:00");
+  EXPECT_THROW(clsExchange::FormatTime("256000", 42), Failure);
+  EXPECT_EQ(clsExchange::ExtractUser(std::string("a~b\x01~") ), (std::vector<std::string>{"a", std::string("b\0", 2), ""}));
+}
+
+TEST(ReadingOutput, DelimitedLinesQuoteTextsTwice) {
+  ReadingSite site;
+  site.ReadingMap({"RouteNbr=1,0,L,B,0", "MeterTagNbr=2,0,L,B,0", "ServiceUniqueID=4,0,L,B,0",
+                   "ReadingDate=5,0,L,B,14", "ReadingTime=6,0,L,B,42"},
+                  "MAPTYPE=2\r\nMAPDELIMITER=,\r\nMAPQUOTE=\"\r\nMAPTERMINATOR= 3 \r\n");
+  Meter m{1, 1, 11, 1, 5, 1, 9};
+  m.account = "A\"B";
+  m.time = 1530;
+  site.Reading({m});
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  EXPECT_EQ(site.Billing(), "\"\"\"NORTH\"\"\",11,,\"\"\"A\"\"\"\"B\"\"\",20240305,00:15\r\n");
+}
+
+TEST(ReadingOutput, AnOlderFileIsReadWithDefaults) {
+  ReadingSite site;
+  site.ReadingMap({"MeterTagNbr=1,2,R,Z,0", "InitPulseCount=3,3,R,Z,0", "User5=6,2,L,B,0"}, kFixedHeader);
+  site.Reading({{1, 1, 11, 1, 5, 1, 9}, {1, 2, 12, 1, 5, 1, 9}}, 2);
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  EXPECT_EQ(site.Billing(), "11000  \r\n12000  \r\n");
+  const auto& log = site.shell.log;
+  EXPECT_EQ(std::count(log.begin(), log.end(), "Warning: Defaulted InitPulseCount to 0"), 1);
+}
+
+TEST(ReadingDriver, OrphansAppendedOrReplaced) {
+  for (const bool replace : {false, true}) {
+    ReadingSite site;
+    site.ReadingMap(kFixedFields, kFixedHeader);
+    site.ReadingMap({"MeterTagNbr=1,0,L,B,0", "CurReading=2,0,L,B,0", "PrvReading=3,0,L,B,0"},
+                    "MAPTYPE=2\r\nMAPDELIMITER=,\r\nMAPTERMINATOR= 3 \r\n", "Orph", ".hom");
+    site.Reading({{1, 1, 11, 1, 5, 1, 9}}, 3, 2);
+    WriteBytes(site.dir / "orphans.txt", "old\r\n");
+    site.Exchange().OrphanConvert = -1;
+    site.Exchange().OrphanReplace = replace ? -1 : 0;
+    ASSERT_TRUE(site.Exchange().ConvertReading());
+    const std::string orphans = ReadBytes(site.dir / "orphans.txt");
+    const std::string fresh = "9000,77,101\r\n9001,78,101\r\n";
+    EXPECT_EQ(orphans, replace ? fresh : "old\r\n" + fresh);
+    const auto& log = site.shell.log;
+    const std::string lost = "Notice: File " + site.Exchange().OrphanDestination +
+                             " overwritten per configuration.  5 bytes lost.";
+    EXPECT_EQ(std::count(log.begin(), log.end(), lost), replace ? 1 : 0);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "Notice: File " + site.Exchange().OrphanDestination + " now contains " +
+                                                     std::to_string(orphans.size()) + " bytes."),
+              1);
+  }
+}
+
+TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
+  ReadingSite site;
+  site.ReadingMap(kFixedFields, kFixedHeader);
+  site.Exchange().AutoReRead = true;
+  site.shell.answers = {MsgAnswer::Yes};
+  // Route 1: in window, on the edges; route 2: unread, above, below.
+  site.Reading({{1, 1, 11, 1, 5, 1, 9}, {1, 2, 12, 1, 9, 1, 9}, {1, 3, 13, 1, 1, 1, 9},
+                {2, 1, 21, 0, 0, 1, 9}, {2, 2, 22, 1, 10, 1, 9}, {2, 3, 23, 1, 0, 1, 9}},
+               3, 1);
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  ASSERT_EQ(site.shell.questions.size(), 1u);
+  EXPECT_EQ(site.shell.questions[0].title, "ReRead Destination already exists");
+  const auto& log = site.shell.log;
+  EXPECT_NE(std::find(log.begin(), log.end(), "Notice: ReRead File prepared with 3 Meters"), log.end());
+  const auto records = site.Records("reread.pdb");
+  ASSERT_EQ(records.size(), 1u + 1 + 3);  // header, SOUTH renumbered 1, three meters
+  EXPECT_EQ(records[0].Item("RouteNbr"), Value::Long(1));
+  EXPECT_EQ(records[0].Item("PrvReading"), Value::Long(3));
+  EXPECT_EQ(records[0].Item("Sequence"), Value::Long(20240229));
+  EXPECT_EQ(records[1].Item("Initials"), Value("SOUTH"));
+  EXPECT_EQ(records[1].Item("RouteNbr"), Value::Long(1));
+  for (size_t i = 2; i < 5; ++i) {
+    EXPECT_EQ(records[i].Item("RouteNbr"), Value::Long(1));
+    EXPECT_EQ(records[i].Item("Status"), Value::Integer(0));
+    EXPECT_EQ(records[i].Item("CurReading"), Value::Long(0));
+    EXPECT_EQ(records[i].Item("ReadingDate"), Value::Long(0));
+  }
+  EXPECT_EQ(records[3].Item("MeterTagNbr"), Value::Long(22));
+}
+
+TEST(ReadingDriver, NoExceptionsLeaveAHeaderOnlyFileAndTheQuestionIsAlwaysPut) {
+  ReadingSite site;
+  site.ReadingMap(kFixedFields, kFixedHeader);
+  site.Exchange().AutoReRead = true;
+  site.Reading({{1, 1, 11, 1, 5, 1, 9}});
+  site.shell.answers = {MsgAnswer::No};
+  EXPECT_FALSE(site.Exchange().ConvertReading());  // the answer No makes the result false
+  EXPECT_EQ(site.shell.questions.size(), 1u);       // asked though no file exists
+  EXPECT_FALSE(std::filesystem::exists(site.dir / "reread.pdb"));
+  site.shell.answers = {MsgAnswer::Yes, MsgAnswer::Yes};
+  EXPECT_TRUE(site.Exchange().ConvertReading());
+  const auto& log = site.shell.log;
+  EXPECT_NE(std::find(log.begin(), log.end(), "Notice: No exceptions found in reading.  Not creating re-read file"),
+            log.end());
+  EXPECT_EQ(site.Records("reread.pdb").size(), 1u);
+}
+
+TEST(ReadingDriver, AMeterWithoutItsRouteIsLoggedAndWhatWasWrittenStays) {
+  ReadingSite site;
+  site.ReadingMap(kFixedFields, kFixedHeader);
+  site.Reading({{1, 1, 11, 1, 5, 1, 9}, {7, 1, 12, 1, 5, 1, 9}});
+  EXPECT_FALSE(site.Exchange().ConvertReading());
+  EXPECT_EQ(site.Billing(), "NORTH000011000005R\r\n");
+  const auto& log = site.shell.log;
+  EXPECT_NE(std::find(log.begin(), log.end(), "Subscript out of range"), log.end());
+  EXPECT_EQ(log[log.size() - 2], "Reading Conversion Finished");
+}
+
+}  // namespace
+}  // namespace hifx
