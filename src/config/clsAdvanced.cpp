@@ -47,12 +47,6 @@ std::pair<std::string, std::string> SplitPair(const std::string& text) {
           text.substr(bar + 2, next == std::string::npos ? std::string::npos : next - bar - 2)};
 }
 
-std::string Trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return std::string(s);
-}
-
 
 }  // namespace
 
