@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # The main job on the bundled examples: installs what is missing, builds,
 # loads the example site into a fresh site folder, converts the fixed-column
-# example route file into a route HIF and shows what it holds.
+# example route file into a route HIF and shows what it holds, fills it with
+# readings as a handheld does, and converts the readings into the billing
+# file, the orphan file and the re-read file.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
-scripts/build.sh default --target hifx >/dev/null
+scripts/build.sh default --target hifx fill_readings >/dev/null
 
 out=out/example
 hifx="build/default/src/hifx --site $out/site"
@@ -31,3 +33,14 @@ $hifx view "$out/route.pdb"
 $hifx view "$out/route.pdb" --route 1
 echo "== hifx reread   (examples/reread-tags.txt through the map ReRead)"
 $hifx reread
+
+echo "== fill_readings $out/route.pdb $out/reading.pdb   (the handheld's part, simulated)"
+build/default/tools/fill_readings "$out/route.pdb" "$out/reading.pdb" --seed 1
+echo "== hifx --yes reading   ($out/reading.pdb through the maps Billing and Orphans)"
+$hifx --yes reading
+echo "== $out/billing.txt"
+cat "$out/billing.txt"
+echo "== $out/orphans.txt"
+cat "$out/orphans.txt"
+echo "== hifx view $out/reread.pdb --route 1"
+$hifx view "$out/reread.pdb" --route 1
