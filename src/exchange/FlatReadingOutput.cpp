@@ -320,8 +320,10 @@ bool clsExchange::ConvertReadingFlat(int16_t version) {
     // A meter whose route has no header is a failure of the run.
     if (route < 1 || static_cast<size_t>(route) >= RouteInitials.size()) throw Failure(fail::kSubscript);
     values.Set("RouteNbr", Value(RouteInitials[static_cast<size_t>(route)]));
-    const int32_t decimals = NumberOf(values.Item("Decimals"));
-    const int32_t digits = NumberOf(values.Item("Digits"));
+    // Read from the record: a file of an older version has no Decimals, which
+    // then reads as nothing.
+    const int32_t decimals = NumberOf(hif.Item("Decimals"));
+    const int32_t digits = NumberOf(hif.Item("Digits"));
     if (decimals > 0) {
       // Stored readings carry their decimals; the billing file doesn't.
       const double scale = std::pow(10.0, decimals);
@@ -335,11 +337,12 @@ bool clsExchange::ConvertReadingFlat(int16_t version) {
       hif.SetItem("CurReading", Value::Double(NumericPrefix(eight)));
     }
     if (decimals > 0 || digits > 0) values.Set("CurReading", hif.Item("CurReading"));
-    values.Set("ReadType", Value(ReadTypeLetter(values.Item("ReadType"))));
+    // A file of version 0 has no ReadType to show as a letter.
+    if (values.Contains("ReadType")) values.Set("ReadType", Value(ReadTypeLetter(values.Item("ReadType"))));
     std::string line;
     if (mapType == kMapFixed) line = AssembleFixed(values);
     if (mapType == kMapDelimited) line = AssembleDelimited(values);
-    const int32_t status = NumberOf(values.Item("Status"));
+    const int32_t status = values.Contains("Status") ? NumberOf(values.Item("Status")) : 0;
     const int32_t response = values.Contains("ResponseCode") ? NumberOf(values.Item("ResponseCode")) : 0;
     const bool passes = filter == 1   ? status > 0
                         : filter == 2 ? status > 0 || response > 0

@@ -174,26 +174,55 @@ TEST(ReadingOutput, FixedColumnsPadsOverlaysAndTheLateColumn) {
   EXPECT_EQ(site.Billing(), "542 7 1   \r\n");
 }
 
-TEST(ReadingOutput, DatesAndTimes) {
+TEST(ReadingOutput, EveryDateAndTimeCodeWithItsBlankForm) {
   struct Case {
-    std::string value;
     int code;
-    std::string date;
+    const char* date;   // 2024-03-05
+    const char* blank;  // a date of 0
   };
-  for (const Case& c : std::vector<Case>{{"20240305", 20, "030524"},  {"20240305", 22, "03/05/24"},
-                                         {"20240305", 15, "2024-03-05"}, {"20240305", 36, "05/03/2024"},
-                                         {"00000000", 22, "00/00/00"}, {"0", 16, "0000/00/00"},
-                                         {"20261399", 14, "00000000"}, {"20240230", 21, "00-00-00"},
-                                         {"20240305", 50, ""}}) {
-    EXPECT_EQ(clsExchange::FormatDate(c.value, c.code), c.date) << c.value << " " << c.code;
+  for (const Case& c : std::vector<Case>{
+           {10, "240305", "000000"},       {11, "24-03-05", "00-00-00"},     {12, "24/03/05", "00/00/00"},
+           {14, "20240305", "00000000"},   {15, "2024-03-05", "0000-00-00"}, {16, "2024/03/05", "0000/00/00"},
+           {20, "030524", "000000"},       {21, "03-05-24", "00-00-00"},     {22, "03/05/24", "00/00/00"},
+           {24, "03052024", "00000000"},   {25, "03-05-2024", "00-00-0000"}, {26, "03/05/2024", "00/00/0000"},
+           {30, "050324", "000000"},       {31, "05-03-24", "00-00-00"},     {32, "05/03/24", "00/00/00"},
+           {34, "05032024", "00000000"},   {35, "05-03-2024", "00-00-0000"}, {36, "05/03/2024", "00/00/0000"},
+           {0, "", ""}}) {
+    EXPECT_EQ(clsExchange::FormatDate("20240305", c.code), c.date) << c.code;
+    EXPECT_EQ(clsExchange::FormatDate("00000000", c.code), c.blank) << c.code;
+    EXPECT_EQ(clsExchange::FormatDate("20261399", c.code), c.blank) << c.code;  // no such date
   }
-  EXPECT_EQ(clsExchange::FormatTime("1530", 42), "00:15");
-  EXPECT_EQ(clsExchange::FormatTime("83015", 40), "0830");
-  EXPECT_EQ(clsExchange::FormatTime("83015", 43), "08:30");  // seconds never show
-  EXPECT_EQ(clsExchange::FormatTime("83015", 41), "0830");
-  EXPECT_EQ(clsExchange::FormatTime("0", 42), "00:00");
+  EXPECT_EQ(clsExchange::FormatDate("20240230", 21), "00-00-00");
+  EXPECT_EQ(clsExchange::FormatDate("20240229", 21), "02-29-24");
+  // Seconds never show: 41 and 43 give what 40 and 42 give.
+  for (const auto& [code, time, blank] : {std::tuple{40, "0830", "0000"}, std::tuple{41, "0830", "0000"},
+                                          std::tuple{42, "08:30", "00:00"}, std::tuple{43, "08:30", "00:00"}}) {
+    EXPECT_EQ(clsExchange::FormatTime("83015", code), time) << code;
+    EXPECT_EQ(clsExchange::FormatTime("0", code), blank) << code;
+  }
+  EXPECT_EQ(clsExchange::FormatTime("1530", 42), "00:15");  // filled on the left: 00:15:30
+  EXPECT_EQ(clsExchange::FormatTime("83015", 50), "");
   EXPECT_THROW(clsExchange::FormatTime("256000", 42), Failure);
-  EXPECT_EQ(clsExchange::ExtractUser(std::string("a~b\x01~") ), (std::vector<std::string>{"a", std::string("b\0", 2), ""}));
+  EXPECT_EQ(clsExchange::ExtractUser(std::string("a~b\x01~")), (std::vector<std::string>{"a", std::string("b\0", 2), ""}));
+}
+
+TEST(ReadingDriver, AnExistingDestinationAndAFileThatCannotBeRead) {
+  ReadingSite site;
+  site.ReadingMap(kFixedFields, kFixedHeader);
+  site.Reading({{1, 1, 11, 1, 5, 1, 9}});
+  WriteBytes(site.dir / "billing.txt", "old");
+  site.shell.answers = {MsgAnswer::No};
+  EXPECT_FALSE(site.Exchange().ConvertReading());
+  EXPECT_EQ(site.shell.questions[0].title, "Reading Destination already exists");
+  EXPECT_EQ(site.shell.log.back(), "Error: Reading Destination already exists");
+  EXPECT_EQ(site.Billing(), "old");
+  // More records than a file can hold: the open fails.
+  std::string bytes = ReadBytes(site.dir / "reading.pdb");
+  bytes[76] = static_cast<char>(0x80);
+  WriteBytes(site.dir / "reading.pdb", bytes);
+  site.shell.answers = {MsgAnswer::Yes};
+  EXPECT_FALSE(site.Exchange().ConvertReading());
+  EXPECT_EQ(site.shell.log.back(), "Error: Could not read HIF file");
 }
 
 TEST(ReadingOutput, DelimitedLinesQuoteTextsTwice) {
@@ -212,7 +241,7 @@ TEST(ReadingOutput, DelimitedLinesQuoteTextsTwice) {
 TEST(ReadingOutput, AnOlderFileIsReadWithDefaults) {
   ReadingSite site;
   site.ReadingMap({"MeterTagNbr=1,2,R,Z,0", "InitPulseCount=3,3,R,Z,0", "User5=6,2,L,B,0"}, kFixedHeader);
-  site.Reading({{1, 1, 11, 1, 5, 1, 9}, {1, 2, 12, 1, 5, 1, 9}}, 2);
+  site.Reading({{1, 1, 11, 1, 5, 1, 9}, {1, 2, 12, 1, 5, 1, 9}}, 1);
   ASSERT_TRUE(site.Exchange().ConvertReading());
   EXPECT_EQ(site.Billing(), "11000  \r\n12000  \r\n");
   const auto& log = site.shell.log;
