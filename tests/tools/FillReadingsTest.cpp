@@ -326,70 +326,6 @@ TEST(FillReadings, RouteRecordsComeBackInOrderWithOnlyTheReadingsChanged) {
 
 // Each route on a day of its own, by one reader, meter after meter; a route
 // longer than a working day goes on the next morning.
-TEST(FillReadings, ReadingsFollowTheReadersWalk) {
-  std::vector<RouteMeter> meters = kMeters;
-  for (int32_t i = 0; i < 400; ++i) {
-    meters.push_back({3, 10 * (i + 1), 3000000 + i, 1, 0, 100 * i, 100 * i + 1, 100 * i + 90, 1});
-  }
-  TempDir dir;
-  TestShell shell;
-  WriteRoute(shell, dir / "route.pdb", kFilePDB, 3, true, meters);
-  FillReadings(shell, dir / "route.pdb", dir / "reading.pdb", 11);
-  std::vector<int64_t> lastStamp(4, 0);
-  std::vector<std::string> reader(4);
-  std::vector<std::set<int32_t>> dates(4);
-  const auto records = ReadAll(shell, dir / "reading.pdb");
-  for (const Record* m : Meters(records)) {
-    if (KindOf(*m) == Kind::Unread) continue;
-    const auto route = static_cast<size_t>(m->Number("RouteNbr"));
-    const int32_t date = m->Number("ReadingDate");
-    const int32_t time = m->Number("ReadingTime");
-    EXPECT_TRUE(ValidDate(date)) << date;
-    EXPECT_TRUE(ValidTime(time)) << time;
-    EXPECT_GT(date, kCreated);
-    EXPECT_LE(date, 20240310);  // within days of the route file, past the leap day
-    EXPECT_GE(time, 80000);
-    EXPECT_LE(time, 171000);
-    const int64_t stamp = int64_t{date} * 1000000 + time;
-    EXPECT_GT(stamp, lastStamp[route]);
-    lastStamp[route] = stamp;
-    dates[route].insert(date);
-    const std::string initials = m->Text("Initials");
-    EXPECT_FALSE(initials.empty());
-    if (reader[route].empty()) reader[route] = initials;
-    EXPECT_EQ(initials, reader[route]);
-    // A radio signal only on a meter read by radio.
-    const bool radioRead = m->Number("ReadType") == 1 && m->Number("Status") == 1;
-    EXPECT_EQ(m->Number("Signal") > 0, radioRead) << "sequence " << m->Number("Sequence");
-  }
-  EXPECT_EQ(dates[1].size(), 1u);
-  EXPECT_NE(dates[1], dates[2]);
-  EXPECT_GT(dates[3].size(), 1u);
-  EXPECT_TRUE(shell.questions.empty());
-}
-
-TEST(FillReadings, ReadingsCarryTheRegistersDecimals) {
-  TempDir dir;
-  TestShell shell;
-  WriteRoute(shell, dir / "route.pdb", kFilePDB, 3);
-  int withDecimals = 0;
-  for (const uint32_t seed : {1u, 2u, 3u}) {
-    FillReadings(shell, dir / "route.pdb", dir / "reading.pdb", seed);
-    const auto records = ReadAll(shell, dir / "reading.pdb");
-  for (const Record* m : Meters(records)) {
-      const int32_t decimals = m->Number("Decimals");
-      if (decimals == 0 || KindOf(*m) != Kind::InWindow || m->Number("MinReading") >= m->Number("MaxReading")) continue;
-      ++withDecimals;
-      // The stored value is the dial's times ten to the decimals: above the
-      // limits as they stand, inside them once the decimals are taken off.
-      EXPECT_GT(m->Number("CurReading"), m->Number("MaxReading"));
-      EXPECT_GE(m->Number("CurReading"), m->Number("MinReading") * Power10(decimals));
-      EXPECT_LT(m->Number("CurReading"), (m->Number("MaxReading") + 1) * Power10(decimals));
-    }
-  }
-  EXPECT_GT(withDecimals, 0);
-}
-
 TEST(FillReadings, OrphansAreAppendedWithTheTagsOfNearbyMeters) {
   TempDir dir;
   TestShell shell;
@@ -427,58 +363,6 @@ TEST(FillReadings, OrphansAreAppendedWithTheTagsOfNearbyMeters) {
 
 // The small sample route in both containers and every version with reading
 // fields: three meters give one read high, one skipped and one in window.
-TEST(FillReadings, SampleRouteInEveryContainerAndVersion) {
-  for (const int32_t type : {kFilePDB, kFileVFS}) {
-    for (const int16_t version : {1, 2, 3}) {
-      SCOPED_TRACE("type " + std::to_string(type) + " version " + std::to_string(version));
-      TempDir dir;
-      TestShell shell;
-      const auto route = WriteSampleHif(shell, dir / "route.hif", type, version);
-      FillReadings(shell, dir / "route.hif", dir / "reading.hif", 4);
-      EXPECT_TRUE(shell.questions.empty());
-      EXPECT_EQ(ReadFileVersion(shell, dir / "reading.hif"), version);
-      clsHIF probe(shell);
-      ASSERT_FALSE(probe.OpenHIF(dir / "reading.hif"));
-      EXPECT_EQ(probe.GetType(), type);
-      const auto records = ReadAll(shell, dir / "reading.hif");
-      ASSERT_EQ(records.size(), route.size() + kFilledOrphans);
-      for (size_t i = 0; i < route.size(); ++i) {
-        if (NumberOfRecType(route[i]) != kRecMeter) {
-          EXPECT_EQ(records[i].raw, route[i]) << i;
-        }
-      }
-      std::vector<Kind> kinds;
-      for (const Record* m : Meters(records)) kinds.push_back(KindOf(*m));
-      EXPECT_EQ(std::count(kinds.begin(), kinds.end(), Kind::High), 1);
-      EXPECT_EQ(std::count(kinds.begin(), kinds.end(), Kind::Skipped), 1);
-      EXPECT_EQ(std::count(kinds.begin(), kinds.end(), Kind::InWindow), 1);
-      for (const Record* m : Meters(records)) {
-        if (KindOf(*m) == Kind::Skipped) {
-          EXPECT_EQ(m->Text("ResponseText"), "DOG");
-        }
-      }
-    }
-  }
-}
-
-TEST(FillReadings, WithoutASkipListTheSkipIsADog) {
-  TempDir dir;
-  TestShell shell;
-  WriteRoute(shell, dir / "route.pdb", kFilePDB, 3, false);
-  for (const uint32_t seed : {1u, 2u, 3u, 4u}) {
-    FillReadings(shell, dir / "route.pdb", dir / "reading.pdb", seed);
-    int skipped = 0;
-    const auto records = ReadAll(shell, dir / "reading.pdb");
-  for (const Record* m : Meters(records)) {
-      if (KindOf(*m) != Kind::Skipped) continue;
-      ++skipped;
-      EXPECT_EQ(m->Number("ResponseCode"), 1);
-      EXPECT_EQ(m->Text("ResponseText"), "DOG");
-    }
-    EXPECT_EQ(skipped, 1);
-  }
-}
-
 TEST(FillReadings, RefusesWhatItCannotFill) {
   TempDir dir;
   TestShell shell;
