@@ -13,11 +13,6 @@ namespace {
 // Route lists hold at most as many routes as a file holds records.
 constexpr int32_t kMostRoutes = 32767;
 
-int32_t NumberOf(const Value& v) {
-  if (v.IsEmpty() || v.IsNull()) return 0;
-  return v.IsText() ? ToInt32(NumericPrefix(v.Text())) : v.ToInt32();
-}
-
 bool IsValidDate(int year, int month, int day) {
   static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   if (year < 100 || year > 9999 || month < 1 || month > 12 || day < 1) return false;

@@ -11,11 +11,6 @@
 namespace hifx {
 namespace {
 
-int32_t NumberOf(const Value& v) {
-  if (v.IsEmpty() || v.IsNull()) return 0;
-  return v.IsText() ? ToInt32(NumericPrefix(v.Text())) : v.ToInt32();
-}
-
 uint64_t LengthOf(const std::string& path) {
   std::error_code ec;
   const auto size = std::filesystem::file_size(path, ec);

@@ -1,19 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "base/Failure.h"
+#include "support/FailureNumber.h"
 #include "base/Numbers.h"
 
 namespace hifx {
 namespace {
 
-int FailureNumber(auto&& call) {
-  try {
-    call();
-  } catch (const Failure& f) {
-    return f.Number();
-  }
-  return 0;
-}
+using test::FailureNumber;
 
 TEST(Rounding, HalvesGoToTheEvenNeighbour) {
   EXPECT_EQ(RoundHalfEven(0.5), 0.0);

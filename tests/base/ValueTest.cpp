@@ -2,20 +2,14 @@
 
 #include "base/DateSerial.h"
 #include "base/Failure.h"
+#include "support/FailureNumber.h"
 #include "base/KeyedCollection.h"
 #include "base/Value.h"
 
 namespace hifx {
 namespace {
 
-int FailureNumber(auto&& call) {
-  try {
-    call();
-  } catch (const Failure& f) {
-    return f.Number();
-  }
-  return 0;
-}
+using test::FailureNumber;
 
 TEST(Value, KindsAndConversions) {
   EXPECT_TRUE(Value().IsEmpty());
