@@ -1,0 +1,45 @@
+// One field of a fixed-column record: a name, a first column, a width and a
+// type that says how its text reads into a value and how a value is written.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/Shell.h"
+#include "base/Value.h"
+
+namespace hifx {
+
+// The field types of a record catalogue.
+inline constexpr int16_t fldText = 8;
+inline constexpr int16_t fldInteger = 2;
+inline constexpr int16_t fldLong = 3;
+inline constexpr int16_t fldSingle = 4;
+inline constexpr int16_t fldDouble = 5;
+inline constexpr int16_t fldDate = 7;
+inline constexpr int16_t fldDateTime = -1;
+inline constexpr int16_t fldDecimal = -2;
+inline constexpr int16_t fldZeroNumber = -3;
+inline constexpr int16_t fldTime = -4;
+
+class clsField {
+ public:
+  std::string FieldName;
+  int16_t Start = 0;  // first column, from 1
+  int16_t FieldType = fldText;
+  int16_t Length = 0;
+
+  // The field's value in a line. A text that doesn't convert reads as the
+  // type's zero; nothing is raised. An unknown type is shown to the person
+  // (when there is a shell) and reads as empty.
+  Value Extract(std::string_view buffer, IShell* shell = nullptr) const;
+  // Writes the value into its columns of the line, lengthening the line with
+  // blanks as needed. Failures reach the caller.
+  void Insert(std::string& buffer, const Value& value, IShell* shell = nullptr) const;
+
+ private:
+  std::string FieldText(const Value& value, IShell* shell) const;
+};
+
+}  // namespace hifx

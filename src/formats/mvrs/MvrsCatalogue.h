@@ -1,0 +1,14 @@
+// The record kinds of MVRS route files (download) and reading files
+// (upload), in the order in which lines are tested against them.
+#pragma once
+
+#include <vector>
+
+#include "formats/RecordCatalogue.h"
+
+namespace hifx {
+
+std::vector<RecordSpec> MvrsDownloadCatalogue();
+std::vector<RecordSpec> MvrsUploadCatalogue();
+
+}  // namespace hifx

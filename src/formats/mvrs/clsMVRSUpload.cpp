@@ -1,0 +1,53 @@
+#include "formats/mvrs/clsMVRSUpload.h"
+
+#include <array>
+#include <string_view>
+
+#include "base/Failure.h"
+#include "formats/mvrs/MvrsCatalogue.h"
+
+namespace hifx {
+namespace {
+
+// The kinds SetupRecord gives out, in the order it looks for them. The
+// catalogue also knows "MTM", which can't be set up.
+constexpr std::array<std::string_view, 18> kWritable = {"FHD", "FTR", "RHD", "RTR", "ERH", "ERT",
+                                                        "RTS", "RTM", "RMR", "CUS", "CSX", "MTR",
+                                                        "MTS", "RDG", "MTC", "PRB", "RFF", "WRR"};
+
+}  // namespace
+
+clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MvrsUploadCatalogue(), shell)) {}
+
+bool clsMVRSUpload::CreateFile(const std::string& path) {
+  file_ = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
+  if (!*file_) {
+    file_.reset();
+    if (shell_ != nullptr) shell_->MsgBox(StandardDescription(fail::kPathAccess));
+    return false;
+  }
+  return true;
+}
+
+clsRecType* clsMVRSUpload::SetupRecord(const std::string& id) {
+  for (const std::string_view kind : kWritable) {
+    if (kind != id) continue;
+    for (const auto& type : types_) {
+      if (type->IDText == kind) {
+        type->Init();
+        return type.get();
+      }
+    }
+  }
+  return nullptr;
+}
+
+bool clsMVRSUpload::WriteRecord(clsRecType& record) {
+  if (!file_) throw Failure(fail::kBadFileName);
+  record.SetValue("RecID", Value(record.IDText));
+  *file_ << record.Buffer(126) << "\r\n";
+  if (!*file_) throw Failure(fail::kDiskFull);
+  return false;
+}
+
+}  // namespace hifx

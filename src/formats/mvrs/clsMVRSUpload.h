@@ -1,0 +1,35 @@
+// Writes an MVRS reading file: a record type is set up, its values set, and
+// the line written, each line 126 characters or its kind's full width.
+#pragma once
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/Shell.h"
+#include "formats/clsRecType.h"
+
+namespace hifx {
+
+class clsMVRSUpload {
+ public:
+  explicit clsMVRSUpload(IShell* shell = nullptr);
+
+  // Opens the file for writing, replacing what is there. A failure is shown
+  // and gives false.
+  bool CreateFile(const std::string& path);
+  // The record type of the kind, its values cleared; nothing for a kind the
+  // reading file doesn't write.
+  clsRecType* SetupRecord(const std::string& id);
+  // Writes the record as one line; always false. Writing with no file open
+  // is failure 52.
+  bool WriteRecord(clsRecType& record);
+
+ private:
+  IShell* shell_;
+  std::vector<std::unique_ptr<clsRecType>> types_;
+  std::unique_ptr<std::ofstream> file_;
+};
+
+}  // namespace hifx

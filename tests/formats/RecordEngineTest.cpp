@@ -1,0 +1,158 @@
+// The record engine: how each field type reads and writes its columns, and
+// how a record type parses and builds whole lines.
+#include <gtest/gtest.h>
+
+#include "base/DateSerial.h"
+#include "base/Failure.h"
+#include "formats/clsRecType.h"
+#include "support/TestShell.h"
+
+namespace hifx {
+namespace {
+
+clsField FieldOf(int16_t type, int16_t start, int16_t length) {
+  clsField field;
+  field.FieldName = "F";
+  field.FieldType = type;
+  field.Start = start;
+  field.Length = length;
+  return field;
+}
+
+std::string Written(int16_t type, int16_t length, const Value& value) {
+  std::string buffer;
+  FieldOf(type, 1, length).Insert(buffer, value);
+  return buffer;
+}
+
+TEST(RecordEngine, EmptyTextReadsAsEachTypesZero) {
+  EXPECT_EQ(FieldOf(fldText, 1, 4).Extract(""), Value(""));
+  EXPECT_EQ(FieldOf(fldZeroNumber, 1, 4).Extract(""), Value::Long(0));
+  EXPECT_EQ(FieldOf(fldDate, 1, 8).Extract(""), Value::Date(0));
+  EXPECT_EQ(FieldOf(fldTime, 1, 6).Extract(""), Value::Date(0));
+  EXPECT_EQ(FieldOf(fldTime, 1, 4).Extract(""), Value());
+  EXPECT_EQ(FieldOf(fldInteger, 1, 4).Extract("12ab"), Value::Integer(0));
+  EXPECT_EQ(FieldOf(fldLong, 1, 11).Extract("99999999999"), Value::Long(0));
+  EXPECT_EQ(FieldOf(fldDouble, 1, 6).Extract(" 1.5  "), Value::Double(1.5));
+}
+
+TEST(RecordEngine, ReadsEachTypeFromItsColumns) {
+  const std::string line = "xx  12ab031426  0915301400";
+  EXPECT_EQ(FieldOf(fldText, 3, 4).Extract(line), Value("  12"));
+  EXPECT_EQ(FieldOf(fldZeroNumber, 3, 6).Extract(line), Value::Long(12));
+  EXPECT_EQ(FieldOf(fldDate, 9, 6).Extract(line), Value::Date(DateSerial(2026, 3, 14)));
+  EXPECT_EQ(FieldOf(fldTime, 17, 4).Extract(line), Value::Date(TimeSerial(9, 15, 0)));
+  EXPECT_EQ(FieldOf(fldTime, 17, 6).Extract(line), Value::Date(TimeSerial(9, 15, 30)));
+  EXPECT_EQ(FieldOf(fldDate, 1, 8).Extract("12311999"), Value::Date(DateSerial(1999, 12, 31)));
+  EXPECT_EQ(FieldOf(fldDate, 1, 8).Extract("00000000"), Value::Date(0));
+  EXPECT_EQ(FieldOf(fldDate, 1, 6).Extract("123129"), Value::Date(DateSerial(2029, 12, 31)));
+  EXPECT_EQ(FieldOf(fldDate, 1, 6).Extract("010130"), Value::Date(DateSerial(1930, 1, 1)));
+  // Year first when read, month first when written.
+  EXPECT_EQ(FieldOf(fldDateTime, 1, 14).Extract("20260314091530"),
+            Value::Date(DateSerial(2026, 3, 14) + TimeSerial(9, 15, 30)));
+  EXPECT_EQ(FieldOf(fldDateTime, 1, 14).Extract("garbage"), Value());
+  EXPECT_EQ(FieldOf(fldTime, 1, 4).Extract("9x15"), Value());
+  EXPECT_EQ(FieldOf(fldTime, 1, 6).Extract("9x1500"), Value::Date(0));
+  EXPECT_EQ(FieldOf(fldTime, 1, 5).Extract("09150"), Value());
+  // Letters behind digits don't stop a zero-number field; too large a
+  // number reads as 0.
+  EXPECT_EQ(FieldOf(fldZeroNumber, 1, 8).Extract("0042AB12"), Value::Long(42));
+  EXPECT_EQ(FieldOf(fldZeroNumber, 1, 12).Extract("999999999999"), Value::Long(0));
+  EXPECT_EQ(FieldOf(fldZeroNumber, 0, 4).Extract("1234"), Value::Long(0));
+}
+
+TEST(RecordEngine, WritesEachTypeFittedToItsWidth) {
+  EXPECT_EQ(Written(fldZeroNumber, 4, Value::Long(12345)), "1234");
+  EXPECT_EQ(Written(fldZeroNumber, 6, Value::Long(-42)), "-00004");  // the sign costs a digit
+  EXPECT_EQ(Written(fldZeroNumber, 6, Value("17")), "000017");
+  EXPECT_EQ(Written(fldZeroNumber, 6, Value("AB")), "AB    ");
+  EXPECT_EQ(Written(fldZeroNumber, 3, Value::Double(2.5)), "003");
+  EXPECT_EQ(Written(fldInteger, 3, Value::Long(7)), "007");
+  EXPECT_EQ(Written(fldLong, 5, Value::Long(7)), "7    ");
+  EXPECT_EQ(Written(fldDecimal, 7, Value::Double(12.345)), "0012.35");
+  EXPECT_EQ(Written(fldText, 3, Value("ABCDE")), "ABC");
+  EXPECT_EQ(Written(fldText, 5, Value::Long(12)), "12   ");
+  EXPECT_EQ(Written(fldTime, 6, Value("0915")), "0915  ");
+  EXPECT_EQ(Written(fldTime, 6, Value::Long(0)), "0     ");
+  EXPECT_EQ(Written(fldTime, 4, Value("091530")), "0915");
+  EXPECT_EQ(Written(fldTime, 5, Value("09153")), "     ");
+  const Value date = Value::Date(DateSerial(2026, 3, 14));
+  EXPECT_EQ(Written(fldDate, 6, date), "031426");
+  EXPECT_EQ(Written(fldDate, 8, date), "03142026");
+  EXPECT_EQ(Written(fldDate, 8, Value("03/14/2026")), "03142026");
+  EXPECT_EQ(Written(fldDate, 4, date), "    ");
+  for (const Value& zero : {Value::Long(0), Value::Date(0), Value("00000000"), Value()}) {
+    EXPECT_EQ(Written(fldDate, 8, zero), "00000000");
+    EXPECT_EQ(Written(fldDate, 6, zero), "000000");
+  }
+  EXPECT_EQ(Written(fldDateTime, 17, Value::Date(DateSerial(2026, 3, 14) + TimeSerial(9, 5, 0))),
+            "03142026 09:05:00");
+}
+
+TEST(RecordEngine, UnknownTypeIsShownAndLeftBlank) {
+  test::TestShell shell;
+  clsField field = FieldOf(99, 3, 2);
+  EXPECT_EQ(field.Extract("abcdef", &shell), Value());
+  std::string buffer = "abcdef";
+  field.Insert(buffer, Value("XY"), &shell);
+  EXPECT_EQ(buffer, "ab  ef");
+  ASSERT_EQ(shell.questions.size(), 2u);
+  EXPECT_NE(shell.questions[0].text.find("Undefined Field Type"), std::string::npos);
+}
+
+clsRecType Sample(IShell* shell = nullptr) {
+  clsRecType type(shell);
+  type.SetID(1, 3, "RHD");
+  type.AddField("RecID", fldText, 0, 3);
+  type.AddField("RouteNumber", fldText, 0, 8);
+  type.AddField("Count", fldZeroNumber, 0, 4);
+  type.AddField("When", fldDate, 20, 8);  // told position: RecLen still grows by 8
+  return type;
+}
+
+TEST(RecordEngine, RecordTypeParsesAndBuildsByName) {
+  clsRecType type = Sample();
+  EXPECT_EQ(type.RecLen(), 23);
+  EXPECT_EQ(type.Fields()[2].Start, 12);
+  EXPECT_EQ(type.Fields()[3].Start, 20);
+  EXPECT_TRUE(type.TestID("RHD0001"));
+  EXPECT_FALSE(type.TestID("rhd0001"));
+  EXPECT_FALSE(type.TestID("RH"));
+  EXPECT_THROW(type.AddField("routenumber", fldText, 0, 1), Failure);
+
+  type.Parse("RHDROUTE-01");
+  EXPECT_EQ(type.GetValue("routenumber"), Value("ROUTE-01"));
+  EXPECT_EQ(type.GetValue("Count"), Value::Long(0));  // past the end of the line
+  EXPECT_EQ(type.GetValue("Nothing"), Value());
+
+  // Unset fields are skipped: their columns are blank only when a later
+  // field reaches past them.
+  type.Init();
+  type.SetValue("Count", Value::Long(7));
+  EXPECT_EQ(type.Buffer(0), "           0007");
+  type.SetValue("RecID", Value("RHD"));
+  type.SetValue("When", Value::Date(0));
+  EXPECT_EQ(type.Buffer(30), "RHD        0007    00000000   ");
+  type.Init();
+  EXPECT_EQ(type.Buffer(126), std::string(126, ' '));
+  // Never cut to the requested length.
+  type.SetValue("When", Value::Long(0));
+  EXPECT_EQ(type.Buffer(10).size(), 27u);
+  // Values under names no field has are kept but not written.
+  type.SetValue("Other", Value("x"));
+  EXPECT_EQ(type.GetValue("OTHER"), Value("x"));
+}
+
+TEST(RecordEngine, FailureWhileBuildingIsShownAndGivesNothing) {
+  test::TestShell shell;
+  clsRecType type(&shell);
+  type.AddField("A", fldText, 0, 2);
+  type.AddField("B", fldText, -5, 2);  // an unusable column
+  type.SetValue("A", Value("x"));
+  type.SetValue("B", Value("y"));
+  EXPECT_EQ(type.Buffer(10), "");
+  EXPECT_EQ(shell.questions.size(), 1u);
+}
+
+}  // namespace
+}  // namespace hifx
