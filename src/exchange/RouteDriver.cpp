@@ -165,11 +165,10 @@ bool clsExchange::ConvertRoute() {
     indexes_.clear();
     indexRoute_ = 0;
 
-    if (mapType == kMapMVRS || mapType == kMapE5000) {
-      throw Failure(fail::kInvalidCall, std::string(mapType == kMapMVRS ? "MVRS" : "E5000") +
-                                            " route files can't be converted by this build");
+    if (mapType == kMapE5000) {
+      throw Failure(fail::kInvalidCall, "E5000 route files can't be converted by this build");
     }
-    result = ConvertRouteFlat();
+    result = mapType == kMapMVRS ? ConvertRouteMVRS() : ConvertRouteFlat();
 
     // The index is flushed and the code lists written whatever the result.
     UpdateIndexes(0, 0, "", "", "", "", "");

@@ -69,6 +69,11 @@ class clsExchange {
   // Makes a route HIF of the meters to visit again; true on success.
   bool ConvertReRead();
   bool ConvertRouteFlat();
+  // An MVRS route file: each meter with its customer, reading and device
+  // lines as one record; true when all converted with no duplicate tag.
+  bool ConvertRouteMVRS();
+  // Values joined with "~" for a user field, NULs made code 1.
+  static std::string CombineUser(const std::vector<std::string>& values);
   // One line of a flat route file, as values keyed by the map's field names.
   // With onlyRoute, every field is still converted, with all that may fail
   // or count, but only RouteNbr is kept: what a first pass needs.
@@ -101,6 +106,9 @@ class clsExchange {
   bool ConvertReading();
   bool ConvertReadingFlat(int16_t version);
   bool ConvertOrphanFlat(int16_t version);
+  // The MVRS reading file of a reading HIF; false when the person stops it
+  // at a failure.
+  bool ConvertReadingMVRS(int16_t version);
   // The exceptions of the open reading HIF as a new route HIF; count gives
   // the meters written.
   void BuildReReadFile(clsHIF& source, const std::string& destination, int32_t& count);
