@@ -79,5 +79,19 @@ TEST_F(ReadingCommand, DamagedReadingFilesEndInTheDriversWords) {
   EXPECT_TRUE(g.status == 0 || g.status == 1);
 }
 
+// The MVRS road: route file, handheld, reading file, byte for byte.
+TEST_F(ReadingCommand, TheMvrsRoundTripMatchesItsGoldenFile) {
+  const auto route = dir / "mvrs.pdb";
+  const auto routed = Hifx({"route", "--source", kExamples + "route-mvrs.dat", "--dest", route.string(), "--map", "Mvrs"});
+  ASSERT_EQ(routed.status, 0) << routed.out << routed.err;
+  const std::string fill = ShellQuote(HIFX_FILL_READINGS) + " " + ShellQuote(route.string()) + " " +
+                           ShellQuote((dir / "mvrs-reading.pdb").string()) + " --seed 1 >/dev/null";
+  ASSERT_EQ(std::system(fill.c_str()), 0);
+  const auto r = Hifx({"reading", "--source", (dir / "mvrs-reading.pdb").string(), "--dest",
+                       (dir / "mvrs-reading.dat").string(), "--map", "Mvrs", "--no-orphans", "--no-reread"});
+  ASSERT_EQ(r.status, 0) << r.out << r.err;
+  EXPECT_EQ(ReadBytes(dir / "mvrs-reading.dat"), ReadBytes(kData + "example-mvrs-reading.dat"));
+}
+
 }  // namespace
 }  // namespace hifx

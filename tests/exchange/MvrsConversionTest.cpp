@@ -1,0 +1,378 @@
+// MVRS route files into HIF records, and reading HIFs into MVRS reading
+// files. Lines are built and read back through the catalogues by field name.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "base/DateSerial.h"
+#include "exchange/ExchangeText.h"
+#include "formats/mvrs/MvrsCatalogue.h"
+#include "support/RouteSite.h"
+
+namespace hifx {
+namespace {
+
+using test::ReadBytes;
+using test::WriteBytes;
+using Fields = std::map<std::string, std::string>;
+
+// One line of the given kind, its fields set by name.
+std::string Line(const std::vector<RecordSpec>& catalogue, const std::string& kind, const Fields& fields) {
+  for (const auto& type : BuildRecordTypes(catalogue, nullptr)) {
+    if (type->IDText != kind) continue;
+    type->SetValue("RecID", Value(kind));
+    for (const auto& [name, text] : fields) type->SetValue(name, Value(text));
+    return type->Buffer(0);
+  }
+  ADD_FAILURE() << "no kind " << kind;
+  return {};
+}
+std::string Route(const std::string& kind, const Fields& fields = {}) {
+  return Line(MvrsDownloadCatalogue(), kind, fields);
+}
+
+// The values of a reading file's line, by field name.
+clsRecType Parsed(const std::string& line) {
+  for (auto& type : BuildRecordTypes(MvrsUploadCatalogue(), nullptr)) {
+    if (type->TestID(line)) {
+      type->Parse(line);
+      return std::move(*type);
+    }
+  }
+  ADD_FAILURE() << "unknown line " << line;
+  return clsRecType();
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  for (size_t at = 0; at < text.size();) {
+    const size_t end = text.find("\r\n", at);
+    lines.push_back(text.substr(at, end - at));
+    if (end == std::string::npos) break;
+    at = end + 2;
+  }
+  return lines;
+}
+
+class MvrsSite : public test::RouteSite {
+ public:
+  explicit MvrsSite(bool radio = false) { Map({}, 3, "Route", radio ? "MAPOPTIONS=1:Y\r\n" : ""); }
+  bool Convert(const std::vector<std::string>& lines) {
+    Source(lines);
+    return Exchange().ConvertRoute();
+  }
+  std::vector<KeyedCollection<Value>> Meters() {
+    std::vector<KeyedCollection<Value>> meters;
+    for (auto& record : Records()) {
+      if (NumberOf(record.Item("RecType")) == kRecMeter) meters.push_back(record);
+    }
+    return meters;
+  }
+  std::string Log() const {
+    std::string log;
+    for (const auto& line : shell.log) log += line + "\n";
+    return log;
+  }
+};
+
+std::string Text(const KeyedCollection<Value>& record, const char* name) { return TextOf(record.Item(name)); }
+
+TEST(MvrsRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
+  MvrsSite site;
+  const bool ok = site.Convert({
+      Route("FHD"),
+      Route("CHD", {{"NumberRoutes", "0"}, {"CycleDate", "11202026"}}),
+      Route("RHD", {{"RouteNumber", "R1"}, {"Region", "NE"}, {"Zone", "01"}, {"Office", "05"},
+                    {"NumberRemoteWandReads", "3"}, {"NumberCustomerRecords", "2"}, {"NumberMeterRecords", "3"}}),
+      Route("RTS", {{"SurveyText1", "Lost: no meter yet"}}),
+      Route("CUS", {{"Account", "A-1"}, {"Name", "SMITH"}, {"Address1", "1 MAIN"}, {"GroupCode", "R"},
+                    {"ExtraIndicator", "Y"}, {"SegmentCode", "S1"}, {"UtilityID", "01"}, {"CustomerInfo", "GATE"}}),
+      Route("CSX", {{"Name", "JONES"}, {"Address3", "ANNEX"}}),
+      Route("MTR", {{"MeterNumber", "M1"}, {"MeterCategory", "G"}, {"MeterType", "4"}, {"ReadSequence", "40000"},
+                    {"MeterLocation", "07"}, {"LocationExtraMeter", "Q"}, {"AdditionalMeterInfo", "CELLAR"}}),
+      Route("RTS", {{"SurveyText1", "Yard"}, {"SurveyText2", "kept, not packed"}}),
+      Route("MTS", {{"SpecialMessageText", "Dog"}}),
+      Route("RDG", {{"NumberDials", "5"}, {"ReadMethod", "P"}, {"PreviousReading", "111"}}),
+      Route("RDG", {{"NumberDials", "6"}, {"ReadMethod", "K"}, {"PreviousReading", "222"}, {"High1", "300"},
+                    {"Low1", "200"}, {"NumberDecimals", "1"}, {"TextPrompt", "KWH"}, {"CompareCode", "5"}}),
+      Route("RFF", {{"RFERTID", "00004711"}, {"GeographicArea", "12"}, {"RFFrequency", "952"}, {"Tamper", "3"}}),
+      Route("WRR", {{"WandProgram", "WP01"}, {"DeviceID", "WAND1"}}),
+      Route("CUS", {{"Account", "A-2"}}),  // no meter: no record
+      Route("CUS", {{"Account", "A-3"}, {"Name", "LEE"}}),
+      Route("MTR", {{"MeterNumber", "M2"}, {"MeterCategory", "X"}, {"ReadSequence", "5"}}),
+      Route("ERH", {{"RouteNumber", "R9"}}),  // not a route of the table
+      Route("MTR", {{"MeterNumber", "M3"}, {"MeterCategory", "W"}}),
+      "ZZZ an unknown line ends the file here",
+      Route("MTR", {{"MeterNumber", "M4"}}),
+  });
+  EXPECT_TRUE(ok) << site.Log();
+  const auto records = site.Records();
+  ASSERT_GE(records.size(), 2u);
+  EXPECT_EQ(NumberOf(records[0].Item("RouteNbr")), 1);
+  EXPECT_EQ(NumberOf(records[0].Item("PrvReading")), 3);
+  EXPECT_EQ(Text(records[0], "User1"), "2~3");
+  EXPECT_EQ(Text(records[0], "Initials"), "HIF loaded from " + (site.dir / "route.txt").string());
+  EXPECT_EQ(Text(records[1], "Initials"), "R1      ");
+  EXPECT_EQ(NumberOf(records[1].Item("PrvReading")), 3);
+  EXPECT_EQ(Text(records[1], "User1"), "NE~01~05~2026-11-20~3");
+
+  const auto meters = site.Meters();
+  ASSERT_EQ(meters.size(), 3u);  // M1, M2, M3; not M4
+  const auto& m1 = meters[0];
+  EXPECT_EQ(NumberOf(m1.Item("RouteNbr")), 1);
+  EXPECT_EQ(NumberOf(m1.Item("Sequence")), 0);  // 40000 doesn't fit
+  EXPECT_EQ(NumberOf(m1.Item("MeterTagNbr")), 4711);
+  EXPECT_EQ(NumberOf(m1.Item("MeterType")), 2);
+  EXPECT_EQ(NumberOf(m1.Item("Digits")), 6);
+  EXPECT_EQ(NumberOf(m1.Item("Decimals")), 1);
+  EXPECT_EQ(NumberOf(m1.Item("PrvReading")), 222);
+  EXPECT_EQ(NumberOf(m1.Item("MaxReading")), 300);
+  EXPECT_EQ(NumberOf(m1.Item("MinReading")), 200);
+  EXPECT_EQ(NumberOf(m1.Item("ReadType")), 2);
+  EXPECT_EQ(NumberOf(m1.Item("TamperCount")), 3);
+  EXPECT_EQ(Text(m1, "ServiceAddress"), "1 MAIN" + std::string(34, ' ') + "ANNEX");
+  EXPECT_EQ(Text(m1, "BillingName"), "SMITH" + std::string(15, ' ') + "JONES");
+  EXPECT_EQ(Text(m1, "ServiceUniqueID"), "A-1" + std::string(17, ' '));
+  EXPECT_EQ(Text(m1, "User1"), "0~A-1" + std::string(17, ' ') + "~R~Y~S1  ~~GATE" + std::string(16, ' '));
+  EXPECT_EQ(Text(m1, "User2"), " ~ ~ ~ ~ ~" + std::string(14, ' ') + "~4~7~0~0~0~Yard" + std::string(36, ' ') +
+                                   "~Q~CELLAR" + std::string(14, ' ') + "~40000");
+  EXPECT_EQ(Text(m1, "User3"), "KWH ~ ~5~0~K~0~0~0~1");
+  EXPECT_EQ(Text(m1, "User4"), "12~952         ~    ~~WAND1         ~WP01");
+  EXPECT_EQ(Text(m1, "User5"), "Dog" + std::string(97, ' '));
+
+  // A meter with no reading line: zeros, and no read type at all.
+  const auto& m2 = meters[1];
+  EXPECT_EQ(NumberOf(m2.Item("Digits")), 0);
+  EXPECT_EQ(NumberOf(m2.Item("PrvReading")), 0);
+  EXPECT_EQ(NumberOf(m2.Item("ReadType")), 0);
+  EXPECT_EQ(NumberOf(m2.Item("MeterType")), 0);  // "X" leaves the default
+  EXPECT_EQ(NumberOf(meters[2].Item("RouteNbr")), 1);  // under the route before "ERH"
+  EXPECT_EQ(site.Log().find("ZZZ"), std::string::npos);
+}
+
+TEST(MvrsRoute, RadioOptionTakesAnEightDigitMeterNumberAsTheTag) {
+  for (const bool option : {true, false}) {
+    MvrsSite site(option);
+    ASSERT_TRUE(site.Convert({
+        Route("CHD", {{"NumberRoutes", "1"}}),
+        Route("RHD", {{"RouteNumber", "R1"}}),
+        Route("CUS"),
+        Route("MTR", {{"MeterNumber", "12345678"}}),
+        Route("RDG", {{"ReadMethod", "K"}}),
+        Route("MTR", {{"MeterNumber", "1234567"}}),
+        Route("RDG", {{"ReadMethod", "K"}}),
+        Route("MTR", {{"MeterNumber", "87654321"}}),
+        Route("RFF", {{"RFERTID", "555"}}),
+    }));
+    const auto meters = site.Meters();
+    ASSERT_EQ(meters.size(), 3u);
+    EXPECT_EQ(NumberOf(meters[0].Item("MeterTagNbr")), option ? 12345678 : 0);
+    EXPECT_EQ(NumberOf(meters[0].Item("ReadType")), option ? 1 : 2);
+    EXPECT_EQ(NumberOf(meters[1].Item("MeterTagNbr")), 0);
+    EXPECT_EQ(NumberOf(meters[1].Item("ReadType")), 2);
+    EXPECT_EQ(NumberOf(meters[2].Item("MeterTagNbr")), 555);  // a later transponder line wins
+  }
+}
+
+TEST(MvrsRoute, ADuplicateTransponderIsAProblemButEveryMeterIsWritten) {
+  MvrsSite site;
+  EXPECT_FALSE(site.Convert({
+      Route("CHD", {{"NumberRoutes", "1"}}),
+      Route("RHD", {{"RouteNumber", "R1"}}),
+      Route("CUS", {{"Name", "SMITH"}, {"Address1", "1 MAIN"}}),
+      Route("MTR"),
+      Route("RFF", {{"RFERTID", "42"}}),
+      Route("MTR"),
+      Route("RFF", {{"RFERTID", "0042"}}),
+  }));
+  EXPECT_EQ(site.Meters().size(), 2u);
+  const std::string log = site.Log();
+  EXPECT_NE(log.find("Meter Tag Number of 42 is duplicate in Line 7\n   Info: SMITH" + std::string(15, ' ') +
+                     " 1 MAIN"),
+            std::string::npos)
+      << log;
+  EXPECT_NE(log.find("Problems encountered; Route file unusable\n"), std::string::npos);
+}
+
+TEST(MvrsRoute, ARouteWithoutACycleFailsInTheDriversFrame) {
+  MvrsSite site;
+  EXPECT_FALSE(site.Convert({Route("FHD"), Route("RHD", {{"RouteNumber", "R1"}}), Route("CUS"), Route("MTR")}));
+  ASSERT_EQ(site.shell.questions.size(), 1u);
+  EXPECT_EQ(site.shell.questions[0].text, "Subscript out of range");
+  EXPECT_EQ(site.shell.questions[0].title, "Error");
+  // Garbage from the first line: nothing read, nothing written.
+  MvrsSite garbage;
+  EXPECT_FALSE(garbage.Convert({std::string(5000, 'x'), Route("CHD")}));
+  EXPECT_NE(garbage.Log().find("The RouteHIF contains no meter records."), std::string::npos);
+}
+
+// ---- Reading files
+
+struct ReadMeter {
+  int route = 1;
+  int status = 1, readType = 2, reading = 0, decimals = 0, meterType = 1, response = 0;
+  std::string serial = "M1";
+  std::string user2;
+  int recType = 2;
+};
+
+class MvrsReadingSite : public MvrsSite {
+ public:
+  MvrsReadingSite() {
+    Exchange().ReadingSource = (dir / "reading.pdb").string();
+    Exchange().ReadingDestination = (dir / "reading.dat").string();
+    Exchange().ReadingMap = "Read";
+    WriteBytes(dir / "Read.hrm", "HIF=1.1\r\nMAPNAME=Read.hrm\r\nMAPTYPE=3\r\n");
+  }
+  void Hif(const std::vector<ReadMeter>& meters, int routes = 2, int routeRecType = 1) {
+    test::TestShell quiet;
+    clsHIF hif(quiet);
+    hif.SetVersion(3);
+    hif.CreateHIF(dir / "reading.pdb", kFilePDB, 100);
+    hif.AddNew();
+    hif.SetItem("RecType", Value::Long(0));
+    hif.SetItem("RouteNbr", Value::Long(routes));
+    hif.SetItem("MeterType", Value::Long(3));
+    hif.WriteData();
+    for (int r = 1; r <= routes; ++r) {
+      hif.AddNew();
+      hif.SetItem("RecType", Value::Long(routeRecType));
+      hif.SetItem("RouteNbr", Value::Long(r));
+      hif.SetItem("Initials", Value("ROUTE" + std::to_string(r)));
+      hif.SetItem("User1", Value("NE~01~05~2026-11-20~3"));
+      hif.WriteData();
+    }
+    for (const ReadMeter& m : meters) {
+      hif.AddNew();
+      hif.SetItem("RecType", Value::Long(m.recType));
+      hif.SetItem("RouteNbr", Value::Long(m.route));
+      hif.SetItem("Sequence", Value::Long(7));
+      hif.SetItem("MeterType", Value::Long(m.meterType));
+      hif.SetItem("Digits", Value::Long(6));
+      hif.SetItem("Decimals", Value::Long(m.decimals));
+      hif.SetItem("PrvReading", Value::Long(500));
+      hif.SetItem("CurReading", Value::Long(m.reading));
+      hif.SetItem("ReadingDate", Value::Long(20240305));
+      hif.SetItem("ReadingTime", Value::Long(83015));
+      hif.SetItem("Status", Value::Long(m.status));
+      hif.SetItem("ReadType", Value::Long(m.readType));
+      hif.SetItem("ResponseCode", Value::Long(m.response));
+      hif.SetItem("ServiceAddress", Value("1 MAIN"));
+      hif.SetItem("BillingName", Value("SMITH"));
+      hif.SetItem("MeterSerialNbr", Value(m.serial));
+      hif.SetItem("User1", Value("0~A-1~R~N~S1~P~INFO"));
+      hif.SetItem("User2", Value(m.user2));
+      hif.SetItem("User3", Value("KWH~F~5~12~K~1~1~2~0"));
+      hif.WriteData();
+    }
+  }
+  std::vector<std::string> Output() { return Lines(ReadBytes(dir / "reading.dat")); }
+};
+
+TEST(MvrsReading, CountsCodesAndReadingsOfEachMeter) {
+  MvrsReadingSite site;
+  site.Hif({
+      {.status = 0, .readType = 0, .reading = 0},                   // unread
+      {.status = 1, .readType = 4, .reading = 0},                   // skipped
+      {.status = 0, .readType = 2, .reading = 0, .meterType = 2},  // missed, coded as skipped
+      {.status = 1, .readType = 2, .reading = 12345, .decimals = 2, .meterType = 3, .response = 4},
+      {.status = 1, .readType = 1, .reading = 77, .user2 = "~~~~~~W~."},
+      {.status = 1, .readType = 3, .reading = 5, .serial = "0", .user2 = "~~~~~~~7~~~~Yard"},
+  });
+  ASSERT_TRUE(site.Exchange().ConvertReading()) << site.Log();
+  const auto lines = site.Output();
+  ASSERT_EQ(lines.size(), 1u + 1u + 6u * 3u + 1u + 1u);
+  const clsRecType fhd = Parsed(lines[0]);
+  EXPECT_EQ(lines[0].size(), 126u);
+  EXPECT_EQ(TextOf(fhd.GetValue("NumberRoutes")), "2");
+  EXPECT_EQ(TextOf(fhd.GetValue("NumberReadRecords")), "6");
+  const clsRecType rhd = Parsed(lines[1]);
+  const std::map<std::string, int32_t> counts = {
+      {"TotalCustomerRecords", 6}, {"NumberMeterRecords", 6}, {"NumberWaterMeters", 4},
+      {"NumberGasMeters", 1},      {"NumberElectricMeters", 1}, {"NumberMissedReadings", 2},
+      {"NumberSkippedReadings", 1}, {"TotalNumberKeyedReadings", 1}, {"TotalNumberOffsiteRadioReadings", 1},
+      {"TotalNumberOpticalProbeReadings", 1}, {"NumberLocationMeters", 0}};
+  for (const auto& [name, count] : counts) EXPECT_EQ(NumberOf(rhd.GetValue(name)), count) << name;
+  EXPECT_EQ(lines[1].substr(45, 6), "0     ");  // time used: one zero
+  EXPECT_EQ(rhd.GetValue("ScheduledReadDate"), Value::Date(DateSerial(2026, 11, 20)));
+  EXPECT_EQ(lines.back().substr(0, 3), "FTR");
+  EXPECT_EQ(lines[lines.size() - 2].substr(0, 3), "RTR");
+
+  struct Expect {
+    const char* readCode;
+    const char* readMethod;
+    const char* newReadMethod;
+    const char* reading;
+    const char* date;
+    const char* time;
+  };
+  const Expect expected[] = {{" ", "N", "N", "0000000000", "00000000", "000000"},
+                             {"S", "N", "N", "0000000000", "03052024", "083015"},
+                             {"S", "K", "N", "0000000000", "00000000", "000000"},
+                             {"O", "K", "K", "0000000123", "03052024", "083015"},
+                             {"N", "R", "R", "0000000077", "03052024", "083015"},
+                             {"N", "W", "W", "0000000005", "03052024", "083015"}};
+  for (size_t i = 0; i < 6; ++i) {
+    const std::string& rdgLine = lines[2 + i * 3 + 2];
+    const clsRecType rdg = Parsed(rdgLine);
+    ASSERT_EQ(rdg.IDText, "RDG");
+    EXPECT_EQ(rdgLine.substr(61, 1), expected[i].readCode) << i;
+    EXPECT_EQ(rdgLine.substr(25, 1), expected[i].readMethod) << i;
+    EXPECT_EQ(rdgLine.substr(93, 1), expected[i].newReadMethod) << i;
+    EXPECT_EQ(rdgLine.substr(33, 10), expected[i].reading) << i;
+    EXPECT_EQ(rdgLine.substr(47, 8), expected[i].date) << i;
+    EXPECT_EQ(rdgLine.substr(55, 6), expected[i].time) << i;
+    EXPECT_EQ(rdgLine.substr(63, 2), "00") << i;  // the reason is always cleared
+    EXPECT_EQ(rdgLine.substr(105, 10), "0000000500") << i;
+  }
+  const clsRecType troubled = Parsed(lines[2 + 3 * 3 + 1]);
+  EXPECT_EQ(TextOf(troubled.GetValue("TroubleMessageIndicator")), "Y");
+  const std::string& radio = lines[2 + 4 * 3 + 1];
+  EXPECT_EQ(radio.substr(59, 2), "00");  // "W" as the meter type
+  EXPECT_EQ(radio.substr(78, 2), "00");  // a location with a point
+  const clsRecType probe = Parsed(lines[2 + 5 * 3 + 1]);
+  EXPECT_EQ(TextOf(probe.GetValue("MeterLocation")), "07");
+  EXPECT_EQ(TextOf(probe.GetValue("MeterNumber")), std::string(12, ' '));
+  EXPECT_EQ(TextOf(probe.GetValue("OriginalAdditionalMeterInfo")), std::string(20, ' '));
+  EXPECT_EQ(TextOf(probe.GetValue("LocationExtraMeter")), "Y");  // the survey text's first letter
+}
+
+TEST(MvrsReading, RoutesWithoutMetersGiveOnlyTheFileLines) {
+  MvrsReadingSite site;
+  site.Hif({}, 3, 256);
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  const auto lines = site.Output();
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], "FHDN N 003000000000000000000N" + std::string(91, ' ') + "000000");
+  EXPECT_EQ(lines[1].substr(0, 3), "FTR");
+}
+
+TEST(MvrsReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
+  MvrsReadingSite site;
+  site.Hif({{.route = 1}, {.route = 5}, {.route = 1}});
+  // Ignored while counting, then Abort while writing: what was written
+  // stays, with no trailer.
+  site.shell.answers = {MsgAnswer::Ignore};
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  ASSERT_EQ(site.shell.questions.size(), 2u);
+  EXPECT_EQ(site.shell.questions[0].text, "Subscript out of range");
+  EXPECT_EQ(site.shell.questions[0].buttons, MsgButtons::AbortRetryIgnore);
+  auto lines = site.Output();
+  ASSERT_EQ(lines.size(), 6u);
+  EXPECT_EQ(lines[5].substr(0, 3), "RTR");
+
+  // Retry runs the step again; Ignore goes on to the end.
+  site.shell.questions.clear();
+  site.shell.answers = {MsgAnswer::Retry, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore,
+                        MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore,
+                        MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore};
+  WriteBytes(site.dir / "reading.dat", "");
+  std::filesystem::remove(site.dir / "reading.dat");
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  EXPECT_GE(site.shell.questions.size(), 3u);
+  lines = site.Output();
+  EXPECT_EQ(lines.back().substr(0, 3), "FTR");
+}
+
+}  // namespace
+}  // namespace hifx
