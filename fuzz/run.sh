@@ -5,7 +5,7 @@
 # Exits non-zero when a fuzzer finds a crash, a leak, a timeout or a memory
 # blow-up; the input that did it is left in build/fuzz/artifacts/NAME/.
 #
-#   fuzz/run.sh [SECONDS] [NAME]...      NAME: hif_read map_load dist_load route_flat reading
+#   fuzz/run.sh [SECONDS] [NAME]...      NAME: hif_read map_load dist_load route_flat reading route_mvrs
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,7 +15,7 @@ case "$seconds" in
   ''|*[!0-9]*) echo "usage: fuzz/run.sh [SECONDS] [NAME]..." >&2; exit 2 ;;
 esac
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(hif_read map_load dist_load route_flat reading)
+[ ${#names[@]} -gt 0 ] || names=(hif_read map_load dist_load route_flat reading route_mvrs)
 
 cmake --preset fuzz >/dev/null
 targets=()
@@ -35,6 +35,7 @@ for name in "${names[@]}"; do
   case "$name" in
     hif_read) options+=(-dict=fuzz/hif.dict) ;;
     map_load) options+=(-dict=fuzz/map.dict) ;;
+    route_mvrs) options+=(-dict=fuzz/mvrs.dict) ;;
   esac
   status=0
   build/fuzz/fuzz/fuzz_"$name" "$corpus" "${options[@]}" 2> "build/fuzz/$name.log" || status=$?

@@ -1,6 +1,8 @@
 #include "base/DateText.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <cmath>
 #include <cstdio>
 
@@ -108,10 +110,14 @@ bool ReadDateText(std::string_view text, double& serial) {
 std::string FormatDateValue(double serial, std::string_view pattern) {
   const CivilTime t = FromDateValue(serial);
   std::string out;
-  char buf[8];
-  auto put = [&](int value, int width) {
-    std::snprintf(buf, sizeof buf, "%0*d", width, value);
-    out += buf;
+  auto put = [&out](int value, int width) {
+    char digits[12];
+    int n = 0;
+    for (unsigned v = static_cast<unsigned>(value < 0 ? 0 : value); n < width || v > 0; v /= 10) {
+      digits[n++] = static_cast<char>('0' + v % 10);
+      if (n == 11) break;
+    }
+    while (n > 0) out += digits[--n];
   };
   for (size_t i = 0; i < pattern.size();) {
     const std::string_view rest = pattern.substr(i);
@@ -148,8 +154,14 @@ std::string FormatZeros(double value, int digits, int decimals) {
   const double scale = std::pow(10.0, decimals);
   const double scaled = std::round(std::fabs(value) * scale);  // halves away from zero
   char buf[400];
-  std::snprintf(buf, sizeof buf, "%.0f", scaled);
-  std::string body = buf;
+  std::string body;
+  if (scaled < 9e18) {
+    const auto end = std::to_chars(buf, buf + sizeof buf, static_cast<int64_t>(scaled)).ptr;
+    body.assign(buf, end);
+  } else {
+    std::snprintf(buf, sizeof buf, "%.0f", scaled);
+    body = buf;
+  }
   const auto whole = static_cast<size_t>(std::max(digits, 0) + std::max(decimals, 0));
   if (body.size() < whole) body.insert(0, whole - body.size(), '0');
   if (decimals > 0 && body.size() > static_cast<size_t>(decimals)) body.insert(body.size() - static_cast<size_t>(decimals), ".");

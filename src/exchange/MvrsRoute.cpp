@@ -65,7 +65,10 @@ struct MvrsMeter {
   int32_t ConstantFlag = 0, HHFPosition = 0, NumberDecimals = 0, High1 = 0, Low1 = 0;
 };
 
-std::string Text(const clsRecType& record, const char* name) { return TextOf(record.GetValue(name)); }
+std::string Text(const clsRecType& record, const char* name) {
+  const Value& value = record.GetValue(name);
+  return value.IsText() ? value.Text() : TextOf(value);
+}
 int32_t Number(const clsRecType& record, const char* name) { return NumberOf(record.GetValue(name)); }
 std::string Str(int32_t number) { return std::to_string(number); }
 

@@ -139,9 +139,14 @@ void clsField::Insert(std::string& buffer, const Value& value, IShell* shell) co
   const auto start = static_cast<size_t>(Start - 1);
   const auto length = static_cast<size_t>(Length);
   if (buffer.size() < start + length) buffer.resize(start + length, ' ');
-  std::string text = FieldText(value, shell);
-  text.resize(length, ' ');
-  buffer.replace(start, length, text);
+  // A text goes straight in: the common case, with no copy on the way.
+  const bool plain = value.IsText() && (FieldType == fldText || ((FieldType == fldTime) && (Length == 4 || Length == 6)));
+  std::string formatted;
+  const std::string& text = plain ? value.Text() : (formatted = FieldText(value, shell));
+  const size_t used = std::min(text.size(), length);
+  buffer.replace(start, used, text, 0, used);
+  std::fill(buffer.begin() + static_cast<std::ptrdiff_t>(start + used),
+            buffer.begin() + static_cast<std::ptrdiff_t>(start + length), ' ');
 }
 
 }  // namespace hifx

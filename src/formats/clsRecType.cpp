@@ -1,8 +1,24 @@
 #include "formats/clsRecType.h"
 
+#include <algorithm>
+
 #include "base/Failure.h"
 
 namespace hifx {
+
+namespace {
+
+// Length and the first, middle and last letters of a name, case folded: two
+// names that differ here can't be equal.
+uint32_t Signature(std::string_view name) {
+  if (name.empty()) return 0;
+  const auto letter = [](char c) { return static_cast<uint32_t>(static_cast<unsigned char>(FoldCase(c))); };
+  return static_cast<uint32_t>(name.size() & 0xFF) | letter(name.front()) << 8 | letter(name[name.size() / 2]) << 16 |
+         letter(name.back()) << 24;
+}
+
+}  // namespace
+
 
 void clsRecType::SetID(int16_t start, int16_t length, std::string id) {
   IDStart = start;
@@ -11,15 +27,21 @@ void clsRecType::SetID(int16_t start, int16_t length, std::string id) {
 }
 
 void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t start, int16_t length) {
-  if (byName_.count(fieldName) != 0) throw Failure(fail::kDuplicateKey);
+  size_t existing = 0;
+  if (FindField(fieldName, existing) != nullptr) throw Failure(fail::kDuplicateKey);
   clsField field;
   field.FieldName = std::move(fieldName);
   field.FieldType = fieldType;
   field.Start = start == 0 ? static_cast<int16_t>(recLen_ + 1) : start;
   field.Length = length;
   recLen_ = static_cast<int16_t>(recLen_ + length);
-  byName_.emplace(field.FieldName, fields_.size());
+  const uint32_t signature = Signature(field.FieldName);
+  signatures_.push_back(signature);
   fields_.push_back(std::move(field));
+  if (fields_.size() > kTableSize / 2) throw Failure(fail::kOutOfMemory);
+  size_t at = SlotOf(signature);
+  while (table_[at] != 0) at = (at + 1) & (kTableSize - 1);
+  table_[at] = static_cast<uint16_t>(fields_.size());
   values_.emplace_back();
 }
 
@@ -32,7 +54,8 @@ bool clsRecType::TestID(std::string_view line) const {
 
 void clsRecType::ClearFields() {
   fields_.clear();
-  byName_.clear();
+  signatures_.clear();
+  table_.fill(0);
   values_.clear();
 }
 
@@ -52,17 +75,28 @@ std::string clsRecType::Dump() const {
   return {};
 }
 
-const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const {
-  const auto it = byName_.find(name);
-  if (it == byName_.end()) return nullptr;
-  slot = it->second;
-  return &fields_[slot];
+size_t clsRecType::SlotOf(uint32_t signature) {
+  return static_cast<size_t>((signature * 2654435761u) >> (32 - kTableBits));
 }
 
-Value clsRecType::GetValue(std::string_view name) const {
+const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const {
+  const uint32_t signature = Signature(name);
+  for (size_t at = SlotOf(signature);; at = (at + 1) & (kTableSize - 1)) {
+    const uint16_t entry = table_[at];
+    if (entry == 0) return nullptr;
+    const size_t i = entry - 1u;
+    if (signatures_[i] == signature && EqualsCaseBlind(fields_[i].FieldName, name)) {
+      slot = i;
+      return &fields_[i];
+    }
+  }
+}
+
+const Value& clsRecType::GetValue(std::string_view name) const {
+  static const Value kNone;
   size_t slot = 0;
-  if (FindField(name, slot) != nullptr) return values_[slot].value_or(Value());
-  return otherValues_.Contains(name) ? otherValues_.Item(name) : Value();
+  if (FindField(name, slot) != nullptr) return values_[slot] ? *values_[slot] : kNone;
+  return otherValues_.Contains(name) ? otherValues_.Item(name) : kNone;
 }
 
 void clsRecType::SetValue(std::string_view name, Value value) {
@@ -83,6 +117,7 @@ bool clsRecType::Init() {
 
 std::string clsRecType::Buffer(int16_t length) const {
   std::string line;
+  line.reserve(static_cast<size_t>(std::max<int>({recLen_, length, 0})));
   try {
     for (size_t i = 0; i < fields_.size(); ++i) {
       if (values_[i]) fields_[i].Insert(line, *values_[i], shell_);

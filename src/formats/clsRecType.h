@@ -3,11 +3,11 @@
 // every line; conversions then work by field name only.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "base/CaseBlind.h"
@@ -44,7 +44,7 @@ class clsRecType {
   // Walks the fields as a debugging aid would; leaves no trace.
   std::string Dump() const;
   // The value of a field, or empty when it has none.
-  Value GetValue(std::string_view name) const;
+  const Value& GetValue(std::string_view name) const;
   void SetValue(std::string_view name, Value value);
   // Clears the values; always false.
   bool Init();
@@ -61,7 +61,13 @@ class clsRecType {
   IShell* shell_;
   int16_t recLen_ = 0;
   std::vector<clsField> fields_;
-  std::unordered_map<std::string, size_t, CaseBlindHash, CaseBlindEqual> byName_;
+  // Fields by name: an open-addressed table of field numbers from 1, keyed
+  // by a signature of the name.
+  static constexpr size_t kTableBits = 7;
+  static constexpr size_t kTableSize = size_t{1} << kTableBits;
+  static size_t SlotOf(uint32_t signature);
+  std::vector<uint32_t> signatures_;  // one a field
+  std::array<uint16_t, kTableSize> table_{};
   std::vector<std::optional<Value>> values_;  // one a field, in field order
   KeyedCollection<Value> otherValues_;        // set under names no field has
 };

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Times both MVRS conversions on generated files: `hifx route` of an MVRS
+# route file of 32,767 meters in 100 routes (indexes on), and `hifx reading`
+# of a filled HIF of 32,500 meters (indexes off, so that the file stays
+# within its 32,767 records) into an MVRS reading file.
+# Prints the wall time and peak memory of each run. Figures only, not a test.
+#
+#   bench/mvrs_bench.sh [RUNS]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+runs="${1:-5}"
+cmake --preset release >/dev/null
+cmake --build --preset release -j2 --target hifx fill_readings >/dev/null
+hifx=build/release/src/hifx
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+site=(--site "$work/site")
+"$hifx" "${site[@]}" dist load examples/site.dst 2>/dev/null
+
+awk -v meters=32767 -f bench/mvrs_route.awk > "$work/route.dat"
+echo "route file: $(wc -l < "$work/route.dat") lines, $(du -k "$work/route.dat" | cut -f1) KB"
+for run in $(seq "$runs"); do
+  rm -f "$work/route.pdb"
+  /usr/bin/time -f "route run $run: %e s wall (%U user, %S system), %M KB peak" \
+    "$hifx" "${site[@]}" route --source "$work/route.dat" --dest "$work/route.pdb" --map Mvrs > "$work/log.txt"
+done
+grep -E "meters written|Error|Problems" "$work/log.txt" || true
+
+printf 'DIST 1.0\r\n[REGISTRY]\r\nToken:\r\n> IndexControl = "0"\r\n' > "$work/noindex.dst"
+"$hifx" "${site[@]}" dist load "$work/noindex.dst" 2>/dev/null
+awk -v meters=32500 -f bench/mvrs_route.awk > "$work/route.dat"
+rm -f "$work/route.pdb"
+"$hifx" "${site[@]}" route --source "$work/route.dat" --dest "$work/route.pdb" --map Mvrs > /dev/null
+build/release/tools/fill_readings "$work/route.pdb" "$work/reading.pdb" --seed 7 >/dev/null
+count=$(od -An -tu1 -j76 -N2 "$work/reading.pdb" | awk '{print $1 * 256 + $2}')
+echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $count records"
+for run in $(seq "$runs"); do
+  rm -f "$work/reading.dat"
+  /usr/bin/time -f "reading run $run: %e s wall (%U user, %S system), %M KB peak" \
+    "$hifx" "${site[@]}" reading --source "$work/reading.pdb" --dest "$work/reading.dat" --map Mvrs \
+    --no-orphans --no-reread > "$work/log.txt"
+done
+grep -E "Error" "$work/log.txt" || true
+echo "reading file: $(wc -l < "$work/reading.dat") lines, $(head -c 126 "$work/reading.dat")"
