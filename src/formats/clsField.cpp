@@ -53,12 +53,13 @@ bool IsZero(const Value& value) {
 }  // namespace
 
 Value clsField::Extract(std::string_view buffer, IShell* shell) const {
-  const std::string text =
-      (Start < 1 || Length < 0) ? std::string() : Piece(buffer, static_cast<size_t>(Start - 1), static_cast<size_t>(Length));
+  const std::string_view text = (Start < 1 || Length < 0 || static_cast<size_t>(Start - 1) >= buffer.size())
+                                    ? std::string_view()
+                                    : buffer.substr(static_cast<size_t>(Start - 1), static_cast<size_t>(Length));
   double number = 0.0;
   double serial = 0.0;
   switch (FieldType) {
-    case fldText: return Value(text);
+    case fldText: return Value(std::string(text));
     case fldInteger:
       try {
         if (ParseWholeNumber(text, number)) return Value::Integer(ToInt16(number));
@@ -76,7 +77,7 @@ Value clsField::Extract(std::string_view buffer, IShell* shell) const {
     case fldDouble:
     case fldDecimal: return Value::Double(ParseWholeNumber(text, number) ? number : 0.0);
     case fldDate: {
-      std::string date = text;
+      std::string date(text);
       if (Length == 6 || Length == 8) {
         date = Piece(text, 0, 2) + "/" + Piece(text, 2, 2) + "/" + Piece(text, 4, Length == 6 ? 2 : 4);
       }

@@ -43,6 +43,7 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   while (table_[at] != 0) at = (at + 1) & (kTableSize - 1);
   table_[at] = static_cast<uint16_t>(fields_.size());
   values_.emplace_back();
+  pending_.push_back(false);
 }
 
 bool clsRecType::TestID(std::string_view line) const {
@@ -57,17 +58,22 @@ void clsRecType::ClearFields() {
   signatures_.clear();
   table_.fill(0);
   values_.clear();
+  pending_.clear();
 }
 
 void clsRecType::ClearValues() {
   for (auto& value : values_) value.reset();
+  std::fill(pending_.begin(), pending_.end(), false);
   otherValues_ = KeyedCollection<Value>();
 }
 
 void clsRecType::Parse(std::string_view line) {
   ClearValues();
   RawText.assign(line);
-  for (size_t i = 0; i < fields_.size(); ++i) values_[i] = fields_[i].Extract(line, shell_);
+  // Every field has a value from now on; each is taken from the line when
+  // first asked for.
+  parsedLine_.assign(line);
+  std::fill(pending_.begin(), pending_.end(), true);
 }
 
 std::string clsRecType::Dump() const {
@@ -92,10 +98,19 @@ const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const
   }
 }
 
+void clsRecType::Materialize(size_t slot) const {
+  if (!pending_[slot]) return;
+  values_[slot] = fields_[slot].Extract(parsedLine_, shell_);
+  pending_[slot] = false;
+}
+
 const Value& clsRecType::GetValue(std::string_view name) const {
   static const Value kNone;
   size_t slot = 0;
-  if (FindField(name, slot) != nullptr) return values_[slot] ? *values_[slot] : kNone;
+  if (FindField(name, slot) != nullptr) {
+    Materialize(slot);
+    return values_[slot] ? *values_[slot] : kNone;
+  }
   return otherValues_.Contains(name) ? otherValues_.Item(name) : kNone;
 }
 
@@ -103,6 +118,7 @@ void clsRecType::SetValue(std::string_view name, Value value) {
   size_t slot = 0;
   if (FindField(name, slot) != nullptr) {
     values_[slot] = std::move(value);
+    pending_[slot] = false;
   } else if (otherValues_.Contains(name)) {
     otherValues_.Set(name, std::move(value));
   } else {
@@ -120,6 +136,7 @@ std::string clsRecType::Buffer(int16_t length) const {
   line.reserve(static_cast<size_t>(std::max<int>({recLen_, length, 0})));
   try {
     for (size_t i = 0; i < fields_.size(); ++i) {
+      Materialize(i);
       if (values_[i]) fields_[i].Insert(line, *values_[i], shell_);
     }
   } catch (const Failure& failure) {

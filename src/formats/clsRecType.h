@@ -68,7 +68,11 @@ class clsRecType {
   static size_t SlotOf(uint32_t signature);
   std::vector<uint32_t> signatures_;  // one a field
   std::array<uint16_t, kTableSize> table_{};
-  std::vector<std::optional<Value>> values_;  // one a field, in field order
+  // Values of a parsed line are taken from it when first asked for.
+  void Materialize(size_t slot) const;
+  mutable std::vector<std::optional<Value>> values_;  // one a field, in field order
+  mutable std::vector<bool> pending_;                 // parsed but not yet taken
+  std::string parsedLine_;
   KeyedCollection<Value> otherValues_;        // set under names no field has
 };
 
