@@ -3,7 +3,8 @@
 # loads the example site into a fresh site folder, converts the fixed-column
 # example route file into a route HIF and shows what it holds, fills it with
 # readings as a handheld does, and converts the readings into the billing
-# file, the orphan file and the re-read file.
+# file, the orphan file and the re-read file; then the same road for the MVRS
+# example route file.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -44,3 +45,12 @@ echo "== $out/orphans.txt"
 cat "$out/orphans.txt"
 echo "== hifx view $out/reread.pdb --route 1"
 $hifx view "$out/reread.pdb" --route 1
+
+echo "== hifx route --source examples/route-mvrs.dat --map Mvrs   (an MVRS route file)"
+$hifx route --source examples/route-mvrs.dat --dest "$out/mvrs-route.pdb" --map Mvrs
+$hifx view "$out/mvrs-route.pdb"
+echo "== fill_readings $out/mvrs-route.pdb $out/mvrs-reading.pdb; hifx reading --map Mvrs"
+build/default/tools/fill_readings "$out/mvrs-route.pdb" "$out/mvrs-reading.pdb" --seed 1
+$hifx reading --source "$out/mvrs-reading.pdb" --dest "$out/mvrs-reading.dat" --map Mvrs --no-orphans --no-reread
+echo "== $out/mvrs-reading.dat"
+cat "$out/mvrs-reading.dat"

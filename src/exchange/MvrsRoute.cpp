@@ -97,7 +97,7 @@ std::string clsExchange::CombineUser(const std::vector<std::string>& values) {
 bool clsExchange::ConvertRouteMVRS() {
   HadWarnings = false;
   HadProblems = false;
-  const std::string source = RouteSource;
+  const std::string source = Trim(RouteSource);
   auto reader = std::make_unique<clsMVRSDownload>(&env_.shell);
   if (!reader->OpenFile(source)) return false;
 
