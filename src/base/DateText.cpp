@@ -151,18 +151,29 @@ std::string FormatDateValue(double serial, std::string_view pattern) {
 
 std::string FormatZeros(double value, int digits, int decimals) {
   if (!std::isfinite(value)) value = 0.0;
-  const double scale = std::pow(10.0, decimals);
+  decimals = std::max(decimals, 0);
+  const double scale = decimals == 0 ? 1.0 : std::pow(10.0, decimals);
   const double scaled = std::round(std::fabs(value) * scale);  // halves away from zero
-  char buf[400];
+  const auto whole = static_cast<size_t>(std::max(digits, 0) + decimals);
   std::string body;
-  if (scaled < 9e18) {
-    const auto end = std::to_chars(buf, buf + sizeof buf, static_cast<int64_t>(scaled)).ptr;
-    body.assign(buf, end);
-  } else {
-    std::snprintf(buf, sizeof buf, "%.0f", scaled);
-    body = buf;
+  if (scaled < 9e18 && whole < 40) {
+    // Digits from the right, zeros up to the width, the point, the sign.
+    char buf[64];
+    char* at = buf + sizeof buf;
+    auto n = static_cast<uint64_t>(scaled);
+    size_t written = 0;
+    do {
+      if (decimals > 0 && written == static_cast<size_t>(decimals)) *--at = '.';
+      *--at = static_cast<char>('0' + n % 10);
+      n /= 10;
+      ++written;
+    } while (n > 0 || written < whole || (decimals > 0 && written <= static_cast<size_t>(decimals)));
+    if (value < 0 && scaled != 0.0) *--at = '-';
+    return std::string(at, buf + sizeof buf);
   }
-  const auto whole = static_cast<size_t>(std::max(digits, 0) + std::max(decimals, 0));
+  char buf[400];
+  std::snprintf(buf, sizeof buf, "%.0f", scaled);
+  body = buf;
   if (body.size() < whole) body.insert(0, whole - body.size(), '0');
   if (decimals > 0 && body.size() > static_cast<size_t>(decimals)) body.insert(body.size() - static_cast<size_t>(decimals), ".");
   if (value < 0 && scaled != 0.0) body.insert(0, "-");

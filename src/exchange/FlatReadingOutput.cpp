@@ -140,15 +140,16 @@ std::string clsExchange::FormatTime(const std::string& value, int32_t code) {
 }
 
 std::vector<std::string> clsExchange::ExtractUser(const std::string& text) {
-  std::string work = text;
-  for (char& c : work) {
-    if (c == '\x01') c = '\0';
-  }
   std::vector<std::string> parts;
   size_t start = 0;
   for (;;) {
-    const size_t tilde = work.find('~', start);
-    parts.push_back(work.substr(start, tilde == std::string::npos ? std::string::npos : tilde - start));
+    const size_t tilde = text.find('~', start);
+    std::string& part = parts.emplace_back(text, start, tilde == std::string::npos ? std::string::npos : tilde - start);
+    if (part.find('\x01') != std::string::npos) {
+      for (char& c : part) {
+        if (c == '\x01') c = '\0';
+      }
+    }
     if (tilde == std::string::npos) return parts;
     start = tilde + 1;
   }

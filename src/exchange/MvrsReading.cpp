@@ -52,7 +52,12 @@ struct MvrsReadMeter {
 struct Aborted {};
 
 std::vector<std::string> Elements(const std::string& text, size_t count) {
-  std::vector<std::string> parts = clsExchange::ExtractUser(text);
+  std::vector<std::string> parts;
+  parts.reserve(count);
+  for (std::string& part : clsExchange::ExtractUser(text)) {
+    if (parts.size() == count) break;
+    parts.push_back(std::move(part));
+  }
   parts.resize(count);
   return parts;
 }
@@ -106,7 +111,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
   IShell& shell = env_.shell;
   // Every step runs under one frame: Abort ends the conversion, Retry runs
   // the failed step again, Ignore goes on with the next one.
-  auto step = [&shell](const std::function<void()>& action) {
+  auto step = [&shell](auto&& action) {
     for (;;) {
       std::string description;
       try {

@@ -145,9 +145,9 @@ void clsField::Insert(std::string& buffer, const Value& value, IShell* shell) co
   std::string formatted;
   const std::string& text = plain ? value.Text() : (formatted = FieldText(value, shell));
   const size_t used = std::min(text.size(), length);
-  buffer.replace(start, used, text, 0, used);
-  std::fill(buffer.begin() + static_cast<std::ptrdiff_t>(start + used),
-            buffer.begin() + static_cast<std::ptrdiff_t>(start + length), ' ');
+  char* const columns = buffer.data() + start;
+  std::copy_n(text.data(), used, columns);
+  std::fill(columns + used, columns + length, ' ');
 }
 
 }  // namespace hifx

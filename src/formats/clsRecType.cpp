@@ -57,6 +57,7 @@ void clsRecType::ClearFields() {
   fields_.clear();
   signatures_.clear();
   table_.fill(0);
+  hits_.fill(NameHit{});
   values_.clear();
   pending_.clear();
 }
@@ -64,7 +65,7 @@ void clsRecType::ClearFields() {
 void clsRecType::ClearValues() {
   for (auto& value : values_) value.reset();
   std::fill(pending_.begin(), pending_.end(), false);
-  otherValues_ = KeyedCollection<Value>();
+  if (otherValues_.Count() > 0) otherValues_ = KeyedCollection<Value>();
 }
 
 void clsRecType::Parse(std::string_view line) {
@@ -86,13 +87,22 @@ size_t clsRecType::SlotOf(uint32_t signature) {
 }
 
 const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const {
+  // Conversions name fields by the same literal texts line after line: where
+  // a text was last found is remembered by its address, and checked.
+  NameHit& hit = hits_[(reinterpret_cast<uintptr_t>(name.data()) >> 3) & (kHitCacheSize - 1)];
+  if (hit.name == name.data() && hit.slot < fields_.size() && fields_[hit.slot].FieldName == name) {
+    slot = hit.slot;
+    return &fields_[slot];
+  }
   const uint32_t signature = Signature(name);
   for (size_t at = SlotOf(signature);; at = (at + 1) & (kTableSize - 1)) {
     const uint16_t entry = table_[at];
     if (entry == 0) return nullptr;
     const size_t i = entry - 1u;
-    if (signatures_[i] == signature && EqualsCaseBlind(fields_[i].FieldName, name)) {
+    const std::string& fieldName = fields_[i].FieldName;
+    if (signatures_[i] == signature && (fieldName == name || EqualsCaseBlind(fieldName, name))) {
       slot = i;
+      hit = NameHit{name.data(), i};
       return &fields_[i];
     }
   }

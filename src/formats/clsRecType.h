@@ -68,6 +68,12 @@ class clsRecType {
   static size_t SlotOf(uint32_t signature);
   std::vector<uint32_t> signatures_;  // one a field
   std::array<uint16_t, kTableSize> table_{};
+  struct NameHit {
+    const char* name = nullptr;
+    size_t slot = 0;
+  };
+  static constexpr size_t kHitCacheSize = 64;
+  mutable std::array<NameHit, kHitCacheSize> hits_{};
   // Values of a parsed line are taken from it when first asked for.
   void Materialize(size_t slot) const;
   mutable std::vector<std::optional<Value>> values_;  // one a field, in field order
