@@ -71,11 +71,14 @@ bool clsExchange::ConvertReading() {
   bool result = false;
   try {
     const int32_t mapType = ActiveMap->MapType();
-    if (mapType == kMapMVRS || mapType == kMapE5000) {
-      throw Failure(fail::kInvalidCall, std::string(mapType == kMapMVRS ? "MVRS" : "E5000") +
-                                            " reading files can't be written by this build");
+    if (mapType == kMapMVRS) {
+      throw Failure(fail::kInvalidCall, "MVRS reading files can't be written by this build");
     }
-    ConvertReadingFlat(version);
+    if (mapType == kMapE5000) {
+      ConvertReadingE5K(version);
+    } else {
+      ConvertReadingFlat(version);
+    }
     result = true;  // whatever the conversion returned
   } catch (const Failure& failure) {
     Log(failure.Description());

@@ -106,6 +106,8 @@ class clsExchange {
   // re-read file as configured; true on success.
   bool ConvertReading();
   bool ConvertReadingFlat(int16_t version);
+  // The E5000 upload file of the reading HIF; always true.
+  bool ConvertReadingE5K(int16_t version);
   bool ConvertOrphanFlat(int16_t version);
   // The exceptions of the open reading HIF as a new route HIF; count gives
   // the meters written.
