@@ -1,6 +1,7 @@
 #include "formats/clsField.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/DateText.h"
 #include "base/Failure.h"
@@ -53,12 +54,12 @@ bool IsZero(const Value& value) {
 }  // namespace
 
 Value clsField::Extract(std::string_view buffer, IShell* shell) const {
-  const std::string text =
+  std::string text =
       (Start < 1 || Length < 0) ? std::string() : Piece(buffer, static_cast<size_t>(Start - 1), static_cast<size_t>(Length));
   double number = 0.0;
   double serial = 0.0;
   switch (FieldType) {
-    case fldText: return Value(text);
+    case fldText: return Value(std::move(text));
     case fldInteger:
       try {
         if (ParseWholeNumber(text, number)) return Value::Integer(ToInt16(number));

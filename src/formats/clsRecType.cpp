@@ -20,7 +20,7 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   recLen_ = static_cast<int16_t>(recLen_ + length);
   byName_.emplace(field.FieldName, fields_.size());
   fields_.push_back(std::move(field));
-  values_.emplace_back();
+  slots_.emplace_back();
 }
 
 bool clsRecType::TestID(std::string_view line) const {
@@ -33,18 +33,56 @@ bool clsRecType::TestID(std::string_view line) const {
 void clsRecType::ClearFields() {
   fields_.clear();
   byName_.clear();
-  values_.clear();
+  slots_.clear();
 }
 
 void clsRecType::ClearValues() {
-  for (auto& value : values_) value.reset();
-  otherValues_ = KeyedCollection<Value>();
+  if (++generation_ == 0) {
+    // Round the counter: no slot may keep a generation that comes again.
+    for (Slot& slot : slots_) slot.generation = 0;
+    generation_ = 1;
+  }
+  parsed_ = false;
+  if (otherValues_.Count() > 0) otherValues_ = KeyedCollection<Value>();
+}
+
+bool clsRecType::KnownType(int16_t fieldType) {
+  switch (fieldType) {
+    case fldText:
+    case fldInteger:
+    case fldLong:
+    case fldSingle:
+    case fldDouble:
+    case fldDate:
+    case fldDateTime:
+    case fldDecimal:
+    case fldZeroNumber:
+    case fldTime: return true;
+    default: return false;
+  }
 }
 
 void clsRecType::Parse(std::string_view line) {
   ClearValues();
   RawText.assign(line);
-  for (size_t i = 0; i < fields_.size(); ++i) values_[i] = fields_[i].Extract(line, shell_);
+  parsed_ = true;
+  // A field of an unknown type is shown to the person as the line is read.
+  for (size_t i = 0; i < fields_.size(); ++i) {
+    if (!KnownType(fields_[i].FieldType)) ValueAt(i);
+  }
+}
+
+const std::optional<Value>& clsRecType::ValueAt(size_t slot) const {
+  Slot& s = slots_[slot];
+  if (s.generation != generation_) {
+    s.generation = generation_;
+    if (parsed_) {
+      s.value = fields_[slot].Extract(RawText, shell_);
+    } else {
+      s.value.reset();
+    }
+  }
+  return s.value;
 }
 
 std::string clsRecType::Dump() const {
@@ -61,14 +99,14 @@ const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const
 
 Value clsRecType::GetValue(std::string_view name) const {
   size_t slot = 0;
-  if (FindField(name, slot) != nullptr) return values_[slot].value_or(Value());
+  if (FindField(name, slot) != nullptr) return ValueAt(slot).value_or(Value());
   return otherValues_.Contains(name) ? otherValues_.Item(name) : Value();
 }
 
 void clsRecType::SetValue(std::string_view name, Value value) {
   size_t slot = 0;
   if (FindField(name, slot) != nullptr) {
-    values_[slot] = std::move(value);
+    slots_[slot] = Slot{generation_, std::move(value)};
   } else if (otherValues_.Contains(name)) {
     otherValues_.Set(name, std::move(value));
   } else {
@@ -85,7 +123,7 @@ std::string clsRecType::Buffer(int16_t length) const {
   std::string line;
   try {
     for (size_t i = 0; i < fields_.size(); ++i) {
-      if (values_[i]) fields_[i].Insert(line, *values_[i], shell_);
+      if (const std::optional<Value>& value = ValueAt(i)) fields_[i].Insert(line, *value, shell_);
     }
   } catch (const Failure& failure) {
     if (shell_ != nullptr) shell_->MsgBox(failure.Description());

@@ -40,6 +40,7 @@ class clsRecType {
   void ClearFields();
   void ClearValues();
   // Every field's value from the line; fields past its end read as zeros.
+  // A value is taken from the line when it is first asked for.
   void Parse(std::string_view line);
   // Walks the fields as a debugging aid would; leaves no trace.
   std::string Dump() const;
@@ -57,13 +58,27 @@ class clsRecType {
 
  private:
   const clsField* FindField(std::string_view name, size_t& slot) const;
+  // The field's value as it stands: set, parsed, or none.
+  const std::optional<Value>& ValueAt(size_t slot) const;
+  static bool KnownType(int16_t fieldType);
+
+  // A field's value, valid while its generation is the record's.
+  struct Slot {
+    uint32_t generation = 0;
+    std::optional<Value> value;
+  };
 
   IShell* shell_;
   int16_t recLen_ = 0;
   std::vector<clsField> fields_;
   std::unordered_map<std::string, size_t, CaseBlindHash, CaseBlindEqual> byName_;
-  std::vector<std::optional<Value>> values_;  // one a field, in field order
-  KeyedCollection<Value> otherValues_;        // set under names no field has
+  mutable std::vector<Slot> slots_;  // one a field, in field order
+  // Clearing the values starts a new generation, which every slot is behind.
+  uint32_t generation_ = 1;
+  // Since the last Parse: a field with no slot of this generation reads from
+  // RawText.
+  bool parsed_ = false;
+  KeyedCollection<Value> otherValues_;  // set under names no field has
 };
 
 }  // namespace hifx
