@@ -46,7 +46,8 @@ struct E5kMeter {
 };
 
 std::string TextField(const clsRecType& record, std::string_view name) {
-  return Trim(TextOf(record.GetValue(name)));
+  const Value value = record.GetValue(name);
+  return value.IsText() ? Trim(value.Text()) : Trim(TextOf(value));
 }
 
 // The parts joined by single blanks and trimmed as a whole: an empty part

@@ -6,7 +6,11 @@
 namespace hifx {
 
 clsE5KDownload::clsE5KDownload(IShell* shell)
-    : shell_(shell), types_(BuildRecordTypes(E5kDownloadCatalogue(), shell)) {}
+    : shell_(shell), types_(BuildRecordTypes(E5kDownloadCatalogue(), shell)) {
+  for (size_t i = 0; i + 1 < types_.size(); ++i) {
+    byFirstByte_[static_cast<unsigned char>(types_[i]->IDText.front())].push_back(types_[i].get());
+  }
+}
 
 bool clsE5KDownload::OpenFile(const std::string& path) { return file_.Open(path); }
 
@@ -15,10 +19,12 @@ clsRecType* clsE5KDownload::ReadNext() {
     if (!file_.Next(line_)) return nullptr;
     // The catch-all is never tested: it takes what the others leave.
     clsRecType* record = types_.back().get();
-    for (size_t i = 0; i + 1 < types_.size(); ++i) {
-      if (types_[i]->TestID(line_)) {
-        record = types_[i].get();
-        break;
+    if (!line_.empty()) {
+      for (clsRecType* type : byFirstByte_[static_cast<unsigned char>(line_.front())]) {
+        if (type->TestID(line_)) {
+          record = type;
+          break;
+        }
       }
     }
     record->Parse(line_);
