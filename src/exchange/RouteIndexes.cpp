@@ -54,10 +54,14 @@ void clsExchange::WriteIndexedMeter() {
   clsHIF& hif = *ActiveHIF;
   hif.WriteData();
   ++MetersWritten;
-  // The index takes the fields as the record holds them.
-  UpdateIndexes(hif.Item("RouteNbr").ToInt32(), MeterRecordNumber, TextOf(hif.Item("MeterTagNbr")),
-                TextOf(hif.Item("MeterSerialNbr")), TextOf(hif.Item("BillingName")),
-                TextOf(hif.Item("ServiceAddress")), TextOf(hif.Item("ServiceUniqueID")));
+  // The index takes the fields as the record holds them. What it gathers is
+  // only ever written as index records, so with none to write it gathers
+  // nothing.
+  if (CreateIndexes) {
+    UpdateIndexes(hif.Item("RouteNbr").ToInt32(), MeterRecordNumber, TextOf(hif.Item("MeterTagNbr")),
+                  TextOf(hif.Item("MeterSerialNbr")), TextOf(hif.Item("BillingName")),
+                  TextOf(hif.Item("ServiceAddress")), TextOf(hif.Item("ServiceUniqueID")));
+  }
   MeterRecordNumber = ToInt16(MeterRecordNumber + 1.0);
 }
 
