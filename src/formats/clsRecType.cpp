@@ -11,14 +11,14 @@ void clsRecType::SetID(int16_t start, int16_t length, std::string id) {
 }
 
 void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t start, int16_t length) {
-  if (byName_.count(fieldName) != 0) throw Failure(fail::kDuplicateKey);
+  size_t present = 0;
+  if (FindField(fieldName, present) != nullptr) throw Failure(fail::kDuplicateKey);
   clsField field;
   field.FieldName = std::move(fieldName);
   field.FieldType = fieldType;
   field.Start = start == 0 ? static_cast<int16_t>(recLen_ + 1) : start;
   field.Length = length;
   recLen_ = static_cast<int16_t>(recLen_ + length);
-  byName_.emplace(field.FieldName, fields_.size());
   fields_.push_back(std::move(field));
   slots_.emplace_back();
 }
@@ -32,7 +32,6 @@ bool clsRecType::TestID(std::string_view line) const {
 
 void clsRecType::ClearFields() {
   fields_.clear();
-  byName_.clear();
   slots_.clear();
 }
 
@@ -91,10 +90,16 @@ std::string clsRecType::Dump() const {
 }
 
 const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const {
-  const auto it = byName_.find(name);
-  if (it == byName_.end()) return nullptr;
-  slot = it->second;
-  return &fields_[slot];
+  // A record has a few dozen fields at most: a walk through them, lengths
+  // first, finds a name sooner than hashing it would.
+  for (size_t i = 0; i < fields_.size(); ++i) {
+    const std::string& field = fields_[i].FieldName;
+    if (field.size() == name.size() && EqualsCaseBlind(field, name)) {
+      slot = i;
+      return &fields_[i];
+    }
+  }
+  return nullptr;
 }
 
 Value clsRecType::GetValue(std::string_view name) const {

@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "base/CaseBlind.h"
@@ -71,7 +70,6 @@ class clsRecType {
   IShell* shell_;
   int16_t recLen_ = 0;
   std::vector<clsField> fields_;
-  std::unordered_map<std::string, size_t, CaseBlindHash, CaseBlindEqual> byName_;
   mutable std::vector<Slot> slots_;  // one a field, in field order
   // Clearing the values starts a new generation, which every slot is behind.
   uint32_t generation_ = 1;
