@@ -137,12 +137,6 @@ TEST_F(E5kReading, ARouteMetAgainIsOpenedAgainAndAnEmptyAccountOpensNone) {
                           L("ZSOUTH   HIF")}));
 }
 
-TEST_F(E5kReading, NoMeterReadNoLine) {
-  Reading({{1, 1, "A1", "VG1", 1, 10, 0}, {2, 2, "B1", "VG2", 2, 0}});
-  ASSERT_TRUE(site.Exchange().ConvertReading());
-  EXPECT_EQ(ReadBytes(site.dir / "upload.txt"), "");
-}
-
 TEST_F(E5kReading, AMeterOfARouteWithNoHeaderIsAFailureOfTheRun) {
   Reading({{1, 1, "A1", "VG1"}, {3, 2, "A1", "VG1"}});
   EXPECT_FALSE(site.Exchange().ConvertReading());
