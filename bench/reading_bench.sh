@@ -9,17 +9,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 runs="${1:-5}"
-cmake --preset release >/dev/null
-cmake --build --preset release -j2 --target hifx fill_readings >/dev/null
-hifx=build/release/src/hifx
-
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-site=(--site "$work/site")
-"$hifx" "${site[@]}" dist load examples/site.dst 2>/dev/null
 # No index records: the route file must stay within 32,767 records.
-printf 'DIST 1.0\r\n[REGISTRY]\r\nToken:\r\n> IndexControl = "0"\r\n' > "$work/noindex.dst"
-"$hifx" "${site[@]}" dist load "$work/noindex.dst" 2>/dev/null
+. bench/site.sh
+bench_site hifx fill_readings
 "$hifx" "${site[@]}" settings set RouteSource "$work/route.txt" >/dev/null
 awk 'BEGIN {
   for (i = 0; i < 32600; i++) {

@@ -1,24 +1,16 @@
 // A reading conversion of any bytes taken as a reading HIF: billing file,
 // orphan file and re-read file. The driver's own words are clean outcomes; a
 // crash, a hang or a runaway allocation is a bug.
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <memory>
 #include <string>
 
-#include "config/SqliteRegistryStore.h"
+#include "ExchangeSite.h"
 #include "exchange/clsExchange.h"
 
 namespace {
 
-void WriteFile(const std::filesystem::path& path, const std::string& text) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << text;
-}
+using hifx::fuzz::WriteFile;
 
 // Answers Yes, so that the re-read file is always made.
 class YesShell final : public hifx::IShell {
@@ -30,16 +22,9 @@ class YesShell final : public hifx::IShell {
   }
 };
 
-struct Site {
-  std::filesystem::path folder = std::filesystem::temp_directory_path() /
-                                 ("hifx-fuzz-reading-" + std::to_string(::getpid()));
+struct Site : hifx::fuzz::ExchangeSite {
   YesShell shell;
-  hifx::FixedClock clock{hifx::CivilTime{2024, 2, 29, 13, 5, 9}};
-  std::unique_ptr<hifx::SqliteRegistryStore> store;
-  Site() {
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    store = std::make_unique<hifx::SqliteRegistryStore>(folder / "registry.db");
+  Site() : ExchangeSite("reading") {
     WriteFile(folder / "Bill.hrm",
               "HIF=1.1\r\nMAPTYPE=1\r\nMAPTERMINATOR= 3 \r\nRouteNbr=1,4,L,B,0\r\nMeterTagNbr=5,8,R,Z,0\r\n"
               "CurReading=13,8,R,Z,0\r\nReadingDate=21,8,L,B,14\r\nReadingTime=29,4,L,B,40\r\n"

@@ -1,36 +1,20 @@
 // A route conversion of any bytes, through a fixed-column and a delimited
 // map: the driver's refusals and its error frame are clean outcomes; a crash,
 // a hang or a runaway allocation is a bug.
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <memory>
 #include <string>
 
-#include "config/SqliteRegistryStore.h"
+#include "ExchangeSite.h"
 #include "exchange/clsExchange.h"
 
 namespace {
 
+using hifx::fuzz::WriteFile;
 
-void WriteFile(const std::filesystem::path& path, const std::string& text) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << text;
-}
-
-struct Site {
-  std::filesystem::path folder = std::filesystem::temp_directory_path() /
-                                 ("hifx-fuzz-route-" + std::to_string(::getpid()));
+struct Site : hifx::fuzz::ExchangeSite {
   hifx::SilentShell shell;
-  hifx::FixedClock clock{hifx::CivilTime{2024, 2, 29, 13, 5, 9}};
-  std::unique_ptr<hifx::SqliteRegistryStore> store;
-  Site() {
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    store = std::make_unique<hifx::SqliteRegistryStore>(folder / "registry.db");
+  Site() : ExchangeSite("route") {
     const std::string fields[] = {"RouteNbr", "Sequence", "MeterTagNbr", "MeterType", "Digits", "Decimals",
                                   "PrvReading", "MaxReading", "MinReading", "ReadType", "LstReadingDate",
                                   "UtilityCode", "Lat", "Lng", "ScaleFactor", "InitReading", "InitPulseCount",

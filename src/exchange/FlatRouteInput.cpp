@@ -270,13 +270,7 @@ void clsExchange::WriteFlatMeter(const KeyedCollection<Value>& values, int16_t r
   copy("User3");
   copy("User4");
   copy("User5");
-  hif.WriteData();
-  ++MetersWritten;
-  UpdateIndexes(hif.Item("RouteNbr").ToInt32(), MeterRecordNumber,
-                TextOf(hif.Item("MeterTagNbr")), TextOf(hif.Item("MeterSerialNbr")),
-                TextOf(hif.Item("BillingName")), TextOf(hif.Item("ServiceAddress")),
-                TextOf(hif.Item("ServiceUniqueID")));
-  MeterRecordNumber = ToInt16(MeterRecordNumber + 1.0);
+  WriteIndexedMeter();
 }
 
 }  // namespace hifx

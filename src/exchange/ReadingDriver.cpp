@@ -71,11 +71,10 @@ bool clsExchange::ConvertReading() {
   bool result = false;
   try {
     const int32_t mapType = ActiveMap->MapType();
-    if (mapType == kMapE5000) {
-      throw Failure(fail::kInvalidCall, "E5000 reading files can't be written by this build");
-    }
     if (mapType == kMapMVRS) {
       ConvertReadingMVRS(version);
+    } else if (mapType == kMapE5000) {
+      ConvertReadingE5K(version);
     } else {
       ConvertReadingFlat(version);
     }

@@ -104,7 +104,7 @@ void clsExchange::WriteFileHeader(const std::string& source, int32_t meters, int
   hif.WriteData();
 }
 
-void clsExchange::WriteRouteHeaders() {
+void clsExchange::WriteRouteHeaders(const std::vector<std::string>& user1) {
   clsHIF& hif = *ActiveHIF;
   for (size_t route = 1; route < RouteNames.size(); ++route) {
     hif.AddNew();
@@ -113,6 +113,7 @@ void clsExchange::WriteRouteHeaders() {
     hif.SetItem("PrvReading", Value::Long(RouteCounts[route]));
     hif.SetItem("Initials", Value(RouteNames[route]));
     hif.SetItem("ResponseText", Value(RouteNames[route]));
+    if (route < user1.size()) hif.SetItem("User1", Value(user1[route]));
     hif.WriteData();
   }
 }
@@ -165,10 +166,13 @@ bool clsExchange::ConvertRoute() {
     indexes_.clear();
     indexRoute_ = 0;
 
-    if (mapType == kMapE5000) {
-      throw Failure(fail::kInvalidCall, "E5000 route files can't be converted by this build");
+    if (mapType == kMapMVRS) {
+      result = ConvertRouteMVRS();
+    } else if (mapType == kMapE5000) {
+      result = ConvertRouteE5K();
+    } else {
+      result = ConvertRouteFlat();
     }
-    result = mapType == kMapMVRS ? ConvertRouteMVRS() : ConvertRouteFlat();
 
     // The index is flushed and the code lists written whatever the result.
     UpdateIndexes(0, 0, "", "", "", "", "");

@@ -50,6 +50,21 @@ std::vector<std::string> clsExchange::IndexWords(const std::string& text, int32_
   return words;
 }
 
+void clsExchange::WriteIndexedMeter() {
+  clsHIF& hif = *ActiveHIF;
+  hif.WriteData();
+  ++MetersWritten;
+  // The index takes the fields as the record holds them. What it gathers is
+  // only ever written as index records, so with none to write it gathers
+  // nothing.
+  if (CreateIndexes) {
+    UpdateIndexes(hif.Item("RouteNbr").ToInt32(), MeterRecordNumber, TextOf(hif.Item("MeterTagNbr")),
+                  TextOf(hif.Item("MeterSerialNbr")), TextOf(hif.Item("BillingName")),
+                  TextOf(hif.Item("ServiceAddress")), TextOf(hif.Item("ServiceUniqueID")));
+  }
+  MeterRecordNumber = ToInt16(MeterRecordNumber + 1.0);
+}
+
 void clsExchange::UpdateIndexes(int32_t route, int16_t number, const std::string& tag,
                                 const std::string& serial, const std::string& name,
                                 const std::string& address, const std::string& account) {

@@ -58,12 +58,16 @@ int16_t clsExchange::ValidateRoute(const KeyedCollection<Value>& values) {
 }
 
 bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line) {
+  return CheckDuplicateTag(tag, info, std::to_string(line));
+}
+
+bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& info, std::string_view line) {
   try {
     SeenTags.Add(tag, tag);
     return false;
   } catch (const Failure& failure) {
     if (failure.Number() == fail::kDuplicateKey) {
-      Log("Meter Tag Number of " + tag + " is duplicate in Line " + std::to_string(line));
+      Log("Meter Tag Number of " + tag + " is duplicate in Line " + std::string(line));
       Log("   Info: " + info);
       return true;
     }

@@ -74,6 +74,10 @@ class clsExchange {
   bool ConvertRouteMVRS();
   // Values joined with "~" for a user field, NULs made code 1.
   static std::string CombineUser(const std::vector<std::string>& values);
+  // An E5000 download file through the fixed E5000 layout.
+  bool ConvertRouteE5K();
+  // True when every character of the trimmed text is a digit.
+  static bool IsAllDigits(const std::string& text);
   // One line of a flat route file, as values keyed by the map's field names.
   // With onlyRoute, every field is still converted, with all that may fail
   // or count, but only RouteNbr is kept: what a first pass needs.
@@ -83,6 +87,8 @@ class clsExchange {
   // 0 no fault, 1 messages logged, 3 stop.
   int16_t ValidateRoute(const KeyedCollection<Value>& values);
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line);
+  // The same with the line as the caller words it.
+  bool CheckDuplicateTag(const std::string& tag, const std::string& info, std::string_view line);
   // The route's index in RouteNames, adding it when new.
   int16_t AddRoute(const std::string& name);
   void ClearRoute();
@@ -105,6 +111,8 @@ class clsExchange {
   // re-read file as configured; true on success.
   bool ConvertReading();
   bool ConvertReadingFlat(int16_t version);
+  // The E5000 upload file of the reading HIF; always true.
+  bool ConvertReadingE5K(int16_t version);
   bool ConvertOrphanFlat(int16_t version);
   // The MVRS reading file of a reading HIF; false when the person stops it
   // at a failure.
@@ -176,7 +184,11 @@ class clsExchange {
  private:
   bool AskIndexes();
   void WriteFileHeader(const std::string& sourceName, int32_t meters, int16_t version);
-  void WriteRouteHeaders();
+  // One header a route; user1, where given, holds each route's User1 by its
+  // index.
+  void WriteRouteHeaders(const std::vector<std::string>& user1 = {});
+  // Writes the meter in the buffer, counts it and hands it to the index.
+  void WriteIndexedMeter();
   void WriteCodeRecords();
   void AddValue(KeyedCollection<Value>& values, const MapField& field, std::string_view raw,
                 bool trimBothEnds, bool keep);

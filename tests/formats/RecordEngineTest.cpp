@@ -141,6 +141,15 @@ TEST(RecordEngine, RecordTypeParsesAndBuildsByName) {
   // Values under names no field has are kept but not written.
   type.SetValue("Other", Value("x"));
   EXPECT_EQ(type.GetValue("OTHER"), Value("x"));
+
+  // A value set after a parse stands beside the parsed ones; the next parse
+  // takes every field from its own line again.
+  type.Parse("RHDROUTE-010042");
+  type.SetValue("Count", Value::Long(7));
+  EXPECT_EQ(type.Buffer(0), "RHDROUTE-010007    00000000");
+  type.Parse("RHDROUTE-020042");
+  EXPECT_EQ(type.GetValue("Count"), Value::Long(42));
+  EXPECT_EQ(type.GetValue("Other"), Value());
 }
 
 TEST(RecordEngine, FailureWhileBuildingIsShownAndGivesNothing) {

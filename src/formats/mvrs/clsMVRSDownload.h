@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "base/LineReader.h"
 #include "base/Shell.h"
+#include "formats/RecordFile.h"
 #include "formats/clsRecType.h"
 
 namespace hifx {
@@ -20,19 +20,18 @@ class clsMVRSDownload {
   // False, with nothing opened, when the file doesn't exist.
   bool OpenFile(const std::string& path);
   // How far the reading has come, 0 to 255.
-  int16_t Position255() const;
+  int16_t Position255() const { return file_.Position255(); }
   // The record of the next line, or nothing at the end of the file, at a
   // line of no known kind, or after a failure (which is shown). The same
   // record type comes back for every line of a kind.
   clsRecType* ReadNext();
   // The number of the line last read, from 1.
-  int32_t LineNo() const { return lineNo_; }
+  int32_t LineNo() const { return file_.LineNo(); }
 
  private:
   IShell* shell_;
   std::vector<std::unique_ptr<clsRecType>> types_;
-  std::unique_ptr<LineReader> file_;
-  int32_t lineNo_ = 0;
+  RecordLineReader file_;
   std::string line_;
 };
 

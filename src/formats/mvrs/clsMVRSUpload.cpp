@@ -20,13 +20,9 @@ constexpr std::array<std::string_view, 18> kWritable = {"FHD", "FTR", "RHD", "RT
 clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MvrsUploadCatalogue(), shell)) {}
 
 bool clsMVRSUpload::CreateFile(const std::string& path) {
-  file_ = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
-  if (!*file_) {
-    file_.reset();
-    if (shell_ != nullptr) shell_->MsgBox(StandardDescription(fail::kPathAccess));
-    return false;
-  }
-  return true;
+  if (file_.Create(path)) return true;
+  if (shell_ != nullptr) shell_->MsgBox(StandardDescription(fail::kPathAccess));
+  return false;
 }
 
 clsRecType* clsMVRSUpload::SetupRecord(const std::string& id) {
@@ -43,10 +39,7 @@ clsRecType* clsMVRSUpload::SetupRecord(const std::string& id) {
 }
 
 bool clsMVRSUpload::WriteRecord(clsRecType& record) {
-  if (!file_) throw Failure(fail::kBadFileName);
-  record.SetValue("RecID", Value(record.IDText));
-  *file_ << record.Buffer(126) << "\r\n";
-  if (!*file_) throw Failure(fail::kDiskFull);
+  file_.Write(record, 126);
   return false;
 }
 

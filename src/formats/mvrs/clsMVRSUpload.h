@@ -2,12 +2,12 @@
 // the line written, each line 126 characters or its kind's full width.
 #pragma once
 
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "base/Shell.h"
+#include "formats/RecordFile.h"
 #include "formats/clsRecType.h"
 
 namespace hifx {
@@ -29,7 +29,7 @@ class clsMVRSUpload {
  private:
   IShell* shell_;
   std::vector<std::unique_ptr<clsRecType>> types_;
-  std::unique_ptr<std::ofstream> file_;
+  RecordLineWriter file_;
 };
 
 }  // namespace hifx

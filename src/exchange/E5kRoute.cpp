@@ -1,0 +1,221 @@
+// E5000 download files: two passes, the first to find the routes and count
+// their meters and accounts, the second to gather the lines of each meter
+// and write it as one record of the route HIF. The layout is the format's
+// own: the map gives no columns.
+#include <array>
+#include <initializer_list>
+#include <utility>
+
+#include "base/Numbers.h"
+#include "exchange/ExchangeText.h"
+#include "exchange/clsExchange.h"
+#include "formats/e5000/E5kCatalogue.h"
+#include "formats/e5000/clsE5KDownload.h"
+
+namespace hifx {
+namespace {
+
+// What the lines of an account ("A", "B", "E", "C") give every meter of it.
+// Nothing empties it: a field an account's lines don't give stays as the
+// account before left it.
+struct E5kAccount {
+  std::string AccountNumber;
+  Value MeterSequenceNumber;
+  std::string SpecialInstruction;
+  std::string CustomerName;
+  std::string Address;
+  std::string CustomerAddressLotandPlan;
+  std::string PropertyVGKey;
+};
+
+// What the lines of a meter ("D", "H" or "I", "K01", "K05", "L") give it;
+// emptied after each write. Only the fields that reach the HIF are kept.
+struct E5kMeter {
+  bool pending = false;
+  std::string SpecialInstructions;
+  std::string MeterSerialNumber;
+  std::string MeterType;
+  Value NumberofDials;
+  Value MinimumRead;
+  Value MaximumRead;
+  Value PriorRead;
+  Value NoDecimals;
+  std::string MeterLocationDesc1;
+  std::string MeterLocationDesc2;
+  std::string Location;
+};
+
+std::string TextField(const clsRecType& record, std::string_view name) {
+  const Value value = record.GetValue(name);
+  return value.IsText() ? Trim(value.Text()) : Trim(TextOf(value));
+}
+
+// The parts joined by single blanks and trimmed as a whole: an empty part
+// in the middle leaves two blanks.
+std::string JoinTrimmed(std::initializer_list<const std::string*> parts) {
+  std::string joined;
+  bool first = true;
+  for (const std::string* part : parts) {
+    if (!first) joined += ' ';
+    joined += *part;
+    first = false;
+  }
+  return Trim(joined);
+}
+
+// The HIF meter type of an E5000 meter type letter; 0 for a letter it
+// doesn't know, which leaves the field unset.
+int32_t HifMeterType(const std::string& letter) {
+  static constexpr std::array<std::pair<std::string_view, int32_t>, 5> kTypes = {
+      {{"W", 1}, {"G", 2}, {"E", 3}, {"S", 4}, {"I", 5}}};
+  for (const auto& [code, type] : kTypes) {
+    if (letter == code) return type;
+  }
+  return 0;
+}
+
+void TakeAccountLine(const clsRecType& record, E5kAccount& account) {
+  const std::string& kind = record.IDText;
+  if (kind == "A") {
+    account.AccountNumber = TextField(record, "AccountNumber");
+    account.MeterSequenceNumber = record.GetValue("MeterSequenceNumber");
+    account.SpecialInstruction = TextField(record, "SpecialInstruction");
+  } else if (kind == "B") {
+    account.CustomerName = TextField(record, "CustomerName");
+    account.Address = TextField(record, "Address");
+  } else if (kind == "E") {
+    account.CustomerAddressLotandPlan = TextField(record, "CustomerAddressLotandPlan");
+  } else if (kind == "C") {
+    account.PropertyVGKey = TextField(record, "PropertyVGKey");
+  }
+}
+
+void TakeMeterLine(const clsRecType& record, E5kMeter& meter) {
+  const std::string& kind = record.IDText;
+  if (kind == "D") {
+    meter.SpecialInstructions = TextField(record, "SpecialInstructions");
+  } else if (kind == "H" || kind == "I") {
+    meter.pending = true;
+    meter.MeterSerialNumber = TextField(record, "MeterSerialNumber");
+    meter.NumberofDials = record.GetValue("NumberofDials");
+    meter.MinimumRead = record.GetValue("MinimumRead");
+    meter.MaximumRead = record.GetValue("MaximumRead");
+    meter.PriorRead = record.GetValue("PriorRead");
+    meter.MeterType = TextField(record, "MeterType");
+    meter.NoDecimals = record.GetValue("NoDecimals");
+  } else if (kind == "K01") {
+    meter.MeterLocationDesc1 = TextField(record, "MeterLocationDesc1");
+  } else if (kind == "K05") {
+    meter.MeterLocationDesc2 = TextField(record, "MeterLocationDesc2");
+  } else if (kind == "L") {
+    meter.Location = TextField(record, "Location");
+  }
+}
+
+}  // namespace
+
+bool clsExchange::IsAllDigits(const std::string& text) {
+  for (const char c : Trim(text)) {
+    if (c < '0' || c > '9') return false;
+  }
+  return true;
+}
+
+bool clsExchange::ConvertRouteE5K() {
+  const std::string source = Trim(RouteSource);
+  clsE5KDownload download(&env_.shell);
+  if (!download.OpenFile(source)) return false;
+
+  // First pass: the routes of the "F" lines, the meters of the "H" and "I"
+  // lines under each, and the account count of each route's "Z" line.
+  std::vector<int32_t> accounts{0};
+  int32_t meters = 0;
+  size_t route = 0;
+  while (const clsRecType* record = download.ReadNext()) {
+    env_.shell.SetProgressButton(255, download.Position255());
+    const std::string& kind = record->IDText;
+    if (kind == "F") {
+      route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
+      accounts.resize(RouteNames.size(), 0);
+    } else if (kind == "H" || kind == "I") {
+      RouteCounts[route] = ToInt16(RouteCounts[route] + 1.0);
+      ++meters;
+    } else if (kind == "Z") {
+      accounts[route] = NumberOf(record->GetValue("NumberofAccounts"));
+    } else if (kind == kE5kUnknownKind) {
+      Log("Error: Unknown record type '" + TextOf(record->GetValue("RecID")) + "' at line " +
+          std::to_string(download.LineNo()));
+    }
+  }
+
+  const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
+  const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
+  if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {
+    return Fail("Error: Could not Create Route HIF File");
+  }
+  WriteFileHeader(source, meters, ActiveHIF->Version());
+  // The account count goes to the route header, where the reading
+  // conversion finds it again.
+  std::vector<std::string> accountTexts;
+  accountTexts.reserve(accounts.size());
+  for (const int32_t count : accounts) accountTexts.push_back(std::to_string(count));
+  WriteRouteHeaders(accountTexts);
+
+  // Second pass: a meter is written when the line of the next one begins.
+  if (!download.OpenFile(source)) return false;
+  E5kAccount account;
+  E5kMeter meter;
+  route = 0;
+  const auto flush = [&] {
+    if (!meter.pending) return;
+    clsHIF& hif = *ActiveHIF;
+    const std::string& routeText = RouteNames[route];
+    const std::string& serial = meter.MeterSerialNumber;
+    // Set in the order of the record's fields.
+    hif.AddNew();
+    hif.SetItem("RecType", Value::Long(kRecMeter));
+    hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(route)));
+    hif.SetItem("Sequence", account.MeterSequenceNumber);
+    hif.SetItem("MeterTagNbr", Value::Double(NumericPrefix(serial)));
+    if (const int32_t type = HifMeterType(meter.MeterType); type != 0) hif.SetItem("MeterType", Value::Long(type));
+    hif.SetItem("Digits", meter.NumberofDials);
+    hif.SetItem("Decimals", meter.NoDecimals);
+    hif.SetItem("PrvReading", meter.PriorRead);
+    hif.SetItem("MaxReading", meter.MaximumRead);
+    hif.SetItem("MinReading", meter.MinimumRead);
+    hif.SetItem("Status", Value::Long(0));
+    hif.SetItem("ReadType", Value::Long(IsAllDigits(serial) ? 1 : 2));
+    const std::string billing = JoinTrimmed({&account.SpecialInstruction, &meter.SpecialInstructions,
+                                             &meter.MeterLocationDesc1, &meter.MeterLocationDesc2});
+    hif.SetItem("Message", Value(Advanced().LookupMessage(billing, routeText, account.AccountNumber, serial, "")));
+    hif.SetItem("ServiceAddress",
+                Value(JoinTrimmed({&account.Address, &account.CustomerAddressLotandPlan, &meter.Location})));
+    hif.SetItem("BillingName", Value(account.CustomerName));
+    hif.SetItem("ServiceUniqueID", Value(account.AccountNumber));
+    hif.SetItem("MeterSerialNbr", Value(serial));
+    hif.SetItem("ReceiverData", Value(""));
+    hif.SetItem("User1", Value(account.PropertyVGKey));
+    hif.SetItem("User5", Value(""));
+    // A repeated serial spoils the file, but the meter is written all the
+    // same. The line goes as text behind a blank.
+    if (CheckDuplicateTag(serial, routeText, " " + std::to_string(download.LineNo()))) HadProblems = true;
+    WriteIndexedMeter();
+    meter = E5kMeter();
+  };
+  while (const clsRecType* record = download.ReadNext()) {
+    env_.shell.SetProgressButton(255, download.Position255());
+    const std::string& kind = record->IDText;
+    if (kind == "F") {
+      flush();
+      route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
+    } else if (kind == "A" || kind == "D" || kind == "H" || kind == "I") {
+      flush();
+    }
+    TakeAccountLine(*record, account);
+    TakeMeterLine(*record, meter);
+  }
+  flush();
+  return !HadProblems;
+}
+
+}  // namespace hifx

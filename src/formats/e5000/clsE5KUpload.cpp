@@ -1,0 +1,21 @@
+#include "formats/e5000/clsE5KUpload.h"
+
+#include "formats/e5000/E5kCatalogue.h"
+
+namespace hifx {
+
+clsE5KUpload::clsE5KUpload(IShell* shell) : types_(BuildRecordTypes(E5kUploadCatalogue(), shell)) {}
+
+clsRecType* clsE5KUpload::SetupRecord(const std::string& id) {
+  for (const auto& type : types_) {
+    if (type->IDText == id) {
+      type->Init();
+      return type.get();
+    }
+  }
+  return nullptr;
+}
+
+void clsE5KUpload::WriteRecord(clsRecType& record) { file_.Write(record, kE5kLineWidth); }
+
+}  // namespace hifx
