@@ -4,7 +4,7 @@
 # example route file into a route HIF and shows what it holds, fills it with
 # readings as a handheld does, and converts the readings into the billing
 # file, the orphan file and the re-read file; then the same road for the MVRS
-# example route file.
+# example route file and the E5000 example download.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -54,3 +54,13 @@ build/default/tools/fill_readings "$out/mvrs-route.pdb" "$out/mvrs-reading.pdb" 
 $hifx reading --source "$out/mvrs-reading.pdb" --dest "$out/mvrs-reading.dat" --map Mvrs --no-orphans --no-reread
 echo "== $out/mvrs-reading.dat"
 cat "$out/mvrs-reading.dat"
+
+echo "== hifx route --source examples/route-e5000.txt --map E5000   (an E5000 download)"
+$hifx route --source examples/route-e5000.txt --dest "$out/e5000.pdb" --map E5000
+$hifx view "$out/e5000.pdb"
+echo "== fill_readings $out/e5000.pdb $out/e5000-reading.pdb; hifx reading --map E5000"
+build/default/tools/fill_readings "$out/e5000.pdb" "$out/e5000-reading.pdb" --seed 1
+$hifx reading --source "$out/e5000-reading.pdb" --dest "$out/e5000-upload.txt" --map E5000 --no-orphans --no-reread
+echo "== $out/e5000-upload.txt"
+cat "$out/e5000-upload.txt"
+
