@@ -10,25 +10,25 @@
 
 namespace hifx {
 
-struct FieldSpec {
+struct FieldLayout {
   const char* name;
   int16_t type;
   int16_t length;
 };
 
-struct RecordSpec {
+struct RecordLayout {
   const char* id;
-  std::vector<FieldSpec> fields;
+  std::vector<FieldLayout> fields;
 };
 
-// One record type a spec, identified by its identifier in the columns from
+// One record type a layout, identified by its identifier in the columns from
 // the first on, every field placed behind the one before.
-std::vector<std::unique_ptr<clsRecType>> BuildRecordTypes(const std::vector<RecordSpec>& specs, IShell* shell);
+std::vector<std::unique_ptr<clsRecType>> BuildRecordTypes(const std::vector<RecordLayout>& layouts, IShell* shell);
 
 // Shorthands for catalogue tables.
-constexpr FieldSpec Txt(const char* name, int16_t length) { return {name, fldText, length}; }
-constexpr FieldSpec Num(const char* name, int16_t length) { return {name, fldZeroNumber, length}; }
-constexpr FieldSpec Dat(const char* name, int16_t length) { return {name, fldDate, length}; }
-constexpr FieldSpec Tim(const char* name, int16_t length) { return {name, fldTime, length}; }
+constexpr FieldLayout Txt(const char* name, int16_t length) { return {name, fldText, length}; }
+constexpr FieldLayout Num(const char* name, int16_t length) { return {name, fldZeroNumber, length}; }
+constexpr FieldLayout Dat(const char* name, int16_t length) { return {name, fldDate, length}; }
+constexpr FieldLayout Tim(const char* name, int16_t length) { return {name, fldTime, length}; }
 
 }  // namespace hifx

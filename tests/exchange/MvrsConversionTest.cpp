@@ -17,7 +17,7 @@ using test::WriteBytes;
 using Fields = std::map<std::string, std::string>;
 
 // One line of the given kind, its fields set by name.
-std::string Line(const std::vector<RecordSpec>& catalogue, const std::string& kind, const Fields& fields) {
+std::string Line(const std::vector<RecordLayout>& catalogue, const std::string& kind, const Fields& fields) {
   for (const auto& type : BuildRecordTypes(catalogue, nullptr)) {
     if (type->IDText != kind) continue;
     type->SetValue("RecID", Value(kind));

@@ -14,7 +14,7 @@
 namespace hifx {
 namespace {
 
-std::map<std::string, int> Widths(const std::vector<RecordSpec>& catalogue) {
+std::map<std::string, int> Widths(const std::vector<RecordLayout>& catalogue) {
   std::map<std::string, int> widths;
   for (const auto& type : BuildRecordTypes(catalogue, nullptr)) widths[type->IDText] = type->RecLen();
   return widths;

@@ -6,7 +6,7 @@ namespace hifx {
 namespace {
 
 // "H" and "I" lines carry the same meter fields.
-RecordSpec MeterDownload(const char* id) {
+RecordLayout MeterDownload(const char* id) {
   return {id,
           {Txt("RecID", 1), Txt("RelativeMeterNumber", 2), Txt("MeterSerialNumber", 10), Num("NumberofDials", 1),
            Num("MinimumRead", 8), Num("MaximumRead", 8), Num("PriorRead", 8), Txt("MeterType", 1),
@@ -17,7 +17,7 @@ RecordSpec MeterDownload(const char* id) {
 
 }  // namespace
 
-std::vector<RecordSpec> E5kDownloadCatalogue() {
+std::vector<RecordLayout> E5kDownloadCatalogue() {
   return {
       {"F", {Txt("RecID", 1), Txt("Route", 8), Txt("Filler", 71)}},
       {"A",
@@ -42,7 +42,7 @@ std::vector<RecordSpec> E5kDownloadCatalogue() {
   };
 }
 
-std::vector<RecordSpec> E5kUploadCatalogue() {
+std::vector<RecordLayout> E5kUploadCatalogue() {
   return {
       {"A",
        {Txt("RecID", 1), Txt("Route", 8), Num("NoofAccounts", 4), Num("NoofMeters", 4), Txt("ProcessorNumber", 3),

@@ -14,7 +14,7 @@ inline constexpr int16_t kE5kLineWidth = 80;
 // in the download catalogue and no line is ever tested against it.
 inline constexpr const char* kE5kUnknownKind = "?";
 
-std::vector<RecordSpec> E5kDownloadCatalogue();
-std::vector<RecordSpec> E5kUploadCatalogue();
+std::vector<RecordLayout> E5kDownloadCatalogue();
+std::vector<RecordLayout> E5kUploadCatalogue();
 
 }  // namespace hifx

@@ -5,18 +5,18 @@
 namespace hifx {
 namespace {
 
-RecordSpec FileHeaderDownload(const char* id) {
+RecordLayout FileHeaderDownload(const char* id) {
   return {id,
           {Txt("RecID", 3), Txt("TablesIndicator", 1), Txt("OpticalProbeIndicator", 1), Txt("Version", 5),
            Txt("Reserved", 3), Num("NumberCycles", 2), Txt("OffsiteIndicator", 1), Txt("WandIndicator", 1),
            Txt("ExtendedIndicator", 1)}};
 }
 
-RecordSpec CycleDownload(const char* id) {
+RecordLayout CycleDownload(const char* id) {
   return {id, {Txt("RecID", 3), Num("CycleNumber", 2), Num("NumberRoutes", 4), Dat("CycleDate", 8)}};
 }
 
-RecordSpec RouteDownload(const char* id) {
+RecordLayout RouteDownload(const char* id) {
   return {id,
           {Txt("RecID", 3), Txt("RouteNumber", 8), Txt("SurveyIndicator", 1), Txt("RouteMessageIndicator", 1),
            Num("NumberKeys", 4), Num("NumberReadingRecords", 4), Num("NumberDemandMeters", 4),
@@ -28,7 +28,7 @@ RecordSpec RouteDownload(const char* id) {
            Txt("MobileAMR", 1)}};
 }
 
-RecordSpec ExtendedRouteDownload(const char* id) {
+RecordLayout ExtendedRouteDownload(const char* id) {
   return {id,
           {Txt("RecID", 3), Txt("RouteNumber", 8), Txt("SurveyIndicator", 1), Txt("RouteMessageIndicator", 1),
            Num("NumberKeys", 4), Num("NumberReadingRecords", 5), Num("NumberDemandMeters", 5),
@@ -39,21 +39,21 @@ RecordSpec ExtendedRouteDownload(const char* id) {
            Txt("Office", 2), Num("BillCycle", 2), Num("NumberRemoteWandReads", 5), Txt("MobileAMR", 1)}};
 }
 
-RecordSpec SurveyText() {
+RecordLayout SurveyText() {
   return {"RTS", {Txt("RecID", 3), Txt("RouteNumber", 8), Txt("SurveyText1", 40), Txt("SurveyText2", 40)}};
 }
 
-RecordSpec RouteMessage() {
+RecordLayout RouteMessage() {
   return {"RTM",
           {Txt("RecID", 3), Txt("RouteNumber", 8), Txt("DCLinkDescription", 18), Txt("DCLinkID", 5),
            Txt("Message", 77)}};
 }
 
-RecordSpec SpecialMessage() {
+RecordLayout SpecialMessage() {
   return {"MTS", {Txt("RecID", 3), Txt("RouteNumber", 8), Txt("MeterNumber", 12), Txt("SpecialMessageText", 100)}};
 }
 
-RecordSpec FileHeaderUpload(const char* id) {
+RecordLayout FileHeaderUpload(const char* id) {
   return {id,
           {Txt("RecID", 3), Txt("NewServiceIndicator", 1), Txt("Reserved1", 1), Txt("ChangeMeterIndicator", 1),
            Txt("Reserved2", 1), Num("NumberRoutes", 3), Num("NumberCustomerRecords", 6), Num("NumberMeterRecords", 6),
@@ -61,7 +61,7 @@ RecordSpec FileHeaderUpload(const char* id) {
            Num("FileTrailerLineNumber", 6)}};
 }
 
-RecordSpec RouteUpload(const char* id) {
+RecordLayout RouteUpload(const char* id) {
   return {id,
           {Txt("RecID", 3), Txt("RouteNumber", 8), Txt("SurveyIndicator", 1), Txt("RouteMessageIndicator", 1),
            Num("TotalNumberKeys", 4), Num("TotalNumberReadingRecords", 4), Num("TotalNumberDemandMeters", 4),
@@ -77,7 +77,7 @@ RecordSpec RouteUpload(const char* id) {
            Txt("TypeResequenceFlag", 1)}};
 }
 
-RecordSpec ExtendedRouteUpload(const char* id) {
+RecordLayout ExtendedRouteUpload(const char* id) {
   return {id,
           {Txt("RecID", 3), Txt("RouteNumber", 8), Txt("SurveyIndicator", 1), Txt("RouteMessageIndicator", 1),
            Num("TotalNumberKeys", 4), Num("TotalNumberReadingRecords", 5), Num("TotalNumberDemandMeters", 5),
@@ -94,7 +94,7 @@ RecordSpec ExtendedRouteUpload(const char* id) {
 
 }  // namespace
 
-std::vector<RecordSpec> MvrsDownloadCatalogue() {
+std::vector<RecordLayout> MvrsDownloadCatalogue() {
   return {
       FileHeaderDownload("FHD"),
       FileHeaderDownload("FTR"),
@@ -154,7 +154,7 @@ std::vector<RecordSpec> MvrsDownloadCatalogue() {
   };
 }
 
-std::vector<RecordSpec> MvrsUploadCatalogue() {
+std::vector<RecordLayout> MvrsUploadCatalogue() {
   return {
       FileHeaderUpload("FHD"),
       FileHeaderUpload("FTR"),

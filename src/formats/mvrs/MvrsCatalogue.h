@@ -8,7 +8,7 @@
 
 namespace hifx {
 
-std::vector<RecordSpec> MvrsDownloadCatalogue();
-std::vector<RecordSpec> MvrsUploadCatalogue();
+std::vector<RecordLayout> MvrsDownloadCatalogue();
+std::vector<RecordLayout> MvrsUploadCatalogue();
 
 }  // namespace hifx
