@@ -2,6 +2,7 @@
 // and reading line a meter, with route and file counts of its own making.
 // What the handheld doesn't touch comes back out of the user fields that the
 // route conversion packed.
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -51,14 +52,24 @@ struct MvrsReadMeter {
 // Thrown when the person chooses Abort.
 struct Aborted {};
 
-std::vector<std::string> Elements(const std::string& text, size_t count) {
-  std::vector<std::string> parts;
-  parts.reserve(count);
-  for (std::string& part : clsExchange::ExtractUser(text)) {
-    if (parts.size() == count) break;
-    parts.push_back(std::move(part));
+// The elements of a user field as ExtractUser gives them, cut or padded to
+// `count`, taken straight from the field's text.
+std::vector<std::string> Elements(const Value& field, size_t count) {
+  std::vector<std::string> parts(count);
+  if (!field.IsText()) {
+    if (count > 0) parts[0] = TextOf(field);
+    return parts;
   }
-  parts.resize(count);
+  const std::string& text = field.Text();
+  size_t start = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const size_t tilde = text.find('~', start);
+    std::string& part = parts[i];
+    part.assign(text, start, tilde == std::string::npos ? std::string::npos : tilde - start);
+    std::replace(part.begin(), part.end(), '\x01', '\0');
+    if (tilde == std::string::npos) break;
+    start = tilde + 1;
+  }
   return parts;
 }
 
@@ -167,7 +178,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
           MvrsRouteTotals& route = entry(NumberOf(hif.Item("RouteNbr")));
           route.MeterCount = ToInt16(NumberOf(hif.Item("PrvReading")));
           route.RouteNumber = TextOf(hif.Item("Initials"));
-          const std::vector<std::string> user = Elements(TextOf(hif.Item("User1")), 5);
+          const std::vector<std::string> user = Elements(hif.Item("User1"), 5);
           route.Region = user[0];
           route.Zone = user[1];
           route.Office = user[2];
@@ -277,7 +288,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
         const std::string name = TextOf(hif.Item("BillingName"));
         customer.Name = Fixed20(name, 0);
         customer.Name2 = Fixed20(name, 20);
-        const std::vector<std::string> user1 = Elements(TextOf(hif.Item("User1")), 8);
+        const std::vector<std::string> user1 = Elements(hif.Item("User1"), 8);
         customer.Account = user1[1];  // over ServiceUniqueID
         customer.GroupCode = user1[2];
         customer.ExtraIndicator = user1[3];
@@ -309,7 +320,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
         meter.ResponseCodeText = TextOf(hif.Item("ResponseCode"));
         meter.ResponseTextCopy = TextOf(hif.Item("ResponseText"));
 
-        const std::vector<std::string> user2 = Elements(TextOf(hif.Item("User2")), 14);
+        const std::vector<std::string> user2 = Elements(hif.Item("User2"), 14);
         meter.GroupCode = user2[0];
         meter.SurveyCode1DisplayIndicator = user2[1];
         meter.SurveyCode2DisplayIndicator = user2[2];
@@ -324,7 +335,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
         // One short of where the route conversion put it: the survey text's
         // first letter lands here.
         meter.LocationExtraMeter = user2[11];
-        const std::vector<std::string> user3 = Elements(TextOf(hif.Item("User3")), 9);
+        const std::vector<std::string> user3 = Elements(hif.Item("User3"), 9);
         meter.TextPrompt = user3[0];
         meter.ReadDirection = user3[1];
         meter.CompareCode = user3[2];
@@ -332,14 +343,14 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
         meter.MeterConstant = user3[5];
         meter.ConstantFlag = user3[6];
         meter.HHFPosition = user3[7];
-        const std::vector<std::string> user4 = Elements(TextOf(hif.Item("User4")), 6);
+        const std::vector<std::string> user4 = Elements(hif.Item("User4"), 6);
         meter.GeographicArea = Val(user4[0]);
         meter.RFFrequency = user4[1];
         meter.RFTone = user4[2];
         meter.ERTType = user4[3];
         meter.DeviceID = user4[4];
         meter.WandProgram = user4[5];
-        meter.SpecialMessage = Elements(TextOf(hif.Item("User5")), 9)[0];
+        meter.SpecialMessage = Elements(hif.Item("User5"), 9)[0];
         const char* method = ReadMethodOf(readType);
         meter.NewReadMethod = status == 0 ? "N" : (method != nullptr ? method : "");
       });

@@ -89,7 +89,8 @@ size_t clsRecType::SlotOf(uint32_t signature) {
 const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const {
   // Conversions name fields by the same literal texts line after line: where
   // a text was last found is remembered by its address, and checked.
-  NameHit& hit = hits_[(reinterpret_cast<uintptr_t>(name.data()) >> 3) & (kHitCacheSize - 1)];
+  const auto address = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(name.data()));
+  NameHit& hit = hits_[static_cast<size_t>((address * 0x9E3779B97F4A7C15ull) >> (64 - kHitCacheBits))];
   if (hit.name == name.data() && hit.slot < fields_.size() && fields_[hit.slot].FieldName == name) {
     slot = hit.slot;
     return &fields_[slot];

@@ -72,7 +72,8 @@ class clsRecType {
     const char* name = nullptr;
     size_t slot = 0;
   };
-  static constexpr size_t kHitCacheSize = 64;
+  static constexpr size_t kHitCacheBits = 7;
+  static constexpr size_t kHitCacheSize = size_t{1} << kHitCacheBits;
   mutable std::array<NameHit, kHitCacheSize> hits_{};
   // Values of a parsed line are taken from it when first asked for.
   void Materialize(size_t slot) const;
