@@ -3,6 +3,7 @@
 // writing date values and numbers through the format patterns the files use.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,5 +22,7 @@ std::string FormatDateValue(double serial, std::string_view pattern);
 // A number padded with leading zeros to at least `digits` digits, with
 // `decimals` places behind a point; halves round away from zero.
 std::string FormatZeros(double value, int digits, int decimals = 0);
+// A whole number padded with leading zeros to at least `digits` digits.
+std::string FormatZeros(int64_t value, int digits);
 
 }  // namespace hifx

@@ -34,6 +34,9 @@ bool AsDate(const Value& value, double& serial) {
 // A number format: numbers and numeric texts are padded with zeros, any
 // other text passes unchanged.
 std::string NumberFormat(const Value& value, int digits, int decimals = 0) {
+  if (decimals == 0 && (value.Kind() == ValueKind::Long || value.Kind() == ValueKind::Integer)) {
+    return FormatZeros(static_cast<int64_t>(value.ToInt32()), digits);
+  }
   double number = 0.0;
   if (AsNumber(value, number)) return FormatZeros(number, digits, decimals);
   return TextOf(value);
