@@ -34,9 +34,6 @@ bool AsDate(const Value& value, double& serial) {
 // A number format: numbers and numeric texts are padded with zeros, any
 // other text passes unchanged.
 std::string NumberFormat(const Value& value, int digits, int decimals = 0) {
-  if (decimals == 0 && (value.Kind() == ValueKind::Long || value.Kind() == ValueKind::Integer)) {
-    return FormatZeros(static_cast<int64_t>(value.ToInt32()), digits);
-  }
   double number = 0.0;
   if (AsNumber(value, number)) return FormatZeros(number, digits, decimals);
   return TextOf(value);
@@ -138,19 +135,42 @@ std::string clsField::FieldText(const Value& value, IShell* shell) const {
   }
 }
 
+void clsField::Render(char* columns, const Value& value, IShell* shell) const {
+  const auto length = static_cast<size_t>(Length);
+  auto put = [columns, length](std::string_view text) {
+    const size_t used = std::min(text.size(), length);
+    std::copy_n(text.data(), used, columns);
+    std::fill(columns + used, columns + length, ' ');
+  };
+  const ValueKind kind = value.Kind();
+  if (kind == ValueKind::Text && (FieldType == fldText || (FieldType == fldTime && (Length == 4 || Length == 6)))) {
+    put(value.Text());  // a text goes straight in
+  } else if ((FieldType == fldZeroNumber || FieldType == fldInteger) &&
+             (kind == ValueKind::Long || kind == ValueKind::Integer)) {
+    // A whole number: zeros to the width, the sign in front, cut to the field.
+    const int32_t number = value.ToInt32();
+    char digits[32];
+    char* at = digits + sizeof digits;
+    uint64_t n = number < 0 ? 0 - static_cast<uint64_t>(static_cast<int64_t>(number)) : static_cast<uint64_t>(number);
+    size_t written = 0;
+    do {
+      *--at = static_cast<char>('0' + n % 10);
+      n /= 10;
+      ++written;
+    } while ((n > 0 || written < length) && at > digits + 1);
+    if (number < 0) *--at = '-';
+    put(std::string_view(at, static_cast<size_t>(digits + sizeof digits - at)));
+  } else {
+    put(FieldText(value, shell));
+  }
+}
+
 void clsField::Insert(std::string& buffer, const Value& value, IShell* shell) const {
   if (Start < 1 || Length < 0) throw Failure(fail::kInvalidCall);
   const auto start = static_cast<size_t>(Start - 1);
   const auto length = static_cast<size_t>(Length);
   if (buffer.size() < start + length) buffer.resize(start + length, ' ');
-  // A text goes straight in: the common case, with no copy on the way.
-  const bool plain = value.IsText() && (FieldType == fldText || ((FieldType == fldTime) && (Length == 4 || Length == 6)));
-  std::string formatted;
-  const std::string& text = plain ? value.Text() : (formatted = FieldText(value, shell));
-  const size_t used = std::min(text.size(), length);
-  char* const columns = buffer.data() + start;
-  std::copy_n(text.data(), used, columns);
-  std::fill(columns + used, columns + length, ' ');
+  Render(buffer.data() + start, value, shell);
 }
 
 }  // namespace hifx

@@ -37,6 +37,8 @@ class clsField {
   // Writes the value into its columns of the line, lengthening the line with
   // blanks as needed. Failures reach the caller.
   void Insert(std::string& buffer, const Value& value, IShell* shell = nullptr) const;
+  // The field's text for the value, fitted to its Length columns at `columns`.
+  void Render(char* columns, const Value& value, IShell* shell = nullptr) const;
 
  private:
   std::string FieldText(const Value& value, IShell* shell) const;

@@ -143,18 +143,28 @@ bool clsRecType::Init() {
 }
 
 std::string clsRecType::Buffer(int16_t length) const {
-  std::string line;
-  line.reserve(static_cast<size_t>(std::max<int>({recLen_, length, 0})));
+  // Blanks as wide as the record, the fields written over them, and the line
+  // cut back to the end of the last field written.
+  const size_t padded = length >= 1 ? static_cast<size_t>(length) : 0;
+  std::string line(std::max<size_t>(static_cast<size_t>(std::max<int16_t>(recLen_, 0)), padded), ' ');
+  size_t end = 0;
   try {
     for (size_t i = 0; i < fields_.size(); ++i) {
       Materialize(i);
-      if (values_[i]) fields_[i].Insert(line, *values_[i], shell_);
+      if (!values_[i]) continue;
+      const clsField& field = fields_[i];
+      if (field.Start < 1 || field.Length < 0) throw Failure(fail::kInvalidCall);
+      const auto start = static_cast<size_t>(field.Start - 1);
+      const size_t stop = start + static_cast<size_t>(field.Length);
+      if (line.size() < stop) line.resize(stop, ' ');
+      field.Render(line.data() + start, *values_[i], shell_);
+      end = std::max(end, stop);
     }
   } catch (const Failure& failure) {
     if (shell_ != nullptr) shell_->MsgBox(failure.Description());
     return {};
   }
-  if (length >= 1 && line.size() < static_cast<size_t>(length)) line.resize(static_cast<size_t>(length), ' ');
+  line.resize(std::max(end, padded));
   return line;
 }
 
