@@ -43,7 +43,7 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   while (table_[at] != 0) at = (at + 1) & (kTableSize - 1);
   table_[at] = static_cast<uint16_t>(fields_.size());
   values_.emplace_back();
-  pending_.push_back(false);
+  pending_.push_back(0);
 }
 
 bool clsRecType::TestID(std::string_view line) const {
@@ -64,7 +64,7 @@ void clsRecType::ClearFields() {
 
 void clsRecType::ClearValues() {
   for (auto& value : values_) value.reset();
-  std::fill(pending_.begin(), pending_.end(), false);
+  std::fill(pending_.begin(), pending_.end(), uint8_t{0});
   if (otherValues_.Count() > 0) otherValues_ = KeyedCollection<Value>();
 }
 
@@ -74,7 +74,7 @@ void clsRecType::Parse(std::string_view line) {
   // Every field has a value from now on; each is taken from the line when
   // first asked for.
   parsedLine_.assign(line);
-  std::fill(pending_.begin(), pending_.end(), true);
+  std::fill(pending_.begin(), pending_.end(), uint8_t{1});
 }
 
 std::string clsRecType::Dump() const {
@@ -109,10 +109,9 @@ const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const
   }
 }
 
-void clsRecType::Materialize(size_t slot) const {
-  if (!pending_[slot]) return;
+void clsRecType::TakeFromLine(size_t slot) const {
   values_[slot] = fields_[slot].Extract(parsedLine_, shell_);
-  pending_[slot] = false;
+  pending_[slot] = 0;
 }
 
 const Value& clsRecType::GetValue(std::string_view name) const {
@@ -129,7 +128,7 @@ void clsRecType::SetValue(std::string_view name, Value value) {
   size_t slot = 0;
   if (FindField(name, slot) != nullptr) {
     values_[slot] = std::move(value);
-    pending_[slot] = false;
+    pending_[slot] = 0;
   } else if (otherValues_.Contains(name)) {
     otherValues_.Set(name, std::move(value));
   } else {

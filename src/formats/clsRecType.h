@@ -76,9 +76,12 @@ class clsRecType {
   static constexpr size_t kHitCacheSize = size_t{1} << kHitCacheBits;
   mutable std::array<NameHit, kHitCacheSize> hits_{};
   // Values of a parsed line are taken from it when first asked for.
-  void Materialize(size_t slot) const;
+  void Materialize(size_t slot) const {
+    if (pending_[slot] != 0) TakeFromLine(slot);
+  }
+  void TakeFromLine(size_t slot) const;
   mutable std::vector<std::optional<Value>> values_;  // one a field, in field order
-  mutable std::vector<bool> pending_;                 // parsed but not yet taken
+  mutable std::vector<uint8_t> pending_;              // parsed but not yet taken
   std::string parsedLine_;
   KeyedCollection<Value> otherValues_;        // set under names no field has
 };
