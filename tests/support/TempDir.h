@@ -2,6 +2,7 @@
 // contents when the test ends; and small file helpers.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -62,6 +63,18 @@ inline std::string Hex(const std::string& text) {
     }
   }
   return out;
+}
+
+// The unsigned big-endian number of `width` bytes at `at`.
+inline uint32_t BigEndianAt(const std::string& bytes, size_t at, int width) {
+  uint32_t value = 0;
+  for (int k = 0; k < width; ++k) value = value << 8 | static_cast<uint8_t>(bytes.at(at + static_cast<size_t>(k)));
+  return value;
+}
+
+// The number of entries in a folder.
+inline size_t FilesIn(const std::filesystem::path& folder) {
+  return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
 }
 
 }  // namespace hifx::test
