@@ -2,6 +2,7 @@
 // account lines around them, and what each line takes from the HIF.
 #include <gtest/gtest.h>
 
+#include "support/HifImage.h"
 #include "support/RouteSite.h"
 
 namespace hifx {
@@ -34,38 +35,17 @@ class E5kReading : public testing::Test {
   void Reading(const std::vector<Meter>& meters, const std::string& initials = "HIF loaded from route.txt",
                const std::string& response = "") {
     test::TestShell quiet;
-    clsHIF hif(quiet);
-    hif.SetVersion(3);
-    hif.CreateHIF(site.dir / "reading.pdb", kFilePDB, 100);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecFileHeader));
-    hif.SetItem("RouteNbr", Value::Long(2));
-    hif.SetItem("MeterType", Value::Long(3));
-    hif.SetItem("Initials", Value(initials));
-    hif.SetItem("ResponseText", Value(response));
-    hif.WriteData();
+    test::HifWriter w(quiet, site.dir / "reading.pdb");
+    w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"MeterType", 3}, {"Initials", initials},
+           {"ResponseText", response}});
     for (int r = 1; r <= 2; ++r) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(kRecRouteHeader));
-      hif.SetItem("RouteNbr", Value::Long(r));
-      hif.SetItem("Initials", Value(r == 1 ? "NORTH" : "SOUTH"));
-      hif.SetItem("User1", Value(r == 1 ? "7" : "2"));
-      hif.WriteData();
+      w.Add({{"RecType", kRecRouteHeader}, {"RouteNbr", r}, {"Initials", r == 1 ? "NORTH" : "SOUTH"},
+             {"User1", r == 1 ? "7" : "2"}});
     }
     for (const Meter& m : meters) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(kRecMeter));
-      hif.SetItem("RouteNbr", Value::Long(m.route));
-      hif.SetItem("Sequence", Value::Long(m.sequence));
-      hif.SetItem("CurReading", Value::Long(m.reading));
-      hif.SetItem("ReadingDate", Value::Long(m.date));
-      hif.SetItem("ReadingTime", Value::Long(m.time));
-      hif.SetItem("ReadType", Value::Long(m.readType));
-      hif.SetItem("ServiceUniqueID", Value(m.account));
-      hif.SetItem("MeterSerialNbr", Value(m.serial));
-      hif.SetItem("User1", Value(m.user1));
-      hif.SetItem("User2", Value(m.user2));
-      hif.WriteData();
+      w.Add({{"RecType", kRecMeter}, {"RouteNbr", m.route}, {"Sequence", m.sequence}, {"CurReading", m.reading},
+             {"ReadingDate", m.date}, {"ReadingTime", m.time}, {"ReadType", m.readType},
+             {"ServiceUniqueID", m.account}, {"MeterSerialNbr", m.serial}, {"User1", m.user1}, {"User2", m.user2}});
     }
   }
 

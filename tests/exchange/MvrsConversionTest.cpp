@@ -7,6 +7,7 @@
 #include "base/DateSerial.h"
 #include "exchange/ExchangeText.h"
 #include "formats/mvrs/MvrsCatalogue.h"
+#include "support/HifImage.h"
 #include "support/RouteSite.h"
 
 namespace hifx {
@@ -226,44 +227,19 @@ class MvrsReadingSite : public MvrsSite {
   }
   void Hif(const std::vector<ReadMeter>& meters, int routes = 2, int routeRecType = 1) {
     test::TestShell quiet;
-    clsHIF hif(quiet);
-    hif.SetVersion(3);
-    hif.CreateHIF(dir / "reading.pdb", kFilePDB, 100);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(0));
-    hif.SetItem("RouteNbr", Value::Long(routes));
-    hif.SetItem("MeterType", Value::Long(3));
-    hif.WriteData();
+    test::HifWriter w(quiet, dir / "reading.pdb");
+    w.Add({{"RecType", 0}, {"RouteNbr", routes}, {"MeterType", 3}});
     for (int r = 1; r <= routes; ++r) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(routeRecType));
-      hif.SetItem("RouteNbr", Value::Long(r));
-      hif.SetItem("Initials", Value("ROUTE" + std::to_string(r)));
-      hif.SetItem("User1", Value("NE~01~05~2026-11-20~3"));
-      hif.WriteData();
+      w.Add({{"RecType", routeRecType}, {"RouteNbr", r}, {"Initials", "ROUTE" + std::to_string(r)},
+             {"User1", "NE~01~05~2026-11-20~3"}});
     }
     for (const ReadMeter& m : meters) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(m.recType));
-      hif.SetItem("RouteNbr", Value::Long(m.route));
-      hif.SetItem("Sequence", Value::Long(7));
-      hif.SetItem("MeterType", Value::Long(m.meterType));
-      hif.SetItem("Digits", Value::Long(6));
-      hif.SetItem("Decimals", Value::Long(m.decimals));
-      hif.SetItem("PrvReading", Value::Long(500));
-      hif.SetItem("CurReading", Value::Long(m.reading));
-      hif.SetItem("ReadingDate", Value::Long(20240305));
-      hif.SetItem("ReadingTime", Value::Long(83015));
-      hif.SetItem("Status", Value::Long(m.status));
-      hif.SetItem("ReadType", Value::Long(m.readType));
-      hif.SetItem("ResponseCode", Value::Long(m.response));
-      hif.SetItem("ServiceAddress", Value("1 MAIN"));
-      hif.SetItem("BillingName", Value("SMITH"));
-      hif.SetItem("MeterSerialNbr", Value(m.serial));
-      hif.SetItem("User1", Value("0~A-1~R~N~S1~P~INFO"));
-      hif.SetItem("User2", Value(m.user2));
-      hif.SetItem("User3", Value("KWH~F~5~12~K~1~1~2~0"));
-      hif.WriteData();
+      w.Add({{"RecType", m.recType}, {"RouteNbr", m.route}, {"Sequence", 7}, {"MeterType", m.meterType},
+             {"Digits", 6}, {"Decimals", m.decimals}, {"PrvReading", 500}, {"CurReading", m.reading},
+             {"ReadingDate", 20240305}, {"ReadingTime", 83015}, {"Status", m.status}, {"ReadType", m.readType},
+             {"ResponseCode", m.response}, {"ServiceAddress", "1 MAIN"}, {"BillingName", "SMITH"},
+             {"MeterSerialNbr", m.serial}, {"User1", "0~A-1~R~N~S1~P~INFO"}, {"User2", m.user2},
+             {"User3", "KWH~F~5~12~K~1~1~2~0"}});
     }
   }
   std::vector<std::string> Output() { return Lines(ReadBytes(dir / "reading.dat")); }
