@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "handheld/clsPalmDB.h"
+#include "support/FailureNumber.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
@@ -121,13 +122,8 @@ TEST(PalmDB, HandBuiltRecordsGrowBySetInt16AndAppendString) {
   EXPECT_EQ(db.RawData().substr(10), Hex("0102"));
   db.SetInt8(40, Value::Long(1));
   EXPECT_EQ(db.RawData().size(), 12u);
-  db.SetRawData(std::string(32766, 'a'));
-  try {
-    db.AppendString(32766, "b", false);
-    FAIL() << "a record is at most 32767 bytes";
-  } catch (const Failure& f) {
-    EXPECT_EQ(f.Number(), fail::kOverflow);
-  }
+  db.SetRawData(std::string(32766, 'a'));  // a record is at most 32767 bytes
+  EXPECT_EQ(test::FailureNumber([&] { db.AppendString(32766, "b", false); }), fail::kOverflow);
 }
 
 TEST(PalmDB, OpenDBTriesVfsFirst) {

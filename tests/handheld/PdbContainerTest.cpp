@@ -3,11 +3,13 @@
 #include "base/DateSerial.h"
 #include "base/Failure.h"
 #include "handheld/clsPalmFilePDB.h"
+#include "support/FailureNumber.h"
 #include "support/TempDir.h"
 
 namespace hifx {
 namespace {
 
+using test::FailureNumber;
 using test::Hex;
 using test::ReadBytes;
 using test::TempDir;
@@ -208,12 +210,7 @@ TEST(PdbContainer, BadTablesFailCleanly) {
   WriteBytes(dir / "past.pdb", past);
   ASSERT_EQ(pdb.OpenFile(dir / "past.pdb"), 0);
   number = 0;
-  try {
-    pdb.ReadRecord(number, data);
-    FAIL() << "read past the end";
-  } catch (const Failure& f) {
-    EXPECT_EQ(f.Number(), fail::kPastEnd);
-  }
+  EXPECT_EQ(FailureNumber([&] { pdb.ReadRecord(number, data); }), fail::kPastEnd);
 }
 
 TEST(PdbContainer, WritingPastTheTableFailsAfterTheDataIsOut) {
@@ -224,12 +221,7 @@ TEST(PdbContainer, WritingPastTheTableFailsAfterTheDataIsOut) {
   pdb.WriteRecord("AAAAAAAAAA");
   // Slot 1 is only the in-memory end slot: its write lands over the first
   // bytes of record 0, the count becomes 2, and only then the write fails.
-  try {
-    pdb.WriteRecord("BB");
-    FAIL() << "no failure";
-  } catch (const Failure& f) {
-    EXPECT_EQ(f.Number(), fail::kSubscript);
-  }
+  EXPECT_EQ(FailureNumber([&] { pdb.WriteRecord("BB"); }), fail::kSubscript);
   const std::string bytes = ReadBytes(path);
   ASSERT_EQ(bytes.size(), 78u + 8 + 10 + 2);
   EXPECT_EQ(bytes[77], 2);
