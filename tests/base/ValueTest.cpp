@@ -6,10 +6,8 @@
 #include "base/KeyedCollection.h"
 #include "base/Value.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::FailureNumber;
 
 TEST(Value, KindsAndConversions) {
   EXPECT_TRUE(Value().IsEmpty());
@@ -72,4 +70,4 @@ TEST(KeyedCollection, KeysIgnoreCaseAndKeepTheirOrder) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

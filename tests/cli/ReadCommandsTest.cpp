@@ -7,16 +7,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::ReadBytes;
-using test::RunHifx;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
-using test::WriteSampleHif;
 
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
@@ -183,4 +175,4 @@ TEST(DamagedFiles, RandomBytesNeverCrash) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -2,17 +2,12 @@
 
 #include "support/ExampleSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::kExamples;
-using test::kTestData;
-using test::ReadBytes;
-using test::WriteBytes;
-
-class ReadingCommand : public test::ExampleSite {
+class ReadingCommand : public ExampleSite {
  protected:
-  test::RunResult Reading(const std::string& source) {
+  RunResult Reading(const std::string& source) {
     return Hifx({"--yes", "reading", "--source", source, "--dest", (dir / "billing.txt").string(), "--orphans",
                  (dir / "orphans.txt").string(), "--orphan-replace", "--reread", (dir / "reread.pdb").string()});
   }
@@ -68,8 +63,8 @@ TEST_F(ReadingCommand, DamagedReadingFilesEndInTheDriversWords) {
   EXPECT_FALSE(ReadBytes(dir / "billing.txt").empty());
   // Record types outside the table are passed over.
   std::string odd = good;
-  const size_t third = test::BigEndianAt(odd, 78 + 16, 4);
-  ASSERT_GT(third, test::BigEndianAt(odd, 78, 4));
+  const size_t third = BigEndianAt(odd, 78 + 16, 4);
+  ASSERT_GT(third, BigEndianAt(odd, 78, 4));
   odd[third + 1] = 9;  // the second route header becomes RecType 9 and is passed over
   WriteBytes(dir / "odd.pdb", odd);
   const auto o = Reading((dir / "odd.pdb").string());
@@ -85,4 +80,4 @@ TEST_F(ReadingCommand, DamagedReadingFilesEndInTheDriversWords) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

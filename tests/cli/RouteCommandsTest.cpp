@@ -4,13 +4,10 @@
 
 #include "support/ExampleSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::kExamples;
-using test::ReadBytes;
-using test::WriteBytes;
-using RouteCommand = test::ExampleSite;
+using RouteCommand = ExampleSite;
 
 TEST_F(RouteCommand, TheBundledExampleMatchesItsGoldenFile) {
   const auto dest = dir / "route.pdb";
@@ -20,7 +17,7 @@ TEST_F(RouteCommand, TheBundledExampleMatchesItsGoldenFile) {
             "Reading from " + kExamples + "route-fixed.txt\nWriting to " + dest.string() +
                 "\nUsing Map: Billing\nRoute Conversion Starting 22:13 11/14/2023\n"
                 "5 meters written to Route HIF File\nRoute Conversion Finished\n\n");
-  EXPECT_EQ(ReadBytes(dest), ReadBytes(test::kTestData + "example-route.pdb"));
+  EXPECT_EQ(ReadBytes(dest), ReadBytes(kTestData + "example-route.pdb"));
   // The stored settings are not changed by the options of a run.
   EXPECT_EQ(Hifx({"settings", "get", "RouteSource"}).out, "examples/route-fixed.txt\n");
 }
@@ -95,4 +92,4 @@ TEST_F(RouteCommand, AFailureInsideShowsErrorAndKeepsThePartialFile) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -5,10 +5,8 @@
 #include "config/clsAdvanced.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::TempDir;
 
 class Advanced : public testing::Test {
  protected:
@@ -168,4 +166,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -8,13 +8,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
 
 const RegPath kKey = {"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\", "Route"};
 
@@ -179,4 +174,4 @@ TEST(SqliteRegistry, TwoWritersShareOneFile) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

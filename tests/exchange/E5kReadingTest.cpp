@@ -5,12 +5,8 @@
 #include "support/HifImage.h"
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::RouteSite;
-using test::WriteBytes;
 
 struct Meter {
   int route, sequence;
@@ -34,8 +30,8 @@ class E5kReading : public testing::Test {
   // A file header, two route headers with their account counts, the meters.
   void Reading(const std::vector<Meter>& meters, const std::string& initials = "HIF loaded from route.txt",
                const std::string& response = "") {
-    test::TestShell quiet;
-    test::HifWriter w(quiet, site.dir / "reading.pdb");
+    TestShell quiet;
+    HifWriter w(quiet, site.dir / "reading.pdb");
     w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"MeterType", 3}, {"Initials", initials},
            {"ResponseText", response}});
     for (int r = 1; r <= 2; ++r) {
@@ -126,4 +122,4 @@ TEST_F(E5kReading, AMeterOfARouteWithNoHeaderIsAFailureOfTheRun) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -6,17 +6,15 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::TempDir;
 
 class ExchangeSettings : public testing::Test {
  protected:
   TempDir dir;
   SqliteRegistryStore store{dir / "registry.db"};
   clsRegistry registry{store};
-  test::TestShell shell;
+  TestShell shell;
   FixedClock clock{CivilTime{}};
 };
 
@@ -88,4 +86,4 @@ TEST(ExchangeTypes, ExtensionsAndWords) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -10,11 +10,9 @@
 #include "support/HifImage.h"
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::ReadBytes;
-using test::WriteBytes;
 using Fields = std::map<std::string, std::string>;
 
 // One line of the given kind, its fields set by name.
@@ -55,19 +53,12 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
-class MvrsSite : public test::RouteSite {
+class MvrsSite : public RouteSite {
  public:
   explicit MvrsSite(bool radio = false) { Map({}, 3, "Route", radio ? "MAPOPTIONS=1:Y\r\n" : ""); }
   bool Convert(const std::vector<std::string>& lines) {
     Source(lines);
     return Exchange().ConvertRoute();
-  }
-  std::vector<KeyedCollection<Value>> Meters() {
-    std::vector<KeyedCollection<Value>> meters;
-    for (auto& record : Records()) {
-      if (NumberOf(record.Item("RecType")) == kRecMeter) meters.push_back(record);
-    }
-    return meters;
   }
   std::string Log() const {
     std::string log;
@@ -119,34 +110,28 @@ TEST(MvrsRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
 
   const auto meters = site.Meters();
   ASSERT_EQ(meters.size(), 3u);  // M1, M2, M3; not M4
-  const auto& m1 = meters[0];
-  EXPECT_EQ(NumberOf(m1.Item("RouteNbr")), 1);
-  EXPECT_EQ(NumberOf(m1.Item("Sequence")), 0);  // 40000 doesn't fit
-  EXPECT_EQ(NumberOf(m1.Item("MeterTagNbr")), 4711);
-  EXPECT_EQ(NumberOf(m1.Item("MeterType")), 2);
-  EXPECT_EQ(NumberOf(m1.Item("Digits")), 6);
-  EXPECT_EQ(NumberOf(m1.Item("Decimals")), 1);
-  EXPECT_EQ(NumberOf(m1.Item("PrvReading")), 222);
-  EXPECT_EQ(NumberOf(m1.Item("MaxReading")), 300);
-  EXPECT_EQ(NumberOf(m1.Item("MinReading")), 200);
-  EXPECT_EQ(NumberOf(m1.Item("ReadType")), 2);
-  EXPECT_EQ(NumberOf(m1.Item("TamperCount")), 3);
-  EXPECT_EQ(Text(m1, "ServiceAddress"), "1 MAIN" + std::string(34, ' ') + "ANNEX");
-  EXPECT_EQ(Text(m1, "BillingName"), "SMITH" + std::string(15, ' ') + "JONES");
-  EXPECT_EQ(Text(m1, "ServiceUniqueID"), "A-1" + std::string(17, ' '));
-  EXPECT_EQ(Text(m1, "User1"), "0~A-1" + std::string(17, ' ') + "~R~Y~S1  ~~GATE" + std::string(16, ' '));
-  EXPECT_EQ(Text(m1, "User2"), " ~ ~ ~ ~ ~" + std::string(14, ' ') + "~4~7~0~0~0~Yard" + std::string(36, ' ') +
-                                   "~Q~CELLAR" + std::string(14, ' ') + "~40000");
-  EXPECT_EQ(Text(m1, "User3"), "KWH ~ ~5~0~K~0~0~0~1");
-  EXPECT_EQ(Text(m1, "User4"), "12~952         ~    ~~WAND1         ~WP01");
-  EXPECT_EQ(Text(m1, "User5"), "Dog" + std::string(97, ' '));
+  // clang-format off
+  const std::vector<std::pair<const char*, std::string>> m1 = {
+      {"RouteNbr", "1"}, {"Sequence", "0"} /* 40000 doesn't fit */, {"MeterTagNbr", "4711"}, {"MeterType", "2"},
+      {"Digits", "6"}, {"Decimals", "1"}, {"PrvReading", "222"}, {"MaxReading", "300"}, {"MinReading", "200"},
+      {"ReadType", "2"}, {"TamperCount", "3"},
+      {"ServiceAddress", "1 MAIN" + std::string(34, ' ') + "ANNEX"},
+      {"BillingName", "SMITH" + std::string(15, ' ') + "JONES"},
+      {"ServiceUniqueID", "A-1" + std::string(17, ' ')},
+      {"User1", "0~A-1" + std::string(17, ' ') + "~R~Y~S1  ~~GATE" + std::string(16, ' ')},
+      {"User2", " ~ ~ ~ ~ ~" + std::string(14, ' ') + "~4~7~0~0~0~Yard" + std::string(36, ' ') + "~Q~CELLAR" +
+                    std::string(14, ' ') + "~40000"},
+      {"User3", "KWH ~ ~5~0~K~0~0~0~1"},
+      {"User4", "12~952         ~    ~~WAND1         ~WP01"},
+      {"User5", "Dog" + std::string(97, ' ')}};
+  // clang-format on
+  for (const auto& [field, text] : m1) EXPECT_EQ(Text(meters[0], field), text) << field;
 
   // A meter with no reading line: zeros, and no read type at all.
-  const auto& m2 = meters[1];
-  EXPECT_EQ(NumberOf(m2.Item("Digits")), 0);
-  EXPECT_EQ(NumberOf(m2.Item("PrvReading")), 0);
-  EXPECT_EQ(NumberOf(m2.Item("ReadType")), 0);
-  EXPECT_EQ(NumberOf(m2.Item("MeterType")), 0);  // "X" leaves the default
+  // "X" leaves the MeterType at its default.
+  for (const char* field : {"Digits", "PrvReading", "ReadType", "MeterType"}) {
+    EXPECT_EQ(NumberOf(meters[1].Item(field)), 0) << field;
+  }
   EXPECT_EQ(NumberOf(meters[2].Item("RouteNbr")), 1);  // under the route before "ERH"
   EXPECT_EQ(site.Log().find("ZZZ"), std::string::npos);
 }
@@ -226,8 +211,8 @@ class MvrsReadingSite : public MvrsSite {
     WriteBytes(dir / "Read.hrm", "HIF=1.1\r\nMAPNAME=Read.hrm\r\nMAPTYPE=3\r\n");
   }
   void Hif(const std::vector<ReadMeter>& meters, int routes = 2, int routeRecType = 1) {
-    test::TestShell quiet;
-    test::HifWriter w(quiet, dir / "reading.pdb");
+    TestShell quiet;
+    HifWriter w(quiet, dir / "reading.pdb");
     w.Add({{"RecType", 0}, {"RouteNbr", routes}, {"MeterType", 3}});
     for (int r = 1; r <= routes; ++r) {
       w.Add({{"RecType", routeRecType}, {"RouteNbr", r}, {"Initials", "ROUTE" + std::to_string(r)},
@@ -351,4 +336,4 @@ TEST(MvrsReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

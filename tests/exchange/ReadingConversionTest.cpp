@@ -3,12 +3,8 @@
 #include "support/HifImage.h"
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::RouteSite;
-using test::WriteBytes;
 
 struct Meter {
   int route, sequence, tag;
@@ -39,8 +35,8 @@ class ReadingSite : public RouteSite {
   }
 
   void Reading(const std::vector<Meter>& meters, int16_t version = 3, int orphans = 0) {
-    test::TestShell quiet;
-    test::HifWriter w(quiet, dir / "reading.pdb", version);
+    TestShell quiet;
+    HifWriter w(quiet, dir / "reading.pdb", version);
     w.Add({{"RecType", 0}, {"RouteNbr", 2}, {"MeterType", version}});
     for (int r = 1; r <= 2; ++r) w.Add({{"RecType", 1}, {"RouteNbr", r}, {"Initials", r == 1 ? "NORTH" : "SOUTH"}});
     // A version-1 file has no Decimals: that write is refused, the record left as it was.
@@ -303,4 +299,4 @@ TEST(ReadingDriver, AMeterWithoutItsRouteIsLoggedAndWhatWasWrittenStays) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -6,13 +6,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
 
 // A 2-byte, a 4-byte and a 1-byte number, then two texts.
 class SmallSchema : public testing::Test {
@@ -123,7 +118,7 @@ TEST(PalmDB, HandBuiltRecordsGrowBySetInt16AndAppendString) {
   db.SetInt8(40, Value::Long(1));
   EXPECT_EQ(db.RawData().size(), 12u);
   db.SetRawData(std::string(32766, 'a'));  // a record is at most 32767 bytes
-  EXPECT_EQ(test::FailureNumber([&] { db.AppendString(32766, "b", false); }), fail::kOverflow);
+  EXPECT_EQ(FailureNumber([&] { db.AppendString(32766, "b", false); }), fail::kOverflow);
 }
 
 TEST(PalmDB, OpenDBTriesVfsFirst) {
@@ -149,4 +144,4 @@ TEST(PalmDB, UnknownContainerTypeFailsOnUse) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

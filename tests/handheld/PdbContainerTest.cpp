@@ -6,14 +6,8 @@
 #include "support/FailureNumber.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::FailureNumber;
-using test::Hex;
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
 
 void Create(clsPalmFilePDB& pdb, const std::filesystem::path& path, int32_t slots,
             std::string_view title = "T", std::string_view creator = "qHVN",
@@ -245,4 +239,4 @@ TEST(PdbContainer, CreateDoesNotTruncate) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -8,15 +8,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
-using test::WriteSampleHif;
 
 TEST(HifFile, IdentityAndRecordsOnDisk) {
   TempDir dir;
@@ -150,4 +143,4 @@ TEST(HifFile, PalmPdbPerlModuleAgrees) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -4,10 +4,8 @@
 #include "hif/clsHIF.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::TestShell;
 
 // Offsets of the fixed part in versions 0 to 3; -1 where the field is absent.
 struct OffsetRow {
@@ -130,4 +128,4 @@ TEST(LookupFileVersion, UnknownVersionsShowTheMessageAndGiveZero) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -15,18 +15,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::FailureNumber;
-using test::FilesIn;
-using test::Hex;
-using test::HifImage;
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
-using test::WriteRecords;
 
 // The quick sort exactly as the sort describes it: entries from 1, the pivot
 // the middle slot, both parts sorted by recursion.
@@ -356,4 +346,4 @@ INSTANTIATE_TEST_SUITE_P(Containers, SortHIFTest, testing::Values(kFilePDB, kFil
                          });
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -7,14 +7,9 @@
 #include "support/FailureNumber.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::FailureNumber;
-using test::FilesIn;
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
 using Change = std::function<void(clsExchMap&)>;
 
 // The fields' names joined by ",", all or only the required ones.
@@ -359,4 +354,4 @@ TEST(ValidateMap, CollectsEveryFieldsMessageUnderOneHeading) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

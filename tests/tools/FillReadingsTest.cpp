@@ -15,13 +15,8 @@
 #include "support/TestShell.h"
 #include "tools/FillReadings.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
 
 // The fields a handheld fills in; every other field comes back as routed.
 const std::set<std::string> kHandheldFields = {"CurReading",   "ReadingDate", "ReadingTime",
@@ -60,7 +55,7 @@ const std::vector<std::string> kSkipCodes = {"DOG", "LCK", "VEH"};
 // the route headers, the meters with each route's index records behind its
 // meters, then the login, skip, change-out and alert records.
 std::vector<std::string> WriteRoute(IShell& shell, const std::filesystem::path& path) {
-  test::HifWriter w(shell, path, 3, kFilePDB, static_cast<int32_t>(kMeters.size()) + 2 * 2 + 10);
+  HifWriter w(shell, path, 3, kFilePDB, static_cast<int32_t>(kMeters.size()) + 2 * 2 + 10);
   clsHIF& hif = w.hif;
   w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"Sequence", kCreated}, {"MeterTagNbr", 1305},
          {"MeterType", 3}, {"PrvReading", static_cast<int32_t>(kMeters.size())}, {"ReadingDate", kCreated},
@@ -99,7 +94,7 @@ std::vector<std::string> WriteRoute(IShell& shell, const std::filesystem::path& 
   return w.records;
 }
 
-int32_t NumberOfRecType(const std::string& raw) { return raw.size() < 2 ? -1 : int32_t(test::BigEndianAt(raw, 0, 2)); }
+int32_t NumberOfRecType(const std::string& raw) { return raw.size() < 2 ? -1 : int32_t(BigEndianAt(raw, 0, 2)); }
 
 // A record read back: schema records by field, code and index records only
 // as bytes.
@@ -221,7 +216,7 @@ TEST_P(FillReadingsSeeds, FillsTheMetersAndAppendsTheOrphans) {
   // The same identity, and the record table sized for the orphans and spares.
   const std::string bytes = ReadBytes(dir / "reading.pdb");
   EXPECT_EQ(bytes.substr(0, 76), ReadBytes(dir / "route.pdb").substr(0, 76));
-  EXPECT_EQ((test::BigEndianAt(bytes, 78, 4) - 78) / 8, route.size() + kFilledOrphans + kFilledSpareSlots);
+  EXPECT_EQ((BigEndianAt(bytes, 78, 4) - 78) / 8, route.size() + kFilledOrphans + kFilledSpareSlots);
 
   std::set<int32_t> routeTags;
   for (const auto& m : kMeters) routeTags.insert(m.tag);
@@ -274,7 +269,7 @@ TEST(FillReadings, RefusesWhatItCannotFill) {
   EXPECT_FALSE(std::filesystem::exists(dir / "reading.pdb"));
 
   // Version 0 records have no reading fields.
-  test::HifWriter(shell, dir / "v0.pdb", 0, kFilePDB, 2).Add({{"RecType", kRecMeter}, {"MeterTagNbr", 77}});
+  HifWriter(shell, dir / "v0.pdb", 0, kFilePDB, 2).Add({{"RecType", kRecMeter}, {"MeterTagNbr", 77}});
   EXPECT_THROW(FillReadings(shell, dir / "v0.pdb", dir / "reading.pdb", 1), Failure);
   EXPECT_FALSE(std::filesystem::exists(dir / "reading.pdb"));
 
@@ -286,4 +281,4 @@ TEST(FillReadings, RefusesWhatItCannotFill) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test
