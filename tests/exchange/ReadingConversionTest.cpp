@@ -14,6 +14,10 @@ struct Meter {
   const char* account = "";
 };
 
+const std::string kFixedHeader = "MAPTYPE=1\r\nMAPFILTER=0\r\nMAPTERMINATOR= 3 \r\n";
+const std::vector<std::string> kFixedFields = {"RouteNbr=1,5,L,B,0", "MeterTagNbr=6,6,R,Z,0",
+                                               "CurReading=12,6,R,Z,0", "ReadType=18,1,L,B,0"};
+
 class ReadingSite : public RouteSite {
  public:
   ReadingSite() {
@@ -24,9 +28,11 @@ class ReadingSite : public RouteSite {
     e.OrphanDestination = (dir / "orphans.txt").string();
     e.OrphanMap = "Orph";
     e.ReReadDestination = (dir / "reread.pdb").string();
+    ReadingMap(kFixedFields, kFixedHeader);
   }
 
-  // A reading map of the given field lines (the rest not written).
+  // A reading map of the given field lines (the rest not written); the
+  // fixed test layout unless a test writes another.
   void ReadingMap(const std::vector<std::string>& lines, const std::string& header,
                   const std::string& name = "Bill", const std::string& ext = ".hrm") {
     std::string text = "HIF=1.1\r\n" + header;
@@ -54,10 +60,6 @@ class ReadingSite : public RouteSite {
   std::string Billing() { return ReadBytes(dir / "billing.txt"); }
 };
 
-const std::string kFixedHeader = "MAPTYPE=1\r\nMAPFILTER=0\r\nMAPTERMINATOR= 3 \r\n";
-const std::vector<std::string> kFixedFields = {"RouteNbr=1,5,L,B,0", "MeterTagNbr=6,6,R,Z,0",
-                                               "CurReading=12,6,R,Z,0", "ReadType=18,1,L,B,0"};
-
 TEST(ReadingDriver, RefusesBadSettingsInItsOwnWords) {
   struct Case {
     std::function<void(clsExchange&)> setup;
@@ -75,7 +77,6 @@ TEST(ReadingDriver, RefusesBadSettingsInItsOwnWords) {
   };
   for (const Case& c : cases) {
     ReadingSite site;
-    site.ReadingMap(kFixedFields, kFixedHeader);
     site.Reading({{1, 1, 11, 1, 5, 1, 9}});
     c.setup(site.Exchange());
     EXPECT_FALSE(site.Exchange().ConvertReading());
@@ -86,7 +87,6 @@ TEST(ReadingDriver, RefusesBadSettingsInItsOwnWords) {
 
 TEST(ReadingDriver, ALogAndABillingFile) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Reading({{1, 10, 11, 1, 5, 1, 9, 6, 0, 2}, {2, 10, 12, 0, 0, 1, 9}});
   ASSERT_TRUE(site.Exchange().ConvertReading());
   const clsExchange& e = site.Exchange();
@@ -176,7 +176,6 @@ TEST(ReadingOutput, EveryDateAndTimeCodeWithItsBlankForm) {
 
 TEST(ReadingDriver, AnExistingDestinationAndAFileThatCannotBeRead) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Reading({{1, 1, 11, 1, 5, 1, 9}});
   WriteBytes(site.dir / "billing.txt", "old");
   site.shell.answers = {MsgAnswer::No};
@@ -212,14 +211,12 @@ TEST(ReadingOutput, AnOlderFileIsReadWithDefaults) {
   site.Reading({{1, 1, 11, 1, 5, 1, 9}, {1, 2, 12, 1, 5, 1, 9}}, 1);
   ASSERT_TRUE(site.Exchange().ConvertReading());
   EXPECT_EQ(site.Billing(), "11000  \r\n12000  \r\n");
-  const auto& log = site.shell.log;
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Warning: Defaulted InitPulseCount to 0"), 1);
+  EXPECT_EQ(site.shell.Logged("Warning: Defaulted InitPulseCount to 0"), 1u);
 }
 
 TEST(ReadingDriver, OrphansAppendedOrReplaced) {
   for (const bool replace : {false, true}) {
     ReadingSite site;
-    site.ReadingMap(kFixedFields, kFixedHeader);
     site.ReadingMap({"MeterTagNbr=1,0,L,B,0", "CurReading=2,0,L,B,0", "PrvReading=3,0,L,B,0"},
                     "MAPTYPE=2\r\nMAPDELIMITER=,\r\nMAPTERMINATOR= 3 \r\n", "Orph", ".hom");
     site.Reading({{1, 1, 11, 1, 5, 1, 9}}, 3, 2);
@@ -230,19 +227,14 @@ TEST(ReadingDriver, OrphansAppendedOrReplaced) {
     const std::string orphans = ReadBytes(site.dir / "orphans.txt");
     const std::string fresh = "9000,77,101\r\n9001,78,101\r\n";
     EXPECT_EQ(orphans, replace ? fresh : "old\r\n" + fresh);
-    const auto& log = site.shell.log;
-    const std::string lost = "Notice: File " + site.Exchange().OrphanDestination +
-                             " overwritten per configuration.  5 bytes lost.";
-    EXPECT_EQ(std::count(log.begin(), log.end(), lost), replace ? 1 : 0);
-    EXPECT_EQ(std::count(log.begin(), log.end(), "Notice: File " + site.Exchange().OrphanDestination + " now contains " +
-                                                     std::to_string(orphans.size()) + " bytes."),
-              1);
+    const std::string file = "Notice: File " + site.Exchange().OrphanDestination;
+    EXPECT_EQ(site.shell.Logged(file + " overwritten per configuration.  5 bytes lost."), replace ? 1u : 0u);
+    EXPECT_EQ(site.shell.Logged(file + " now contains " + std::to_string(orphans.size()) + " bytes."), 1u);
   }
 }
 
 TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Exchange().AutoReRead = true;
   site.shell.answers = {MsgAnswer::Yes};
   // Route 1: in window, on the edges; route 2: unread, above, below.
@@ -252,8 +244,7 @@ TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
   ASSERT_TRUE(site.Exchange().ConvertReading());
   ASSERT_EQ(site.shell.questions.size(), 1u);
   EXPECT_EQ(site.shell.questions[0].title, "ReRead Destination already exists");
-  const auto& log = site.shell.log;
-  EXPECT_NE(std::find(log.begin(), log.end(), "Notice: ReRead File prepared with 3 Meters"), log.end());
+  EXPECT_EQ(site.shell.Logged("Notice: ReRead File prepared with 3 Meters"), 1u);
   const auto records = site.Records("reread.pdb");
   ASSERT_EQ(records.size(), 1u + 1 + 3);  // header, SOUTH renumbered 1, three meters
   EXPECT_EQ(records[0].Item("RouteNbr"), Value::Long(1));
@@ -272,7 +263,6 @@ TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
 
 TEST(ReadingDriver, NoExceptionsLeaveAHeaderOnlyFileAndTheQuestionIsAlwaysPut) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Exchange().AutoReRead = true;
   site.Reading({{1, 1, 11, 1, 5, 1, 9}});
   site.shell.answers = {MsgAnswer::No};
@@ -281,21 +271,17 @@ TEST(ReadingDriver, NoExceptionsLeaveAHeaderOnlyFileAndTheQuestionIsAlwaysPut) {
   EXPECT_FALSE(std::filesystem::exists(site.dir / "reread.pdb"));
   site.shell.answers = {MsgAnswer::Yes, MsgAnswer::Yes};
   EXPECT_TRUE(site.Exchange().ConvertReading());
-  const auto& log = site.shell.log;
-  EXPECT_NE(std::find(log.begin(), log.end(), "Notice: No exceptions found in reading.  Not creating re-read file"),
-            log.end());
+  EXPECT_EQ(site.shell.Logged("Notice: No exceptions found in reading.  Not creating re-read file"), 1u);
   EXPECT_EQ(site.Records("reread.pdb").size(), 1u);
 }
 
 TEST(ReadingDriver, AMeterWithoutItsRouteIsLoggedAndWhatWasWrittenStays) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Reading({{1, 1, 11, 1, 5, 1, 9}, {7, 1, 12, 1, 5, 1, 9}});
   EXPECT_FALSE(site.Exchange().ConvertReading());
   EXPECT_EQ(site.Billing(), "NORTH000011000005R\r\n");
-  const auto& log = site.shell.log;
-  EXPECT_NE(std::find(log.begin(), log.end(), "Subscript out of range"), log.end());
-  EXPECT_EQ(log[log.size() - 2], "Reading Conversion Finished");
+  EXPECT_EQ(site.shell.Logged("Subscript out of range"), 1u);
+  EXPECT_EQ(site.shell.Tail(2)[0], "Reading Conversion Finished");
 }
 
 }  // namespace
