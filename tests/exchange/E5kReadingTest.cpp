@@ -46,16 +46,7 @@ class E5kReading : public testing::Test {
   }
 
   // The upload's lines, without their CR LF.
-  std::vector<std::string> Upload() {
-    std::vector<std::string> lines;
-    const std::string text = ReadBytes(site.dir / "upload.txt");
-    for (size_t at = 0; at < text.size();) {
-      const size_t end = text.find("\r\n", at);
-      lines.push_back(text.substr(at, end - at));
-      at = end + 2;
-    }
-    return lines;
-  }
+  std::vector<std::string> Upload() { return CrLfLines(ReadBytes(site.dir / "upload.txt")); }
 
   RouteSite site;
 };

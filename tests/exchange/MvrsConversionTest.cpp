@@ -42,17 +42,6 @@ clsRecType Parsed(const std::string& line) {
   return clsRecType();
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  for (size_t at = 0; at < text.size();) {
-    const size_t end = text.find("\r\n", at);
-    lines.push_back(text.substr(at, end - at));
-    if (end == std::string::npos) break;
-    at = end + 2;
-  }
-  return lines;
-}
-
 class MvrsSite : public RouteSite {
  public:
   explicit MvrsSite(bool radio = false) { Map({}, 3, "Route", radio ? "MAPOPTIONS=1:Y\r\n" : ""); }
@@ -227,7 +216,7 @@ class MvrsReadingSite : public MvrsSite {
              {"User3", "KWH~F~5~12~K~1~1~2~0"}});
     }
   }
-  std::vector<std::string> Output() { return Lines(ReadBytes(dir / "reading.dat")); }
+  std::vector<std::string> Output() { return CrLfLines(ReadBytes(dir / "reading.dat")); }
 };
 
 TEST(MvrsReading, CountsCodesAndReadingsOfEachMeter) {
@@ -324,10 +313,8 @@ TEST(MvrsReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
 
   // Retry runs the step again; Ignore goes on to the end.
   site.shell.questions.clear();
-  site.shell.answers = {MsgAnswer::Retry, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore,
-                        MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore,
-                        MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore};
-  WriteBytes(site.dir / "reading.dat", "");
+  site.shell.answers = {MsgAnswer::Retry};
+  site.shell.answers.insert(site.shell.answers.end(), 11, MsgAnswer::Ignore);
   std::filesystem::remove(site.dir / "reading.dat");
   ASSERT_TRUE(site.Exchange().ConvertReading());
   EXPECT_GE(site.shell.questions.size(), 3u);

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace hifx::test {
 
@@ -70,6 +71,18 @@ inline uint32_t BigEndianAt(const std::string& bytes, size_t at, int width) {
   uint32_t value = 0;
   for (int k = 0; k < width; ++k) value = value << 8 | static_cast<uint8_t>(bytes.at(at + static_cast<size_t>(k)));
   return value;
+}
+
+// The lines of a text, each without its CR LF.
+inline std::vector<std::string> CrLfLines(const std::string& text) {
+  std::vector<std::string> lines;
+  for (size_t at = 0; at < text.size();) {
+    const size_t end = text.find("\r\n", at);
+    lines.push_back(text.substr(at, end - at));
+    if (end == std::string::npos) break;
+    at = end + 2;
+  }
+  return lines;
 }
 
 // The number of entries in a folder.
