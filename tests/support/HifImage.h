@@ -11,16 +11,9 @@
 #include <vector>
 
 #include "hif/clsHIF.h"
+#include "support/TempDir.h"
 
 namespace hifx::test {
-
-inline std::string BigEndian(uint32_t value, int width) {
-  std::string bytes;
-  for (int shift = (width - 1) * 8; shift >= 0; shift -= 8) {
-    bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
-  }
-  return bytes;
-}
 
 // A PDB HIF: the 78-byte header, a table of `slots` slots, the records.
 inline std::string PdbImage(uint32_t slots, const std::vector<std::string>& records) {

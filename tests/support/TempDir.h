@@ -66,7 +66,13 @@ inline std::string Hex(const std::string& text) {
   return out;
 }
 
-// The unsigned big-endian number of `width` bytes at `at`.
+// A number as `width` big-endian bytes, and the number such bytes hold.
+inline std::string BigEndian(uint32_t value, int width) {
+  std::string bytes;
+  for (int shift = (width - 1) * 8; shift >= 0; shift -= 8) bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
+  return bytes;
+}
+
 inline uint32_t BigEndianAt(const std::string& bytes, size_t at, int width) {
   uint32_t value = 0;
   for (int k = 0; k < width; ++k) value = value << 8 | static_cast<uint8_t>(bytes.at(at + static_cast<size_t>(k)));
