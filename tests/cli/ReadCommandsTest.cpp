@@ -87,7 +87,7 @@ TEST(CommandLine, BadUsageExitsTwo) {
 // read; never a crash or a hang.
 struct DamagedCase {
   const char* name;
-  std::function<std::string(std::string)> damage;  // the sample file's bytes, damaged
+  std::function<std::string(std::string)> damage;  // the sample file's bytes, damaged; none: no file
   int dumpStatus;
   size_t dumpLines;
 };
@@ -106,13 +106,14 @@ TEST_P(DamagedFileTest, DumpAndViewStayInControl) {
   TestShell shell;
   WriteSampleHif(shell, dir / "good.pdb", kFilePDB);
   const auto path = dir / GetParam().name;
-  WriteBytes(path, GetParam().damage(ReadBytes(dir / "good.pdb")));
+  if (GetParam().damage) WriteBytes(path, GetParam().damage(ReadBytes(dir / "good.pdb")));
   const auto dump = RunHifx({"dump", path.string()}, dir);
   ASSERT_TRUE(dump.exited) << "dump died";
   EXPECT_EQ(dump.status, GetParam().dumpStatus) << dump.err;
   EXPECT_EQ(Lines(dump.out), GetParam().dumpLines);
-  if (dump.status != 0) {
+  if (dump.status != 0) {  // a message that names the file
     EXPECT_EQ(dump.err.rfind("hifx: dump: ", 0), 0u) << dump.err;
+    EXPECT_NE(dump.err.find(path.string()), std::string::npos) << dump.err;
   }
   const auto view = RunHifx({"view", path.string()}, dir);
   ASSERT_TRUE(view.exited) << "view died";
@@ -121,11 +122,12 @@ TEST_P(DamagedFileTest, DumpAndViewStayInControl) {
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::Values(
+    DamagedCase{"missing", nullptr, 2, 0},
     DamagedCase{"empty", [](std::string) { return std::string(); }, 0, 0},
     DamagedCase{"header_only", [](std::string b) { return b.substr(0, 50); }, 0, 0},
     DamagedCase{"truncated", [](std::string b) { return b.substr(0, b.size() - 150); }, 2, 4},
     // Record 2 starts far past the end.
-    DamagedCase{"past_end", [](std::string b) { b[78 + 8 * 2 + 2] = 0x7F; return b; }, 2, 1},
+    DamagedCase{"past_end", [](std::string b) { return b.replace(78 + 8 * 2 + 2, 1, "\x7F"); }, 2, 1},
     // Record 3 starts before record 2.
     DamagedCase{"out_of_order", [](std::string b) { return b.replace(78 + 8 * 3, 4, Hex("00000060")); }, 2, 2},
     DamagedCase{"count_32768", [](std::string b) { return WithCount(b, 0x80, 0); }, 2, 0},
