@@ -61,7 +61,8 @@ std::vector<std::string> WriteRoute(IShell& shell, const std::filesystem::path& 
          {"MeterType", 3}, {"PrvReading", static_cast<int32_t>(kMeters.size())}, {"ReadingDate", kCreated},
          {"Initials", "HIF loaded from route.txt"}});
   for (int32_t route = 1; route <= 2; ++route) {
-    const auto count = std::count_if(kMeters.begin(), kMeters.end(), [&](const RouteMeter& m) { return m.route == route; });
+    const auto count =
+        std::count_if(kMeters.begin(), kMeters.end(), [&](const RouteMeter& m) { return m.route == route; });
     const std::string name = "ROUTE" + std::to_string(route);
     w.Add({{"RecType", kRecRouteHeader}, {"RouteNbr", route}, {"PrvReading", static_cast<int32_t>(count)},
            {"Initials", name}, {"ResponseText", name}});
