@@ -175,7 +175,9 @@ TEST_P(FillReadingsSeeds, FillsTheMetersAndAppendsTheOrphans) {
     const auto before = schema.GetValues();
     for (int16_t f = 1; f <= db.FieldCount(); ++f) {
       const std::string name = db.FieldName(f);
-      if (kHandheldFields.count(name) == 0) EXPECT_EQ(m.values.Item(name), before.Item(name)) << name << " of " << i;
+      if (kHandheldFields.count(name) == 0) {
+        EXPECT_EQ(m.values.Item(name), before.Item(name)) << name << " of " << i;
+      }
     }
     changed += m.raw != route[i];
 
