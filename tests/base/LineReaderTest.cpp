@@ -4,11 +4,8 @@
 #include "base/LineReader.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::TempDir;
-using test::WriteBytes;
 
 std::vector<std::string> LinesOf(const std::string& bytes) {
   TempDir dir;
@@ -51,4 +48,4 @@ TEST(LineReader, MissingFilesAndOverlongLines) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

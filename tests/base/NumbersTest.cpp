@@ -4,10 +4,8 @@
 #include "support/FailureNumber.h"
 #include "base/Numbers.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::FailureNumber;
 
 TEST(Rounding, HalvesGoToTheEvenNeighbour) {
   EXPECT_EQ(RoundHalfEven(0.5), 0.0);
@@ -60,4 +58,4 @@ TEST(WholeNumber, AcceptsOnlyATextThatIsOneNumber) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

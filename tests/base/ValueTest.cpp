@@ -1,15 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "base/DateSerial.h"
 #include "base/Failure.h"
 #include "support/FailureNumber.h"
 #include "base/KeyedCollection.h"
 #include "base/Value.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::FailureNumber;
 
 TEST(Value, KindsAndConversions) {
   EXPECT_TRUE(Value().IsEmpty());
@@ -46,12 +46,7 @@ TEST(DateSerial, DaysSinceTheEndOf1899) {
   EXPECT_EQ(DateSerial(2024, 13, 1), DateSerial(2025, 1, 1));  // months roll over
   EXPECT_EQ(DateSerial(2024, 3, 0), DateSerial(2024, 2, 29));
   const CivilTime t = FromDateValue(DateSerial(1999, 12, 31) + TimeSerial(23, 59, 59));
-  EXPECT_EQ(t.year, 1999);
-  EXPECT_EQ(t.month, 12);
-  EXPECT_EQ(t.day, 31);
-  EXPECT_EQ(t.hour, 23);
-  EXPECT_EQ(t.minute, 59);
-  EXPECT_EQ(t.second, 59);
+  EXPECT_EQ(std::tuple(t.year, t.month, t.day, t.hour, t.minute, t.second), std::tuple(1999, 12, 31, 23, 59, 59));
 }
 
 TEST(KeyedCollection, KeysIgnoreCaseAndKeepTheirOrder) {
@@ -72,4 +67,4 @@ TEST(KeyedCollection, KeysIgnoreCaseAndKeepTheirOrder) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

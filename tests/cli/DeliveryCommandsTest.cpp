@@ -3,19 +3,15 @@
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ReadBytes;
-using test::RunHifx;
-using test::TempDir;
-using test::WriteBytes;
 
 class DeliveryCommands : public testing::Test {
  protected:
   // Runs hifx on the test's site, with the sync root left to its default.
-  test::RunResult Run(std::vector<std::string> args) {
+  RunResult Run(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", site.string()});
     return RunHifx(args, dir, "HIFX_SYNC_ROOT=");
   }
@@ -36,7 +32,7 @@ TEST_F(DeliveryCommands, UsersListsTheUserFoldersByName) {
   // $HIFX_SYNC_ROOT names another root.
   fs::create_directories(dir / "elsewhere" / "Van");
   const auto other = RunHifx({"--site", site.string(), "users"}, dir,
-                             "HIFX_SYNC_ROOT=" + test::ShellQuote((dir / "elsewhere").string()));
+                             "HIFX_SYNC_ROOT=" + ShellQuote((dir / "elsewhere").string()));
   EXPECT_EQ(other.out, "Van\n");
   EXPECT_EQ(Run({"users", "extra"}).status, 2);
 }
@@ -79,4 +75,4 @@ TEST_F(DeliveryCommands, InstallRefusesBadArguments) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

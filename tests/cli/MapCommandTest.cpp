@@ -5,12 +5,8 @@
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::RunHifx;
-using test::TempDir;
-using test::WriteBytes;
 
 // An orphan map as the office writes one: fixed columns, a prompt-free
 // catalogue, one line left unmapped.
@@ -27,7 +23,7 @@ void Put(const TempDir& dir, const std::string& name, const std::string& bytes) 
 }
 
 // hifx --site DIR/site map ARGS...
-test::RunResult Map(const TempDir& dir, std::vector<std::string> args) {
+RunResult Map(const TempDir& dir, std::vector<std::string> args) {
   args.insert(args.begin(), {"--site", (dir / "site").string(), "map"});
   return RunHifx(args, dir);
 }
@@ -106,4 +102,4 @@ TEST(MapCommand, DamagedMapsStillShow) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 
 #include "support/RunHifx.h"
@@ -7,16 +8,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::ReadBytes;
-using test::RunHifx;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
-using test::WriteSampleHif;
 
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
@@ -24,7 +17,7 @@ size_t Lines(const std::string& text) {
   return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-TEST(DumpCommand, OneJsonObjectPerRecord) {
+TEST(DumpCommand, OneJsonObjectPerRecordFromEitherContainer) {
   TempDir dir;
   TestShell shell;
   WriteSampleHif(shell, dir / "route.pdb", kFilePDB);
@@ -47,15 +40,10 @@ TEST(DumpCommand, OneJsonObjectPerRecord) {
   EXPECT_NE(r.out.find(R"("BillingName":"DOE \"JJ\"")"), std::string::npos);
   EXPECT_NE(r.out.find("\n" R"({"RecType":5,"group":0,"flag":0,"entries":[["DOG","Dog in yard",""]]})" "\n"),
             std::string::npos);
-}
-
-TEST(DumpCommand, VfsFilesToo) {
-  TempDir dir;
-  TestShell shell;
   WriteSampleHif(shell, dir / "route.vfs", kFileVFS);
-  const auto pdb = RunHifx({"dump", (dir / "route.vfs").string()}, dir);
-  ASSERT_EQ(pdb.status, 0) << pdb.err;
-  EXPECT_EQ(Lines(pdb.out), 7u);
+  const auto vfs = RunHifx({"dump", (dir / "route.vfs").string()}, dir);
+  ASSERT_EQ(vfs.status, 0) << vfs.err;
+  EXPECT_EQ(vfs.out, r.out);
 }
 
 TEST(ViewCommand, RoutesAndTheMetersOfOneRoute) {
@@ -99,71 +87,54 @@ TEST(CommandLine, BadUsageExitsTwo) {
 // read; never a crash or a hang.
 struct DamagedCase {
   const char* name;
+  std::function<std::string(std::string)> damage;  // the sample file's bytes, damaged; none: no file
   int dumpStatus;
   size_t dumpLines;
 };
+void PrintTo(const DamagedCase& c, std::ostream* os) { *os << c.name; }
 
-class DamagedFileTest : public testing::TestWithParam<DamagedCase> {
- protected:
-  std::filesystem::path Make(const TempDir& dir) {
-    TestShell shell;
-    const auto good = dir / "good.pdb";
-    WriteSampleHif(shell, good, kFilePDB);
-    const std::string bytes = ReadBytes(good);
-    const std::string name = GetParam().name;
-    const auto path = dir / name;
-    std::string header = bytes.substr(0, 78);
-    if (name == "empty") {
-      WriteBytes(path, "");
-    } else if (name == "truncated") {
-      WriteBytes(path, bytes.substr(0, bytes.size() - 150));
-    } else if (name == "header_only") {
-      WriteBytes(path, bytes.substr(0, 50));
-    } else if (name == "past_end") {
-      std::string b = bytes;
-      b[78 + 8 * 2 + 2] = 0x7F;  // record 2 starts far past the end
-      WriteBytes(path, b);
-    } else if (name == "out_of_order") {
-      std::string b = bytes;
-      b.replace(78 + 8 * 3, 4, Hex("00000060"));  // record 3 starts before record 2
-      WriteBytes(path, b);
-    } else if (name == "count_32768") {
-      header[76] = static_cast<char>(0x80);
-      header[77] = 0;
-      WriteBytes(path, header + bytes.substr(78));
-    } else if (name == "count_32767") {
-      header[76] = 0x7F;
-      header[77] = static_cast<char>(0xFF);
-      WriteBytes(path, header + bytes.substr(78));
-    } else if (name == "vfs_bad_length") {
-      WriteBytes(path, Hex("00000005 0001") + std::string(3, 'x') + Hex("7FFFFFFF"));
-    }
-    return path;
-  }
-};
+std::string WithCount(std::string bytes, uint8_t high, uint8_t low) {
+  bytes[76] = static_cast<char>(high);
+  bytes[77] = static_cast<char>(low);
+  return bytes;
+}
+
+class DamagedFileTest : public testing::TestWithParam<DamagedCase> {};
 
 TEST_P(DamagedFileTest, DumpAndViewStayInControl) {
   TempDir dir;
-  const auto path = Make(dir);
+  TestShell shell;
+  WriteSampleHif(shell, dir / "good.pdb", kFilePDB);
+  const auto path = dir / GetParam().name;
+  if (GetParam().damage) WriteBytes(path, GetParam().damage(ReadBytes(dir / "good.pdb")));
   const auto dump = RunHifx({"dump", path.string()}, dir);
   ASSERT_TRUE(dump.exited) << "dump died";
   EXPECT_EQ(dump.status, GetParam().dumpStatus) << dump.err;
   EXPECT_EQ(Lines(dump.out), GetParam().dumpLines);
-  if (dump.status != 0) {
+  if (dump.status != 0) {  // a message that names the file
     EXPECT_EQ(dump.err.rfind("hifx: dump: ", 0), 0u) << dump.err;
+    EXPECT_NE(dump.err.find(path.string()), std::string::npos) << dump.err;
   }
   const auto view = RunHifx({"view", path.string()}, dir);
   ASSERT_TRUE(view.exited) << "view died";
   EXPECT_TRUE(view.status == 0 || view.status == 2) << view.status;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Files, DamagedFileTest,
-    testing::Values(DamagedCase{"empty", 0, 0}, DamagedCase{"header_only", 0, 0},
-                    DamagedCase{"truncated", 2, 4}, DamagedCase{"past_end", 2, 1},
-                    DamagedCase{"out_of_order", 2, 2}, DamagedCase{"count_32768", 2, 0},
-                    DamagedCase{"count_32767", 2, 6}, DamagedCase{"vfs_bad_length", 2, 1}),
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::Values(
+    DamagedCase{"missing", nullptr, 2, 0},
+    DamagedCase{"empty", [](std::string) { return std::string(); }, 0, 0},
+    DamagedCase{"header_only", [](std::string b) { return b.substr(0, 50); }, 0, 0},
+    DamagedCase{"truncated", [](std::string b) { return b.substr(0, b.size() - 150); }, 2, 4},
+    // Record 2 starts far past the end.
+    DamagedCase{"past_end", [](std::string b) { return b.replace(78 + 8 * 2 + 2, 1, "\x7F"); }, 2, 1},
+    // Record 3 starts before record 2.
+    DamagedCase{"out_of_order", [](std::string b) { return b.replace(78 + 8 * 3, 4, Hex("00000060")); }, 2, 2},
+    DamagedCase{"count_32768", [](std::string b) { return WithCount(b, 0x80, 0); }, 2, 0},
+    DamagedCase{"count_32767", [](std::string b) { return WithCount(b, 0x7F, 0xFF); }, 2, 6},
+    DamagedCase{"vfs_bad_length", [](std::string) { return Hex("00000005 0001") + "xxx" + Hex("7FFFFFFF"); }, 2, 1}),
     [](const auto& info) { return std::string(info.param.name); });
+// clang-format on
 
 TEST(DamagedFiles, RandomBytesNeverCrash) {
   TempDir dir;
@@ -183,4 +154,4 @@ TEST(DamagedFiles, RandomBytesNeverCrash) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -2,31 +2,12 @@
 
 #include <random>
 
-#include "support/RunHifx.h"
-#include "support/TempDir.h"
+#include "support/ExampleSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::ReadBytes;
-using test::RunHifx;
-using test::TempDir;
-using test::WriteBytes;
-
-const std::string kExamples = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/";
-const std::string kFixedEnv = "SOURCE_DATE_EPOCH=1700000000 TZ=UTC";
-
-class RouteCommand : public testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_EQ(Hifx({"dist", "load", kExamples + "site.dst"}).status, 0);
-  }
-  test::RunResult Hifx(std::vector<std::string> args, const std::string& env = kFixedEnv) {
-    args.insert(args.begin(), {"--site", (dir / "site").string()});
-    return RunHifx(args, dir, env);
-  }
-  TempDir dir;
-};
+using RouteCommand = ExampleSite;
 
 TEST_F(RouteCommand, TheBundledExampleMatchesItsGoldenFile) {
   const auto dest = dir / "route.pdb";
@@ -36,23 +17,22 @@ TEST_F(RouteCommand, TheBundledExampleMatchesItsGoldenFile) {
             "Reading from " + kExamples + "route-fixed.txt\nWriting to " + dest.string() +
                 "\nUsing Map: Billing\nRoute Conversion Starting 22:13 11/14/2023\n"
                 "5 meters written to Route HIF File\nRoute Conversion Finished\n\n");
-  EXPECT_EQ(ReadBytes(dest), ReadBytes(std::string(HIFX_TEST_SOURCE_DIR) + "/data/example-route.pdb"));
+  EXPECT_EQ(ReadBytes(dest), ReadBytes(kTestData + "example-route.pdb"));
   // The stored settings are not changed by the options of a run.
   EXPECT_EQ(Hifx({"settings", "get", "RouteSource"}).out, "examples/route-fixed.txt\n");
 }
 
 TEST_F(RouteCommand, TheDelimitedExampleAndTheOverwriteQuestion) {
   const auto dest = dir / "csv.pdb";
-  const std::vector<std::string> args = {"route", "--source", kExamples + "route-delimited.csv", "--dest",
-                                         dest.string(), "--map", "BillingCsv"};
+  std::vector<std::string> args = {"route", "--source", kExamples + "route-delimited.csv", "--dest",
+                                   dest.string(), "--map", "BillingCsv"};
   ASSERT_EQ(Hifx(args).status, 0);
   const auto no = Hifx(args);  // no terminal and no --yes: the answer is No
   EXPECT_EQ(no.status, 1);
   EXPECT_NE(no.out.find("Error: Route Destination already exists\n"), std::string::npos);
   EXPECT_EQ(no.err, "Route Destination already exists: " + dest.string() + " already exists.  Overwrite?\n");
-  std::vector<std::string> yes = args;
-  yes.insert(yes.begin(), "--yes");
-  EXPECT_EQ(Hifx(yes).status, 0);
+  args.insert(args.begin(), "--yes");
+  EXPECT_EQ(Hifx(args).status, 0);
 }
 
 TEST_F(RouteCommand, BadSourcesEndInTheDriversWords) {
@@ -62,33 +42,30 @@ TEST_F(RouteCommand, BadSourcesEndInTheDriversWords) {
   WriteBytes(dir / "garbage.txt", garbage);
   WriteBytes(dir / "nuls.txt", std::string("0001000010\0\0\0\0\0\0W5", 18) + "\r\n");
   WriteBytes(dir / "long.txt", std::string(1 << 20, '7') + "\r\n");
-  auto route = [&](const std::string& name) {
-    return Hifx({"route", "--source", (dir / name).string(), "--dest", (dir / (name + ".pdb")).string()});
+  auto route = [&, runs = 0](const std::string& source, const std::string& map = "Billing") mutable {
+    const auto dest = dir / ("run" + std::to_string(++runs) + ".pdb");
+    return Hifx({"route", "--source", source, "--dest", dest.string(), "--map", map});
   };
   // Garbage repeats its tags sooner or later: the duplicate stops the run.
-  const auto g = route("garbage.txt");
+  const auto g = route((dir / "garbage.txt").string());
   EXPECT_EQ(g.status, 1);
   EXPECT_NE(g.out.find("Route HIF File NOT created\n"), std::string::npos) << g.out;
   // NULs are bytes like any other: the meter is written, with warnings.
-  const auto n = route("nuls.txt");
+  const auto n = route((dir / "nuls.txt").string());
   EXPECT_EQ(n.status, 0);
   EXPECT_NE(n.out.find("ServiceAddress empty in Line 1\n"), std::string::npos) << n.out;
   EXPECT_NE(n.out.find("Route Conversion Finished with Warnings\n"), std::string::npos);
   // A megabyte of sevens: the previous reading overflows its 32-bit field.
-  const auto l = route("long.txt");
+  const auto l = route((dir / "long.txt").string());
   EXPECT_EQ(l.status, 1);
   EXPECT_EQ(l.err, "Error: Overflow\n");
   EXPECT_NE(l.out.find("Route Conversion Finished with Warnings\n\n"), std::string::npos) << l.out;
-
-  const auto missing = Hifx({"route", "--map", "Nothing", "--dest", (dir / "m.pdb").string(), "--source",
-                             kExamples + "route-fixed.txt"});
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_NE(missing.out.find("Error: Could not load Route Conversion Map\n"), std::string::npos);
-  // A map of another use is not found: route maps are looked up as .hcm.
-  const auto other = Hifx({"route", "--map", "Orphans", "--dest", (dir / "o.pdb").string(), "--source",
-                           kExamples + "route-fixed.txt"});
-  EXPECT_EQ(other.status, 1);
-  EXPECT_NE(other.out.find("Error: Could not load Route Conversion Map\n"), std::string::npos);
+  // A missing map, and a map of another use: route maps are looked up as .hcm.
+  for (const char* map : {"Nothing", "Orphans"}) {
+    const auto m = route(kExamples + "route-fixed.txt", map);
+    EXPECT_EQ(m.status, 1);
+    EXPECT_NE(m.out.find("Error: Could not load Route Conversion Map\n"), std::string::npos) << map;
+  }
 }
 
 TEST_F(RouteCommand, AFailureInsideShowsErrorAndKeepsThePartialFile) {
@@ -115,4 +92,4 @@ TEST_F(RouteCommand, AFailureInsideShowsErrorAndKeepsThePartialFile) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -3,13 +3,8 @@
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::RunHifx;
-using test::TempDir;
-using test::WriteBytes;
 
 const std::string kExampleSite = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/site.dst";
 
@@ -99,4 +94,4 @@ TEST(SiteCommands, ARegistryFileThatIsNotADatabaseIsLeftAlone) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

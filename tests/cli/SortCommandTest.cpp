@@ -6,16 +6,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::HifImage;
-using test::ReadBytes;
-using test::RunHifx;
-using test::TempDir;
-using test::TestShell;
-using test::WriteRecords;
-using test::WriteSampleHif;
 
 class SortCommand : public testing::TestWithParam<int32_t> {
  protected:
@@ -80,4 +72,4 @@ TEST(SortCommandUse, AFileThatCannotBeReadOrNoFile) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

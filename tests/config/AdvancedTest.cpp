@@ -5,10 +5,8 @@
 #include "config/clsAdvanced.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::TempDir;
 
 class Advanced : public testing::Test {
  protected:
@@ -57,18 +55,17 @@ TEST_F(Advanced, LoginsSplitOnDoubleBarsAndAreFoundWithNoRegardToCase) {
   Put("LoginIDs", "bob", "a||b||c");
   clsAdvanced advanced(store);
   EXPECT_TRUE(advanced.UseLoginSecurity());
-  std::string id, password, rights;
-  EXPECT_EQ(advanced.GetLogin(Value("JOE"), id, password, rights), 1);
-  EXPECT_EQ(id, "joe");
-  EXPECT_EQ(password, "secret");
-  EXPECT_EQ(rights, "S");
-  EXPECT_EQ(advanced.GetLogin(Value("amy"), id, password, rights), 2);
-  EXPECT_EQ(rights, "");
-  EXPECT_EQ(advanced.GetLogin(Value::Integer(3), id, password, rights), 3);
-  EXPECT_EQ(password, "a");
-  EXPECT_EQ(rights, "b");
+  // What a look-up gives: the index, then the ID, password and rights.
+  auto login = [&](const Value& selector) {
+    std::string id, password, rights;
+    const auto at = advanced.GetLogin(selector, id, password, rights);
+    return std::to_string(at) + " " + id + "|" + password + "|" + rights;
+  };
+  EXPECT_EQ(login(Value("JOE")), "1 joe|secret|S");
+  EXPECT_EQ(login(Value("amy")), "2 amy|pw|");
+  EXPECT_EQ(login(Value::Integer(3)), "3 bob|a|b");
   // A 32-bit selector is not a position: it is looked up as the key "3".
-  EXPECT_EQ(advanced.GetLogin(Value::Long(3), id, password, rights), -1);
+  EXPECT_EQ(login(Value::Long(3)).substr(0, 3), "-1 ");
 }
 
 TEST_F(Advanced, ADeleteThenAnAddOfOneLoginSurvivesTheSave) {
@@ -132,18 +129,15 @@ struct LookupCase {
   const char* expected;
 };
 
-class LookupMessageTest : public testing::TestWithParam<LookupCase> {};
+class LookupMessageTest : public Advanced, public testing::WithParamInterface<LookupCase> {};
 
 TEST_P(LookupMessageTest, BuildsTheHandheldText) {
-  TempDir dir;
-  SqliteRegistryStore store(dir / "registry.db");
-  clsRegistry registry(store);
-  registry.SaveValue("Dog", RootValuePath("MessagesAccount", "7||A1"));
-  registry.SaveValue("Any dog", RootValuePath("MessagesAccount", "ANY||A1"));
-  registry.SaveValue("Gate", RootValuePath("MessagesAccount", "ANY||A2"));
-  registry.SaveValue("Meter inside", RootValuePath("MessagesMeterSerialNbr", "7||S1"));
-  registry.SaveValue("Lockedup", RootValuePath("MessagesMeterTagNbr", "ANY||T1"));
-  registry.SaveValue("Blank id", RootValuePath("MessagesAccount", "ANY||"));
+  Put("MessagesAccount", "7||A1", "Dog");
+  Put("MessagesAccount", "ANY||A1", "Any dog");
+  Put("MessagesAccount", "ANY||A2", "Gate");
+  Put("MessagesMeterSerialNbr", "7||S1", "Meter inside");
+  Put("MessagesMeterTagNbr", "ANY||T1", "Lockedup");
+  Put("MessagesAccount", "ANY||", "Blank id");
   clsAdvanced advanced(store);
   const LookupCase& c = GetParam();
   EXPECT_EQ(advanced.LookupMessage(c.billing, "7", c.account, c.serial, c.tag), c.expected);
@@ -168,4 +162,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

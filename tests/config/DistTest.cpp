@@ -6,13 +6,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
 
 const RegPath kRoot = {"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\"};
 
@@ -106,4 +101,4 @@ TEST(Dist, BadSectionsAreReportedAndTheRestLoads) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -8,13 +8,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
 
 const RegPath kKey = {"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\", "Route"};
 
@@ -24,10 +19,14 @@ RegPath ValuePath(const std::string& name) {
   return path;
 }
 
-TEST(SqliteRegistry, KeysAlongThePathAreMadeInOneCallAndNamesIgnoreCase) {
+class SqliteRegistry : public testing::Test {
+ protected:
   TempDir dir;
-  SqliteRegistryStore store(dir / "registry.db");
-  clsRegistry registry(store);
+  SqliteRegistryStore store{dir / "registry.db"};
+  clsRegistry registry{store};
+};
+
+TEST_F(SqliteRegistry, KeysAlongThePathAreMadeInOneCallAndNamesIgnoreCase) {
   EXPECT_TRUE(registry.SaveValue("a.txt",
                                  {"HKEY_LOCAL_MACHINE", "Software", "Norvane, Inc.", "hifExchange",
                                   "Route", "Source"}));
@@ -47,10 +46,7 @@ TEST(SqliteRegistry, KeysAlongThePathAreMadeInOneCallAndNamesIgnoreCase) {
   EXPECT_EQ(path, "A\\B\\CD");
 }
 
-TEST(SqliteRegistry, ValuesKeepTheOrderTheyWereFirstWritten) {
-  TempDir dir;
-  SqliteRegistryStore store(dir / "registry.db");
-  clsRegistry registry(store);
+TEST_F(SqliteRegistry, ValuesKeepTheOrderTheyWereFirstWritten) {
   for (const char* name : {"Source", "Destination", "HIFType", "Map"}) {
     registry.SaveValue(name, ValuePath(name));
   }
@@ -67,10 +63,7 @@ TEST(SqliteRegistry, ValuesKeepTheOrderTheyWereFirstWritten) {
   EXPECT_EQ(registry.GetValue(ValuePath("Destination")), Value("again"));
 }
 
-TEST(SqliteRegistry, LongValuesReadAsEmptyAndEmptyStringsAsEmptyText) {
-  TempDir dir;
-  SqliteRegistryStore store(dir / "registry.db");
-  clsRegistry registry(store);
+TEST_F(SqliteRegistry, LongValuesReadAsEmptyAndEmptyStringsAsEmptyText) {
   registry.SaveValue(std::string(1023, 'x'), ValuePath("Fits"));     // 1,024 bytes with its NUL
   registry.SaveValue(std::string(1024, 'x'), ValuePath("TooLong"));  // 1,025 bytes
   registry.SaveValue("", ValuePath("Empty"));
@@ -79,9 +72,7 @@ TEST(SqliteRegistry, LongValuesReadAsEmptyAndEmptyStringsAsEmptyText) {
   EXPECT_EQ(registry.GetValue(ValuePath("Empty")), Value(""));
 }
 
-TEST(SqliteRegistry, KeyDumpShowsEveryType) {
-  TempDir dir;
-  SqliteRegistryStore store(dir / "registry.db");
+TEST_F(SqliteRegistry, KeyDumpShowsEveryType) {
   const KeyNames root = {"Software", "Norvane, Inc.", "hifExchange"};
   KeyNames route = root;
   route.push_back("Route");
@@ -94,7 +85,6 @@ TEST(SqliteRegistry, KeyDumpShowsEveryType) {
   store.SetValue(kHiveLocalMachine, deep, "Multi", kRegMultiSz, std::string("a\0b\0\0", 5));
   store.CreateKey(kHiveLocalMachine, [&] { KeyNames k = root; k.push_back("Empty"); return k; }());
   TestShell shell;
-  clsRegistry registry(store);
   EXPECT_EQ(registry.GetKeyInfo({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\"}, shell),
             "Route:\r\n"
             "> Source = \"a \"b\".txt\"\r\n"
@@ -105,33 +95,29 @@ TEST(SqliteRegistry, KeyDumpShowsEveryType) {
             "Route\\Inner:\r\n"
             "> Multi = [multi sz]\r\n"
             "Empty:\r\n");
-  EXPECT_EQ(registry.GetValue({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\Route", "Count"}),
-            Value::Long(static_cast<int32_t>(0x8000000C)));
-  EXPECT_EQ(registry.GetValue({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\Route", "Path"}),
-            Value("%X%"));
-  EXPECT_TRUE(registry.GetValue({"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchange\\Route", "Blob"})
-                  .IsEmpty());
+  EXPECT_EQ(registry.GetValue(ValuePath("Count")), Value::Long(static_cast<int32_t>(0x8000000C)));
+  EXPECT_EQ(registry.GetValue(ValuePath("Path")), Value("%X%"));
+  EXPECT_TRUE(registry.GetValue(ValuePath("Blob")).IsEmpty());
   EXPECT_TRUE(shell.questions.empty());
   EXPECT_EQ(registry.GetKeyInfo({"HKEY_LOCAL_MACHINE", "Software\\Nobody"}, shell), "Error opening key.");
   ASSERT_EQ(shell.questions.size(), 1u);
   EXPECT_EQ(shell.questions[0].title, "Error");
 }
 
-TEST(SqliteRegistry, SurvivesReopeningAndIsPrivateToItsOwner) {
-  TempDir dir;
+TEST_F(SqliteRegistry, SurvivesReopeningAndIsPrivateToItsOwner) {
+  const auto path = dir / "closed.db";
   {
-    SqliteRegistryStore store(dir / "registry.db");
-    clsRegistry(store).SaveValue("kept", ValuePath("Source"));
+    SqliteRegistryStore closed(path);
+    clsRegistry(closed).SaveValue("kept", ValuePath("Source"));
   }
   struct stat st {};
-  ASSERT_EQ(stat((dir / "registry.db").c_str(), &st), 0);
+  ASSERT_EQ(stat(path.c_str(), &st), 0);
   EXPECT_EQ(st.st_mode & 0777, 0600u);
-  SqliteRegistryStore again(dir / "registry.db");
+  SqliteRegistryStore again(path);
   EXPECT_EQ(clsRegistry(again).GetValue(ValuePath("Source")), Value("kept"));
 }
 
-TEST(SqliteRegistry, AFileThatIsNotOursIsRefusedAndLeftAlone) {
-  TempDir dir;
+TEST_F(SqliteRegistry, AFileThatIsNotOursIsRefusedAndLeftAlone) {
   const auto junk = dir / "junk.db";
   WriteBytes(junk, std::string(4096, 'j'));
   try {
@@ -152,11 +138,9 @@ TEST(SqliteRegistry, AFileThatIsNotOursIsRefusedAndLeftAlone) {
   EXPECT_EQ(ReadBytes(other), before);
 }
 
-TEST(SqliteRegistry, TwoWritersShareOneFile) {
-  TempDir dir;
-  SqliteRegistryStore first(dir / "registry.db");
+TEST_F(SqliteRegistry, TwoWritersShareOneFile) {
   SqliteRegistryStore second(dir / "registry.db", 200);
-  clsRegistry a(first);
+  clsRegistry& a = registry;
   clsRegistry b(second);
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(a.SaveValue("a" + std::to_string(i), ValuePath("A" + std::to_string(i))));
@@ -179,4 +163,4 @@ TEST(SqliteRegistry, TwoWritersShareOneFile) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -5,13 +5,10 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
 
 class InstallPRC : public testing::Test {
  protected:
@@ -32,7 +29,7 @@ class InstallPRC : public testing::Test {
   fs::path site = dir / "site";
   fs::path route = dir / "out" / "RouteHIF.pdb";
   SqliteRegistryStore store{dir / "registry.db"};
-  test::TestShell shell;
+  TestShell shell;
   FixedClock clock{CivilTime{}};
   clsExchange exchange{{store, shell, clock, site, dir / "sync"}};
 };
@@ -112,4 +109,4 @@ TEST_F(InstallPRC, ABareNameIsTakenFromTheSiteFolderAndRemovedFromThere) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -5,13 +5,10 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
 
 class Installer : public testing::Test {
  protected:
@@ -26,7 +23,7 @@ class Installer : public testing::Test {
 
   TempDir dir;
   fs::path site = dir / "site";
-  test::TestShell shell;
+  TestShell shell;
 };
 
 TEST_F(Installer, PrcTakesABareNameFromTheProgramsFolderAndSaysWhatWentWrong) {
@@ -102,4 +99,4 @@ TEST_F(Installer, InstallUnitsSendsTheApplicationAndWarnsForMissingMeazuraFiles)
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

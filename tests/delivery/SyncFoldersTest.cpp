@@ -4,13 +4,10 @@
 #include "delivery/clsPalmUsers.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
 
 // Every file below folder, by its path relative to folder.
 std::vector<std::string> FilesBelow(const fs::path& folder) {
@@ -106,4 +103,4 @@ TEST(SyncFolders, QueueAndRemove) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

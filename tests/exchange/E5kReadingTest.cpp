@@ -2,14 +2,11 @@
 // account lines around them, and what each line takes from the HIF.
 #include <gtest/gtest.h>
 
+#include "support/HifImage.h"
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::RouteSite;
-using test::WriteBytes;
 
 struct Meter {
   int route, sequence;
@@ -33,53 +30,23 @@ class E5kReading : public testing::Test {
   // A file header, two route headers with their account counts, the meters.
   void Reading(const std::vector<Meter>& meters, const std::string& initials = "HIF loaded from route.txt",
                const std::string& response = "") {
-    test::TestShell quiet;
-    clsHIF hif(quiet);
-    hif.SetVersion(3);
-    hif.CreateHIF(site.dir / "reading.pdb", kFilePDB, 100);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecFileHeader));
-    hif.SetItem("RouteNbr", Value::Long(2));
-    hif.SetItem("MeterType", Value::Long(3));
-    hif.SetItem("Initials", Value(initials));
-    hif.SetItem("ResponseText", Value(response));
-    hif.WriteData();
+    TestShell quiet;
+    HifWriter w(quiet, site.dir / "reading.pdb");
+    w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"MeterType", 3}, {"Initials", initials},
+           {"ResponseText", response}});
     for (int r = 1; r <= 2; ++r) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(kRecRouteHeader));
-      hif.SetItem("RouteNbr", Value::Long(r));
-      hif.SetItem("Initials", Value(r == 1 ? "NORTH" : "SOUTH"));
-      hif.SetItem("User1", Value(r == 1 ? "7" : "2"));
-      hif.WriteData();
+      w.Add({{"RecType", kRecRouteHeader}, {"RouteNbr", r}, {"Initials", r == 1 ? "NORTH" : "SOUTH"},
+             {"User1", r == 1 ? "7" : "2"}});
     }
     for (const Meter& m : meters) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(kRecMeter));
-      hif.SetItem("RouteNbr", Value::Long(m.route));
-      hif.SetItem("Sequence", Value::Long(m.sequence));
-      hif.SetItem("CurReading", Value::Long(m.reading));
-      hif.SetItem("ReadingDate", Value::Long(m.date));
-      hif.SetItem("ReadingTime", Value::Long(m.time));
-      hif.SetItem("ReadType", Value::Long(m.readType));
-      hif.SetItem("ServiceUniqueID", Value(m.account));
-      hif.SetItem("MeterSerialNbr", Value(m.serial));
-      hif.SetItem("User1", Value(m.user1));
-      hif.SetItem("User2", Value(m.user2));
-      hif.WriteData();
+      w.Add({{"RecType", kRecMeter}, {"RouteNbr", m.route}, {"Sequence", m.sequence}, {"CurReading", m.reading},
+             {"ReadingDate", m.date}, {"ReadingTime", m.time}, {"ReadType", m.readType},
+             {"ServiceUniqueID", m.account}, {"MeterSerialNbr", m.serial}, {"User1", m.user1}, {"User2", m.user2}});
     }
   }
 
   // The upload's lines, without their CR LF.
-  std::vector<std::string> Upload() {
-    std::vector<std::string> lines;
-    const std::string text = ReadBytes(site.dir / "upload.txt");
-    for (size_t at = 0; at < text.size();) {
-      const size_t end = text.find("\r\n", at);
-      lines.push_back(text.substr(at, end - at));
-      at = end + 2;
-    }
-    return lines;
-  }
+  std::vector<std::string> Upload() { return CrLfLines(ReadBytes(site.dir / "upload.txt")); }
 
   RouteSite site;
 };
@@ -140,10 +107,9 @@ TEST_F(E5kReading, ARouteMetAgainIsOpenedAgainAndAnEmptyAccountOpensNone) {
 TEST_F(E5kReading, AMeterOfARouteWithNoHeaderIsAFailureOfTheRun) {
   Reading({{1, 1, "A1", "VG1"}, {3, 2, "A1", "VG1"}});
   EXPECT_FALSE(site.Exchange().ConvertReading());
-  const auto& log = site.shell.log;
-  EXPECT_NE(std::find(log.begin(), log.end(), "Subscript out of range"), log.end());
+  EXPECT_EQ(site.shell.Logged("Subscript out of range"), 1u);
   EXPECT_TRUE(Upload().empty());
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

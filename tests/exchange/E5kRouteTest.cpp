@@ -5,10 +5,8 @@
 
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::RouteSite;
 
 // Texts left-aligned in their widths, one after the other.
 std::string Columns(std::initializer_list<std::pair<std::string, size_t>> fields) {
@@ -46,13 +44,6 @@ class E5kRoute : public testing::Test {
     site.Source(lines);
     return site.Exchange().ConvertRoute();
   }
-  std::vector<KeyedCollection<Value>> Meters() {
-    std::vector<KeyedCollection<Value>> meters;
-    for (auto& r : site.Records()) {
-      if (r.Item("RecType").ToInt32() == kRecMeter) meters.push_back(std::move(r));
-    }
-    return meters;
-  }
   RouteSite site;
 };
 
@@ -73,7 +64,7 @@ TEST_F(E5kRoute, AMeterGathersTheLinesOfItsAccountAndItsOwn) {
   EXPECT_EQ(records[1].Item("User1"), Value("31"));
   EXPECT_EQ(records[2].Item("User1"), Value("0"));
 
-  const auto meters = Meters();
+  const auto meters = site.Meters();
   ASSERT_EQ(meters.size(), 3u);
   // The first meter; the second, of the same account but with none of the
   // first meter's lines; the third, of an account that keeps what its own
@@ -122,7 +113,7 @@ TEST_F(E5kRoute, UnknownAndDamagedLinesAreLoggedAndSkipped) {
                                       "Error: Unknown record type 'a' at line 9"}));
   EXPECT_EQ(log[9], "1 meters written to Route HIF File");
   EXPECT_EQ(log[10], "Route Conversion Finished");
-  const auto meters = Meters();
+  const auto meters = site.Meters();
   ASSERT_EQ(meters.size(), 1u);
   EXPECT_EQ(meters[0].Item("ServiceUniqueID"), Value("100-001"));
   EXPECT_EQ(meters[0].Item("BillingName"), Value("DOE"));
@@ -131,13 +122,11 @@ TEST_F(E5kRoute, UnknownAndDamagedLinesAreLoggedAndSkipped) {
 TEST_F(E5kRoute, ARepeatedSerialSpoilsTheFileButIsWritten) {
   EXPECT_FALSE(Convert({F("NORTH"), A("1", "00001"), H("1000001", 0, 0, 0, 0, "W"), A("2", "00002"),
                         H(" 1000001", 0, 0, 0, 0, "W"), Z("NORTH", "0002")}));
-  const auto& log = site.shell.log;
   // The line is the one that closed the meter, as text behind a blank.
-  const std::vector<std::string> tail(log.end() - 5, log.end());
-  EXPECT_EQ(tail, (std::vector<std::string>{"Meter Tag Number of 1000001 is duplicate in Line  6", "   Info: NORTH",
-                                            "Route HIF File NOT created", "Problems encountered; Route file unusable",
-                                            ""}));
-  EXPECT_EQ(Meters().size(), 2u);
+  EXPECT_EQ(site.shell.Tail(5), (std::vector<std::string>{"Meter Tag Number of 1000001 is duplicate in Line  6",
+                                                          "   Info: NORTH", "Route HIF File NOT created",
+                                                          "Problems encountered; Route file unusable", ""}));
+  EXPECT_EQ(site.Meters().size(), 2u);
 }
 
 TEST(E5kRouteText, IsAllDigitsLooksAtTheTrimmedText) {
@@ -148,4 +137,4 @@ TEST(E5kRouteText, IsAllDigitsLooksAtTheTrimmedText) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

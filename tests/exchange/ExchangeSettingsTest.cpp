@@ -6,22 +6,29 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::TempDir;
 
 class ExchangeSettings : public testing::Test {
  protected:
   TempDir dir;
   SqliteRegistryStore store{dir / "registry.db"};
   clsRegistry registry{store};
-  test::TestShell shell;
+  TestShell shell;
   FixedClock clock{CivilTime{}};
+  clsExchange exchange{{store, shell, clock, dir.path(), dir / "sync"}};
 };
 
+using Strings = std::vector<std::string>;
+
+// The names of a collection, in its order.
+Strings Names(const auto& collection) {
+  Strings names;
+  for (size_t i = 1; i <= collection.Count(); ++i) names.push_back(collection.Key(i));
+  return names;
+}
+
 TEST_F(ExchangeSettings, AnEmptyRegistryLoadsTheDefaults) {
-  clsExchange exchange({store, shell, clock, dir.path(), dir / "sync"});
   exchange.RouteSource = "changed";
   exchange.LoadSettings();
   EXPECT_EQ(exchange.RouteSource, "");
@@ -37,25 +44,16 @@ TEST_F(ExchangeSettings, AnEmptyRegistryLoadsTheDefaults) {
 }
 
 TEST_F(ExchangeSettings, TheFirstSaveWritesTheWholeTreeInItsOrder) {
-  clsExchange exchange({store, shell, clock, dir.path(), dir / "sync"});
   exchange.LoadSettings();
   exchange.SaveSettings();
-  const auto keys = registry.GetKeys(RootKeyPath(""));
-  ASSERT_EQ(keys.Count(), 5u);
-  const char* expectedKeys[] = {"Route", "ReRead", "Reading", "Orphan", "PRCInstall"};
-  for (size_t i = 0; i < 5; ++i) EXPECT_EQ(keys.Key(i + 1), expectedKeys[i]);
-  const auto route = registry.GetValues(RootKeyPath("Route"));
-  const char* routeOrder[] = {"Source", "Destination", "HIFType", "Map"};
-  for (size_t i = 0; i < 4; ++i) EXPECT_EQ(route.Key(i + 1), routeOrder[i]);
-  const auto install = registry.GetValues(RootKeyPath("PRCInstall"));
-  const char* installOrder[] = {"AutoInstall", "Prompt", "Leave", "Unit"};
-  for (size_t i = 0; i < 4; ++i) EXPECT_EQ(install.Key(i + 1), installOrder[i]);
+  EXPECT_EQ(Names(registry.GetKeys(RootKeyPath(""))), (Strings{"Route", "ReRead", "Reading", "Orphan", "PRCInstall"}));
+  EXPECT_EQ(Names(registry.GetValues(RootKeyPath("Route"))), (Strings{"Source", "Destination", "HIFType", "Map"}));
+  EXPECT_EQ(Names(registry.GetValues(RootKeyPath("PRCInstall"))), (Strings{"AutoInstall", "Prompt", "Leave", "Unit"}));
   EXPECT_EQ(registry.GetValue(RootReadPath("Reading", "AutoReRead")), Value("N"));
   EXPECT_EQ(registry.GetValue(RootReadPath("Orphan", "Convert")), Value("0"));
 }
 
 TEST_F(ExchangeSettings, StoredFormsAreDecodedLiterally) {
-  clsExchange exchange({store, shell, clock, dir.path(), dir / "sync"});
   exchange.SaveParm("Route", "Destination", "");
   exchange.SaveParm("Reading", "AutoReRead", "y");
   exchange.SaveParm("PRCInstall", "AutoInstall", "Y");
@@ -88,4 +86,4 @@ TEST(ExchangeTypes, ExtensionsAndWords) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -7,13 +7,12 @@
 #include "base/DateSerial.h"
 #include "exchange/ExchangeText.h"
 #include "formats/mvrs/MvrsCatalogue.h"
+#include "support/HifImage.h"
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::ReadBytes;
-using test::WriteBytes;
 using Fields = std::map<std::string, std::string>;
 
 // One line of the given kind, its fields set by name.
@@ -43,30 +42,12 @@ clsRecType Parsed(const std::string& line) {
   return clsRecType();
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  for (size_t at = 0; at < text.size();) {
-    const size_t end = text.find("\r\n", at);
-    lines.push_back(text.substr(at, end - at));
-    if (end == std::string::npos) break;
-    at = end + 2;
-  }
-  return lines;
-}
-
-class MvrsSite : public test::RouteSite {
+class MvrsSite : public RouteSite {
  public:
   explicit MvrsSite(bool radio = false) { Map({}, 3, "Route", radio ? "MAPOPTIONS=1:Y\r\n" : ""); }
   bool Convert(const std::vector<std::string>& lines) {
     Source(lines);
     return Exchange().ConvertRoute();
-  }
-  std::vector<KeyedCollection<Value>> Meters() {
-    std::vector<KeyedCollection<Value>> meters;
-    for (auto& record : Records()) {
-      if (NumberOf(record.Item("RecType")) == kRecMeter) meters.push_back(record);
-    }
-    return meters;
   }
   std::string Log() const {
     std::string log;
@@ -118,34 +99,28 @@ TEST(MvrsRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
 
   const auto meters = site.Meters();
   ASSERT_EQ(meters.size(), 3u);  // M1, M2, M3; not M4
-  const auto& m1 = meters[0];
-  EXPECT_EQ(NumberOf(m1.Item("RouteNbr")), 1);
-  EXPECT_EQ(NumberOf(m1.Item("Sequence")), 0);  // 40000 doesn't fit
-  EXPECT_EQ(NumberOf(m1.Item("MeterTagNbr")), 4711);
-  EXPECT_EQ(NumberOf(m1.Item("MeterType")), 2);
-  EXPECT_EQ(NumberOf(m1.Item("Digits")), 6);
-  EXPECT_EQ(NumberOf(m1.Item("Decimals")), 1);
-  EXPECT_EQ(NumberOf(m1.Item("PrvReading")), 222);
-  EXPECT_EQ(NumberOf(m1.Item("MaxReading")), 300);
-  EXPECT_EQ(NumberOf(m1.Item("MinReading")), 200);
-  EXPECT_EQ(NumberOf(m1.Item("ReadType")), 2);
-  EXPECT_EQ(NumberOf(m1.Item("TamperCount")), 3);
-  EXPECT_EQ(Text(m1, "ServiceAddress"), "1 MAIN" + std::string(34, ' ') + "ANNEX");
-  EXPECT_EQ(Text(m1, "BillingName"), "SMITH" + std::string(15, ' ') + "JONES");
-  EXPECT_EQ(Text(m1, "ServiceUniqueID"), "A-1" + std::string(17, ' '));
-  EXPECT_EQ(Text(m1, "User1"), "0~A-1" + std::string(17, ' ') + "~R~Y~S1  ~~GATE" + std::string(16, ' '));
-  EXPECT_EQ(Text(m1, "User2"), " ~ ~ ~ ~ ~" + std::string(14, ' ') + "~4~7~0~0~0~Yard" + std::string(36, ' ') +
-                                   "~Q~CELLAR" + std::string(14, ' ') + "~40000");
-  EXPECT_EQ(Text(m1, "User3"), "KWH ~ ~5~0~K~0~0~0~1");
-  EXPECT_EQ(Text(m1, "User4"), "12~952         ~    ~~WAND1         ~WP01");
-  EXPECT_EQ(Text(m1, "User5"), "Dog" + std::string(97, ' '));
+  // clang-format off
+  const std::vector<std::pair<const char*, std::string>> m1 = {
+      {"RouteNbr", "1"}, {"Sequence", "0"} /* 40000 doesn't fit */, {"MeterTagNbr", "4711"}, {"MeterType", "2"},
+      {"Digits", "6"}, {"Decimals", "1"}, {"PrvReading", "222"}, {"MaxReading", "300"}, {"MinReading", "200"},
+      {"ReadType", "2"}, {"TamperCount", "3"},
+      {"ServiceAddress", "1 MAIN" + std::string(34, ' ') + "ANNEX"},
+      {"BillingName", "SMITH" + std::string(15, ' ') + "JONES"},
+      {"ServiceUniqueID", "A-1" + std::string(17, ' ')},
+      {"User1", "0~A-1" + std::string(17, ' ') + "~R~Y~S1  ~~GATE" + std::string(16, ' ')},
+      {"User2", " ~ ~ ~ ~ ~" + std::string(14, ' ') + "~4~7~0~0~0~Yard" + std::string(36, ' ') + "~Q~CELLAR" +
+                    std::string(14, ' ') + "~40000"},
+      {"User3", "KWH ~ ~5~0~K~0~0~0~1"},
+      {"User4", "12~952         ~    ~~WAND1         ~WP01"},
+      {"User5", "Dog" + std::string(97, ' ')}};
+  // clang-format on
+  for (const auto& [field, text] : m1) EXPECT_EQ(Text(meters[0], field), text) << field;
 
   // A meter with no reading line: zeros, and no read type at all.
-  const auto& m2 = meters[1];
-  EXPECT_EQ(NumberOf(m2.Item("Digits")), 0);
-  EXPECT_EQ(NumberOf(m2.Item("PrvReading")), 0);
-  EXPECT_EQ(NumberOf(m2.Item("ReadType")), 0);
-  EXPECT_EQ(NumberOf(m2.Item("MeterType")), 0);  // "X" leaves the default
+  // "X" leaves the MeterType at its default.
+  for (const char* field : {"Digits", "PrvReading", "ReadType", "MeterType"}) {
+    EXPECT_EQ(NumberOf(meters[1].Item(field)), 0) << field;
+  }
   EXPECT_EQ(NumberOf(meters[2].Item("RouteNbr")), 1);  // under the route before "ERH"
   EXPECT_EQ(site.Log().find("ZZZ"), std::string::npos);
 }
@@ -225,48 +200,23 @@ class MvrsReadingSite : public MvrsSite {
     WriteBytes(dir / "Read.hrm", "HIF=1.1\r\nMAPNAME=Read.hrm\r\nMAPTYPE=3\r\n");
   }
   void Hif(const std::vector<ReadMeter>& meters, int routes = 2, int routeRecType = 1) {
-    test::TestShell quiet;
-    clsHIF hif(quiet);
-    hif.SetVersion(3);
-    hif.CreateHIF(dir / "reading.pdb", kFilePDB, 100);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(0));
-    hif.SetItem("RouteNbr", Value::Long(routes));
-    hif.SetItem("MeterType", Value::Long(3));
-    hif.WriteData();
+    TestShell quiet;
+    HifWriter w(quiet, dir / "reading.pdb");
+    w.Add({{"RecType", 0}, {"RouteNbr", routes}, {"MeterType", 3}});
     for (int r = 1; r <= routes; ++r) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(routeRecType));
-      hif.SetItem("RouteNbr", Value::Long(r));
-      hif.SetItem("Initials", Value("ROUTE" + std::to_string(r)));
-      hif.SetItem("User1", Value("NE~01~05~2026-11-20~3"));
-      hif.WriteData();
+      w.Add({{"RecType", routeRecType}, {"RouteNbr", r}, {"Initials", "ROUTE" + std::to_string(r)},
+             {"User1", "NE~01~05~2026-11-20~3"}});
     }
     for (const ReadMeter& m : meters) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(m.recType));
-      hif.SetItem("RouteNbr", Value::Long(m.route));
-      hif.SetItem("Sequence", Value::Long(7));
-      hif.SetItem("MeterType", Value::Long(m.meterType));
-      hif.SetItem("Digits", Value::Long(6));
-      hif.SetItem("Decimals", Value::Long(m.decimals));
-      hif.SetItem("PrvReading", Value::Long(500));
-      hif.SetItem("CurReading", Value::Long(m.reading));
-      hif.SetItem("ReadingDate", Value::Long(20240305));
-      hif.SetItem("ReadingTime", Value::Long(83015));
-      hif.SetItem("Status", Value::Long(m.status));
-      hif.SetItem("ReadType", Value::Long(m.readType));
-      hif.SetItem("ResponseCode", Value::Long(m.response));
-      hif.SetItem("ServiceAddress", Value("1 MAIN"));
-      hif.SetItem("BillingName", Value("SMITH"));
-      hif.SetItem("MeterSerialNbr", Value(m.serial));
-      hif.SetItem("User1", Value("0~A-1~R~N~S1~P~INFO"));
-      hif.SetItem("User2", Value(m.user2));
-      hif.SetItem("User3", Value("KWH~F~5~12~K~1~1~2~0"));
-      hif.WriteData();
+      w.Add({{"RecType", m.recType}, {"RouteNbr", m.route}, {"Sequence", 7}, {"MeterType", m.meterType},
+             {"Digits", 6}, {"Decimals", m.decimals}, {"PrvReading", 500}, {"CurReading", m.reading},
+             {"ReadingDate", 20240305}, {"ReadingTime", 83015}, {"Status", m.status}, {"ReadType", m.readType},
+             {"ResponseCode", m.response}, {"ServiceAddress", "1 MAIN"}, {"BillingName", "SMITH"},
+             {"MeterSerialNbr", m.serial}, {"User1", "0~A-1~R~N~S1~P~INFO"}, {"User2", m.user2},
+             {"User3", "KWH~F~5~12~K~1~1~2~0"}});
     }
   }
-  std::vector<std::string> Output() { return Lines(ReadBytes(dir / "reading.dat")); }
+  std::vector<std::string> Output() { return CrLfLines(ReadBytes(dir / "reading.dat")); }
 };
 
 TEST(MvrsReading, CountsCodesAndReadingsOfEachMeter) {
@@ -363,10 +313,8 @@ TEST(MvrsReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
 
   // Retry runs the step again; Ignore goes on to the end.
   site.shell.questions.clear();
-  site.shell.answers = {MsgAnswer::Retry, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore,
-                        MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore,
-                        MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore, MsgAnswer::Ignore};
-  WriteBytes(site.dir / "reading.dat", "");
+  site.shell.answers = {MsgAnswer::Retry};
+  site.shell.answers.insert(site.shell.answers.end(), 11, MsgAnswer::Ignore);
   std::filesystem::remove(site.dir / "reading.dat");
   ASSERT_TRUE(site.Exchange().ConvertReading());
   EXPECT_GE(site.shell.questions.size(), 3u);
@@ -375,4 +323,4 @@ TEST(MvrsReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

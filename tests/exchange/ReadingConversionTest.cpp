@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "support/HifImage.h"
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::ReadBytes;
-using test::RouteSite;
-using test::WriteBytes;
 
 struct Meter {
   int route, sequence, tag;
@@ -16,6 +13,10 @@ struct Meter {
   int date = 20240305, time = 83015;
   const char* account = "";
 };
+
+const std::string kFixedHeader = "MAPTYPE=1\r\nMAPFILTER=0\r\nMAPTERMINATOR= 3 \r\n";
+const std::vector<std::string> kFixedFields = {"RouteNbr=1,5,L,B,0", "MeterTagNbr=6,6,R,Z,0",
+                                               "CurReading=12,6,R,Z,0", "ReadType=18,1,L,B,0"};
 
 class ReadingSite : public RouteSite {
  public:
@@ -27,9 +28,11 @@ class ReadingSite : public RouteSite {
     e.OrphanDestination = (dir / "orphans.txt").string();
     e.OrphanMap = "Orph";
     e.ReReadDestination = (dir / "reread.pdb").string();
+    ReadingMap(kFixedFields, kFixedHeader);
   }
 
-  // A reading map of the given field lines (the rest not written).
+  // A reading map of the given field lines (the rest not written); the
+  // fixed test layout unless a test writes another.
   void ReadingMap(const std::vector<std::string>& lines, const std::string& header,
                   const std::string& name = "Bill", const std::string& ext = ".hrm") {
     std::string text = "HIF=1.1\r\n" + header;
@@ -38,57 +41,24 @@ class ReadingSite : public RouteSite {
   }
 
   void Reading(const std::vector<Meter>& meters, int16_t version = 3, int orphans = 0) {
-    test::TestShell quiet;
-    clsHIF hif(quiet);
-    hif.SetVersion(version);
-    hif.CreateHIF(dir / "reading.pdb", kFilePDB, 100);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(0));
-    hif.SetItem("RouteNbr", Value::Long(2));
-    hif.SetItem("MeterType", Value::Long(version));
-    hif.WriteData();
-    for (int r = 1; r <= 2; ++r) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(1));
-      hif.SetItem("RouteNbr", Value::Long(r));
-      hif.SetItem("Initials", Value(r == 1 ? "NORTH" : "SOUTH"));
-      hif.WriteData();
-    }
+    TestShell quiet;
+    HifWriter w(quiet, dir / "reading.pdb", version);
+    w.Add({{"RecType", 0}, {"RouteNbr", 2}, {"MeterType", version}});
+    for (int r = 1; r <= 2; ++r) w.Add({{"RecType", 1}, {"RouteNbr", r}, {"Initials", r == 1 ? "NORTH" : "SOUTH"}});
+    // A version-1 file has no Decimals: that write is refused, the record left as it was.
     for (const Meter& m : meters) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(2));
-      hif.SetItem("RouteNbr", Value::Long(m.route));
-      hif.SetItem("Sequence", Value::Long(m.sequence));
-      hif.SetItem("MeterTagNbr", Value::Long(m.tag));
-      hif.SetItem("Digits", Value::Long(m.digits));
-      if (version >= 2) hif.SetItem("Decimals", Value::Long(m.decimals));
-      hif.SetItem("Status", Value::Long(m.status));
-      hif.SetItem("CurReading", Value::Long(m.reading));
-      hif.SetItem("MinReading", Value::Long(m.low));
-      hif.SetItem("MaxReading", Value::Long(m.high));
-      hif.SetItem("ReadType", Value::Long(m.readType));
-      hif.SetItem("ResponseCode", Value::Long(m.response));
-      hif.SetItem("ReadingDate", Value::Long(m.date));
-      hif.SetItem("ReadingTime", Value::Long(m.time));
-      hif.SetItem("ServiceUniqueID", Value(m.account));
-      hif.WriteData();
+      w.Add({{"RecType", 2}, {"RouteNbr", m.route}, {"Sequence", m.sequence}, {"MeterTagNbr", m.tag},
+             {"Digits", m.digits}, {"Decimals", m.decimals}, {"Status", m.status}, {"CurReading", m.reading},
+             {"MinReading", m.low}, {"MaxReading", m.high}, {"ReadType", m.readType}, {"ResponseCode", m.response},
+             {"ReadingDate", m.date}, {"ReadingTime", m.time}, {"ServiceUniqueID", m.account}});
     }
     for (int o = 0; o < orphans; ++o) {
-      hif.AddNew();
-      hif.SetItem("RecType", Value::Long(3));
-      hif.SetItem("MeterTagNbr", Value::Long(9000 + o));
-      hif.SetItem("CurReading", Value::Long(77 + o));
-      hif.SetItem("PrvReading", Value::Long(101));
-      hif.WriteData();
+      w.Add({{"RecType", 3}, {"MeterTagNbr", 9000 + o}, {"CurReading", 77 + o}, {"PrvReading", 101}});
     }
   }
 
   std::string Billing() { return ReadBytes(dir / "billing.txt"); }
 };
-
-const std::string kFixedHeader = "MAPTYPE=1\r\nMAPFILTER=0\r\nMAPTERMINATOR= 3 \r\n";
-const std::vector<std::string> kFixedFields = {"RouteNbr=1,5,L,B,0", "MeterTagNbr=6,6,R,Z,0",
-                                               "CurReading=12,6,R,Z,0", "ReadType=18,1,L,B,0"};
 
 TEST(ReadingDriver, RefusesBadSettingsInItsOwnWords) {
   struct Case {
@@ -107,7 +77,6 @@ TEST(ReadingDriver, RefusesBadSettingsInItsOwnWords) {
   };
   for (const Case& c : cases) {
     ReadingSite site;
-    site.ReadingMap(kFixedFields, kFixedHeader);
     site.Reading({{1, 1, 11, 1, 5, 1, 9}});
     c.setup(site.Exchange());
     EXPECT_FALSE(site.Exchange().ConvertReading());
@@ -118,7 +87,6 @@ TEST(ReadingDriver, RefusesBadSettingsInItsOwnWords) {
 
 TEST(ReadingDriver, ALogAndABillingFile) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Reading({{1, 10, 11, 1, 5, 1, 9, 6, 0, 2}, {2, 10, 12, 0, 0, 1, 9}});
   ASSERT_TRUE(site.Exchange().ConvertReading());
   const clsExchange& e = site.Exchange();
@@ -208,7 +176,6 @@ TEST(ReadingOutput, EveryDateAndTimeCodeWithItsBlankForm) {
 
 TEST(ReadingDriver, AnExistingDestinationAndAFileThatCannotBeRead) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Reading({{1, 1, 11, 1, 5, 1, 9}});
   WriteBytes(site.dir / "billing.txt", "old");
   site.shell.answers = {MsgAnswer::No};
@@ -244,14 +211,12 @@ TEST(ReadingOutput, AnOlderFileIsReadWithDefaults) {
   site.Reading({{1, 1, 11, 1, 5, 1, 9}, {1, 2, 12, 1, 5, 1, 9}}, 1);
   ASSERT_TRUE(site.Exchange().ConvertReading());
   EXPECT_EQ(site.Billing(), "11000  \r\n12000  \r\n");
-  const auto& log = site.shell.log;
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Warning: Defaulted InitPulseCount to 0"), 1);
+  EXPECT_EQ(site.shell.Logged("Warning: Defaulted InitPulseCount to 0"), 1u);
 }
 
 TEST(ReadingDriver, OrphansAppendedOrReplaced) {
   for (const bool replace : {false, true}) {
     ReadingSite site;
-    site.ReadingMap(kFixedFields, kFixedHeader);
     site.ReadingMap({"MeterTagNbr=1,0,L,B,0", "CurReading=2,0,L,B,0", "PrvReading=3,0,L,B,0"},
                     "MAPTYPE=2\r\nMAPDELIMITER=,\r\nMAPTERMINATOR= 3 \r\n", "Orph", ".hom");
     site.Reading({{1, 1, 11, 1, 5, 1, 9}}, 3, 2);
@@ -262,19 +227,14 @@ TEST(ReadingDriver, OrphansAppendedOrReplaced) {
     const std::string orphans = ReadBytes(site.dir / "orphans.txt");
     const std::string fresh = "9000,77,101\r\n9001,78,101\r\n";
     EXPECT_EQ(orphans, replace ? fresh : "old\r\n" + fresh);
-    const auto& log = site.shell.log;
-    const std::string lost = "Notice: File " + site.Exchange().OrphanDestination +
-                             " overwritten per configuration.  5 bytes lost.";
-    EXPECT_EQ(std::count(log.begin(), log.end(), lost), replace ? 1 : 0);
-    EXPECT_EQ(std::count(log.begin(), log.end(), "Notice: File " + site.Exchange().OrphanDestination + " now contains " +
-                                                     std::to_string(orphans.size()) + " bytes."),
-              1);
+    const std::string file = "Notice: File " + site.Exchange().OrphanDestination;
+    EXPECT_EQ(site.shell.Logged(file + " overwritten per configuration.  5 bytes lost."), replace ? 1u : 0u);
+    EXPECT_EQ(site.shell.Logged(file + " now contains " + std::to_string(orphans.size()) + " bytes."), 1u);
   }
 }
 
 TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Exchange().AutoReRead = true;
   site.shell.answers = {MsgAnswer::Yes};
   // Route 1: in window, on the edges; route 2: unread, above, below.
@@ -284,8 +244,7 @@ TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
   ASSERT_TRUE(site.Exchange().ConvertReading());
   ASSERT_EQ(site.shell.questions.size(), 1u);
   EXPECT_EQ(site.shell.questions[0].title, "ReRead Destination already exists");
-  const auto& log = site.shell.log;
-  EXPECT_NE(std::find(log.begin(), log.end(), "Notice: ReRead File prepared with 3 Meters"), log.end());
+  EXPECT_EQ(site.shell.Logged("Notice: ReRead File prepared with 3 Meters"), 1u);
   const auto records = site.Records("reread.pdb");
   ASSERT_EQ(records.size(), 1u + 1 + 3);  // header, SOUTH renumbered 1, three meters
   EXPECT_EQ(records[0].Item("RouteNbr"), Value::Long(1));
@@ -304,7 +263,6 @@ TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
 
 TEST(ReadingDriver, NoExceptionsLeaveAHeaderOnlyFileAndTheQuestionIsAlwaysPut) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Exchange().AutoReRead = true;
   site.Reading({{1, 1, 11, 1, 5, 1, 9}});
   site.shell.answers = {MsgAnswer::No};
@@ -313,22 +271,18 @@ TEST(ReadingDriver, NoExceptionsLeaveAHeaderOnlyFileAndTheQuestionIsAlwaysPut) {
   EXPECT_FALSE(std::filesystem::exists(site.dir / "reread.pdb"));
   site.shell.answers = {MsgAnswer::Yes, MsgAnswer::Yes};
   EXPECT_TRUE(site.Exchange().ConvertReading());
-  const auto& log = site.shell.log;
-  EXPECT_NE(std::find(log.begin(), log.end(), "Notice: No exceptions found in reading.  Not creating re-read file"),
-            log.end());
+  EXPECT_EQ(site.shell.Logged("Notice: No exceptions found in reading.  Not creating re-read file"), 1u);
   EXPECT_EQ(site.Records("reread.pdb").size(), 1u);
 }
 
 TEST(ReadingDriver, AMeterWithoutItsRouteIsLoggedAndWhatWasWrittenStays) {
   ReadingSite site;
-  site.ReadingMap(kFixedFields, kFixedHeader);
   site.Reading({{1, 1, 11, 1, 5, 1, 9}, {7, 1, 12, 1, 5, 1, 9}});
   EXPECT_FALSE(site.Exchange().ConvertReading());
   EXPECT_EQ(site.Billing(), "NORTH000011000005R\r\n");
-  const auto& log = site.shell.log;
-  EXPECT_NE(std::find(log.begin(), log.end(), "Subscript out of range"), log.end());
-  EXPECT_EQ(log[log.size() - 2], "Reading Conversion Finished");
+  EXPECT_EQ(site.shell.Logged("Subscript out of range"), 1u);
+  EXPECT_EQ(site.shell.Tail(2)[0], "Reading Conversion Finished");
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -2,14 +2,8 @@
 
 #include "support/RouteSite.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::FixedLayout;
-using test::FixedLine;
-using test::ReadBytes;
-using test::RouteSite;
-using test::WriteBytes;
 
 int32_t RecTypeOf(const KeyedCollection<Value>& r) { return r.Item("RecType").ToInt32(); }
 
@@ -17,10 +11,6 @@ int CountOf(const std::vector<KeyedCollection<Value>>& records, int32_t recType)
   int n = 0;
   for (const auto& r : records) n += RecTypeOf(r) == recType;
   return n;
-}
-
-std::vector<std::string> Tail(const std::vector<std::string>& log, size_t n) {
-  return std::vector<std::string>(log.end() - static_cast<std::ptrdiff_t>(std::min(n, log.size())), log.end());
 }
 
 TEST(RouteDriver, RefusesBadSettingsInItsOwnWords) {
@@ -42,8 +32,7 @@ TEST(RouteDriver, RefusesBadSettingsInItsOwnWords) {
   };
   for (const Case& c : cases) {
     RouteSite site;
-    site.Map(FixedLayout());
-    site.Source({FixedLine("1", 1, 100, 'W', 'R', "1 MAIN", "DOE")});
+    site.Fixed({FixedLine("1", 1, 100, 'W', 'R', "1 MAIN", "DOE")});
     c.setup(site);
     EXPECT_FALSE(site.Exchange().ConvertRoute());
     ASSERT_FALSE(site.shell.log.empty());
@@ -54,8 +43,7 @@ TEST(RouteDriver, RefusesBadSettingsInItsOwnWords) {
 
 TEST(RouteDriver, AnExistingDestinationIsOverwrittenOnlyOnYes) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({FixedLine("1", 1, 100, 'W', 'R', "1 MAIN", "DOE")});
+  site.Fixed({FixedLine("1", 1, 100, 'W', 'R', "1 MAIN", "DOE")});
   const std::string destination = (site.dir / "route.pdb").string();
   WriteBytes(destination, "old");
   site.shell.answers = {MsgAnswer::No};
@@ -71,16 +59,15 @@ TEST(RouteDriver, AnExistingDestinationIsOverwrittenOnlyOnYes) {
   site.shell.log.clear();
   EXPECT_TRUE(site.Exchange().ConvertRoute());
   EXPECT_EQ(site.shell.log[2], "Notice: File " + destination + " overwritten on request");
-  EXPECT_EQ(Tail(site.shell.log, 3),
+  EXPECT_EQ(site.shell.Tail(3),
             (std::vector<std::string>{"1 meters written to Route HIF File", "Route Conversion Finished", ""}));
 }
 
 TEST(RouteDriver, ALogOfAGoodRunAndItsFile) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({FixedLine("7", 10, 1012345, 'W', 'R', "12 MAIN ST", "DOE JANE"),
-               FixedLine("8", 20, 1012346, '4', 'm', "1 OAK AVE", "ROE RICK"),
-               FixedLine("7", 30, 1012347, 'B', '9', "14 MAIN ST", "POE PAT")});
+  site.Fixed({FixedLine("7", 10, 1012345, 'W', 'R', "12 MAIN ST", "DOE JANE"),
+              FixedLine("8", 20, 1012346, '4', 'm', "1 OAK AVE", "ROE RICK"),
+              FixedLine("7", 30, 1012347, 'B', '9', "14 MAIN ST", "POE PAT")});
   EXPECT_TRUE(site.Exchange().ConvertRoute());
   const std::string source = site.Exchange().RouteSource;
   EXPECT_EQ(site.shell.log,
@@ -89,39 +76,30 @@ TEST(RouteDriver, ALogOfAGoodRunAndItsFile) {
                                       "3 meters written to Route HIF File", "Route Conversion Finished", ""}));
   const auto records = site.Records();
   ASSERT_EQ(records.size(), 1u + 2 + 3 + 1);  // header, routes, meters, alerts
-  EXPECT_EQ(records[0].Item("RouteNbr"), Value::Long(2));
-  EXPECT_EQ(records[0].Item("Sequence"), Value::Long(20240229));
-  EXPECT_EQ(records[0].Item("MeterTagNbr"), Value::Long(1305));
-  EXPECT_EQ(records[0].Item("MeterType"), Value::Integer(3));
-  EXPECT_EQ(records[0].Item("PrvReading"), Value::Long(3));
-  EXPECT_EQ(records[0].Item("Initials"), Value("HIF loaded from route.txt"));
   // Routes in order of first appearance; a route met again keeps its index.
-  EXPECT_EQ(records[1].Item("Initials"), Value("7"));
-  EXPECT_EQ(records[1].Item("PrvReading"), Value::Long(2));
-  EXPECT_EQ(records[2].Item("ResponseText"), Value("8"));
-  EXPECT_EQ(records[5].Item("RouteNbr"), Value::Long(1));
   // MeterType: a letter as its code, a digit as its number; ReadType m is 2,
   // 9 stays 9.
-  EXPECT_EQ(records[3].Item("MeterType"), Value::Integer('W'));
-  EXPECT_EQ(records[4].Item("MeterType"), Value::Integer(4));
-  EXPECT_EQ(records[5].Item("MeterType"), Value::Integer(66));
-  EXPECT_EQ(records[3].Item("ReadType"), Value::Integer(1));
-  EXPECT_EQ(records[4].Item("ReadType"), Value::Integer(2));
-  EXPECT_EQ(records[5].Item("ReadType"), Value::Integer(9));
-  EXPECT_EQ(records[4].Item("ServiceAddress"), Value("1 OAK AVE"));
+  // clang-format off
+  for (const auto& [at, field, value] : std::vector<std::tuple<size_t, const char*, Value>>{
+           {0, "RouteNbr", Value::Long(2)}, {0, "Sequence", Value::Long(20240229)},
+           {0, "MeterTagNbr", Value::Long(1305)}, {0, "MeterType", Value::Integer(3)},
+           {0, "PrvReading", Value::Long(3)}, {0, "Initials", Value("HIF loaded from route.txt")},
+           {1, "Initials", Value("7")}, {1, "PrvReading", Value::Long(2)}, {2, "ResponseText", Value("8")},
+           {5, "RouteNbr", Value::Long(1)}, {3, "MeterType", Value::Integer('W')}, {4, "MeterType", Value::Integer(4)},
+           {5, "MeterType", Value::Integer(66)}, {3, "ReadType", Value::Integer(1)}, {4, "ReadType", Value::Integer(2)},
+           {5, "ReadType", Value::Integer(9)}, {4, "ServiceAddress", Value("1 OAK AVE")}}) {
+    EXPECT_EQ(records[at].Item(field), value) << "record " << at << " " << field;
+  }
+  // clang-format on
   EXPECT_EQ(site.Exchange().RouteNames, (std::vector<std::string>{"", "7", "8"}));
 }
 
 TEST(RouteDriver, TheRecordTableHasRoomForTheCodeAndIndexRecords) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({FixedLine("1", 1, 11, 'W', 'R', "A", "B"), FixedLine("2", 2, 12, 'W', 'R', "A", "B"),
-               FixedLine("1", 3, 13, 'W', 'R', "A", "B")});
+  site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "A", "B"), FixedLine("2", 2, 12, 'W', 'R', "A", "B"),
+              FixedLine("1", 3, 13, 'W', 'R', "A", "B")});
   ASSERT_TRUE(site.Exchange().ConvertRoute());
-  const std::string bytes = ReadBytes(site.dir / "route.pdb");
-  const uint32_t first = (static_cast<uint8_t>(bytes[78]) << 24) | (static_cast<uint8_t>(bytes[79]) << 16) |
-                         (static_cast<uint8_t>(bytes[80]) << 8) | static_cast<uint8_t>(bytes[81]);
-  EXPECT_EQ(first, 78u + 8 * (3 + 2 + 2 + 2100));
+  EXPECT_EQ(BigEndianAt(ReadBytes(site.dir / "route.pdb"), 78, 4), 78u + 8 * (3 + 2 + 2 + 2100));
 }
 
 TEST(RouteDriver, IndexControlDecidesTheIndexRecords) {
@@ -129,8 +107,7 @@ TEST(RouteDriver, IndexControlDecidesTheIndexRecords) {
        {std::tuple{0, MsgAnswer::Yes, 0}, std::tuple{1, MsgAnswer::No, 3}, std::tuple{2, MsgAnswer::Yes, 3},
         std::tuple{2, MsgAnswer::No, 0}}) {
     RouteSite site;
-    site.Map(FixedLayout());
-    site.Source({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN", "DOE JANE")});
+    site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN", "DOE JANE")});
     site.Exchange().Advanced().IndexControl(static_cast<int16_t>(control));
     site.Exchange().Advanced().AddLogin("joe", "pw", "S");  // not written: security is off
     site.shell.answers = {answer};
@@ -155,8 +132,7 @@ TEST(RouteDriver, IndexControlDecidesTheIndexRecords) {
 
 TEST(RouteDriver, CodeListsFollowTheMeters) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN", "DOE")});
+  site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN", "DOE")});
   clsAdvanced& advanced = site.Exchange().Advanced();
   advanced.UseLoginSecurity(true);
   advanced.AddLogin("joe", "pw", "S");
@@ -169,7 +145,6 @@ TEST(RouteDriver, CodeListsFollowTheMeters) {
   ASSERT_TRUE(site.Exchange().ConvertRoute());
   const auto raw = site.RawRecords();
   ASSERT_EQ(raw.size(), 7u);
-  using test::Hex;
   EXPECT_EQ(raw[3], Hex("0004 0000 0001 0001") + std::string("joe\0pw\0\0S\0", 10) + Hex("FFFF"));
   EXPECT_EQ(raw[4], Hex("0005 0000 0000 0001") + std::string("DOG\0Dog in yard\0\0\0", 18) + Hex("FFFF"));
   EXPECT_EQ(raw[5], Hex("0005 0004 0000 0001") + std::string("58\0\0005/8 inch\0\0\0", 16) + Hex("FFFF"));
@@ -195,12 +170,12 @@ TEST(RouteValidation, FiftyMessagesThenTheLimit) {
               50);
     EXPECT_EQ(log[4], "Sequence zero in Line 1");
     if (lines == 50) {
-      EXPECT_EQ(Tail(log, 3), (std::vector<std::string>{"50 meters written to Route HIF File",
-                                                         "Route Conversion Finished with Warnings", ""}));
+      EXPECT_EQ(site.shell.Tail(3), (std::vector<std::string>{"50 meters written to Route HIF File",
+                                                              "Route Conversion Finished with Warnings", ""}));
     } else {
-      EXPECT_EQ(Tail(log, 5), (std::vector<std::string>{"Remaining validation messages suppressed",
-                                                         "Fatal Error limit reached", "Route HIF File NOT created",
-                                                         "Route Conversion Finished with Warnings", ""}));
+      EXPECT_EQ(site.shell.Tail(5), (std::vector<std::string>{"Remaining validation messages suppressed",
+                                                              "Fatal Error limit reached", "Route HIF File NOT created",
+                                                              "Route Conversion Finished with Warnings", ""}));
       // What was written before the stop stays on the disk.
       EXPECT_EQ(CountOf(site.Records(), kRecMeter), 50);
     }
@@ -209,13 +184,12 @@ TEST(RouteValidation, FiftyMessagesThenTheLimit) {
 
 TEST(RouteValidation, ADuplicateTagStopsAtOnceAndUntaggedMetersAreNotChecked) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({FixedLine("1", 1, 0, 'W', 'M', "1 MAIN", "A"), FixedLine("1", 2, 0, 'W', 'P', "2 MAIN", "B"),
-               FixedLine("1", 3, 0, 'W', 'S', "3 MAIN", "C"), FixedLine("1", 4, 500, 'W', 'R', "4 MAIN", "D"),
-               FixedLine("1", 5, 500, 'W', 'R', "5 MAIN", "E")});
+  site.Fixed({FixedLine("1", 1, 0, 'W', 'M', "1 MAIN", "A"), FixedLine("1", 2, 0, 'W', 'P', "2 MAIN", "B"),
+              FixedLine("1", 3, 0, 'W', 'S', "3 MAIN", "C"), FixedLine("1", 4, 500, 'W', 'R', "4 MAIN", "D"),
+              FixedLine("1", 5, 500, 'W', 'R', "5 MAIN", "E")});
   EXPECT_FALSE(site.Exchange().ConvertRoute());
   EXPECT_EQ(site.Exchange().UntaggedMeters, 3);
-  EXPECT_EQ(Tail(site.shell.log, 5),
+  EXPECT_EQ(site.shell.Tail(5),
             (std::vector<std::string>{"Meter Tag Number of 500 is duplicate in Line 5", "   Info: 5 MAIN E",
                                       "Route HIF File NOT created", "Route Conversion Finished", ""}));
   EXPECT_EQ(CountOf(site.Records(), kRecMeter), 4);
@@ -273,19 +247,17 @@ TEST(FlatInput, AutonumbersRepeatInBothPasses) {
 
 TEST(RouteDriver, AFailureInsideIsShownAndTheClosingLineFollows) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({FixedLine("1", 1, 11, 'W', 'R', "A", "B", 5), FixedLine("1", 2, 12, 'W', 'R', "A", "B", 99999)});
+  site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "A", "B", 5), FixedLine("1", 2, 12, 'W', 'R', "A", "B", 99999)});
   EXPECT_FALSE(site.Exchange().ConvertRoute());
   ASSERT_EQ(site.shell.questions.size(), 1u);
   EXPECT_EQ(site.shell.questions[0].title, "Error");
   EXPECT_EQ(site.shell.questions[0].text, "Overflow");
-  EXPECT_EQ(Tail(site.shell.log, 2), (std::vector<std::string>{"Route Conversion Finished", ""}));
+  EXPECT_EQ(site.shell.Tail(2), (std::vector<std::string>{"Route Conversion Finished", ""}));
 }
 
 TEST(RouteDriver, ASourceOfNoLinesLeavesAnUnusableFile) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({});
+  site.Fixed({});
   EXPECT_FALSE(site.Exchange().ConvertRoute());
   EXPECT_EQ(site.shell.log.back(), "The RouteHIF contains no meter records. The RouteHIF file is unusable.");
   EXPECT_TRUE(std::filesystem::exists(site.dir / "route.pdb"));
@@ -293,9 +265,8 @@ TEST(RouteDriver, ASourceOfNoLinesLeavesAnUnusableFile) {
 
 TEST(RouteDriver, TwoRunsWriteTheSameBytes) {
   RouteSite site;
-  site.Map(FixedLayout());
-  site.Source({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN ST", "DOE JANE"),
-               FixedLine("2", 1, 12, 'G', 'R', "2 OAK AVE", "ROE RICK")});
+  site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN ST", "DOE JANE"),
+              FixedLine("2", 1, 12, 'G', 'R', "2 OAK AVE", "ROE RICK")});
   site.Exchange().Advanced().IndexControl(1);
   ASSERT_TRUE(site.Exchange().ConvertRoute());
   const std::string first = ReadBytes(site.dir / "route.pdb");
@@ -325,8 +296,8 @@ TEST(ReRead, AllMetersGoIntoOneRoute) {
   site.Exchange().ReReadMap = "Again";
   site.Source({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN", "A"), FixedLine("2", 2, 12, 'W', 'M', "2 MAIN", "B")});
   ASSERT_TRUE(site.Exchange().ConvertReRead());
-  EXPECT_EQ(Tail(site.shell.log, 3), (std::vector<std::string>{"1 meters written to ReRead HIF File",
-                                                                "ReRead Conversion Finished", ""}));
+  EXPECT_EQ(site.shell.Tail(3),
+            (std::vector<std::string>{"1 meters written to ReRead HIF File", "ReRead Conversion Finished", ""}));
   const auto records = site.Records("reread.pdb");
   ASSERT_EQ(records.size(), 4u);  // header, the REREAD route, two meters; no code records
   EXPECT_EQ(records[1].Item("Initials"), Value("REREAD"));
@@ -342,14 +313,8 @@ TEST(ReRead, AllMetersGoIntoOneRoute) {
   EXPECT_EQ(site.Records("reread.pdb").size(), 2u);
 }
 
-}  // namespace
-}  // namespace hifx
-
-namespace hifx {
-namespace {
-
 TEST(IndexWords, WordsOfNamesAndAddresses) {
-  test::RouteSite site;
+  RouteSite site;
   clsExchange& e = site.Exchange();
   EXPECT_EQ(e.IndexWords("O'BRIEN, J", 0), (std::vector<std::string>{"BRIEN"}));
   EXPECT_EQ(e.IndexWords("1st 2nd 3RD 4TH 25 main-st", 1),
@@ -361,4 +326,4 @@ TEST(IndexWords, WordsOfNamesAndAddresses) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -10,7 +10,7 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 TEST(E5kFiles, EveryKindIsEightyColumns) {
@@ -27,10 +27,10 @@ TEST(E5kFiles, LinesAreToldApartByTheirLeadingColumns) {
       {"aROUTE1", "?", "a"},       {"h01", "?", "h"},     {"", "?", ""},             {"?FILLER", "?", "?"},
       {"JOB 7", "?", "J"},         {"RREAD", "?", "R"},   {"LBEHIND SHED", "L", "L"}, {" A", "?", " "},
       {"I011000005", "I", "I"},    {"\x01\xff", "?", "\x01"}};
-  test::TempDir dir;
+  TempDir dir;
   std::string text;
   for (const auto& c : cases) text += std::get<0>(c) + "\r\n";
-  test::WriteBytes(dir / "route.txt", text);
+  WriteBytes(dir / "route.txt", text);
   clsE5KDownload file;
   EXPECT_FALSE(file.OpenFile((dir / "missing.txt").string()));
   ASSERT_TRUE(file.OpenFile((dir / "route.txt").string()));
@@ -43,7 +43,7 @@ TEST(E5kFiles, LinesAreToldApartByTheirLeadingColumns) {
   }
   EXPECT_EQ(file.ReadNext(), nullptr);
 
-  test::WriteBytes(dir / "empty.txt", "");
+  WriteBytes(dir / "empty.txt", "");
   clsE5KDownload empty;
   ASSERT_TRUE(empty.OpenFile((dir / "empty.txt").string()));
   EXPECT_EQ(empty.ReadNext(), nullptr);
@@ -51,7 +51,7 @@ TEST(E5kFiles, LinesAreToldApartByTheirLeadingColumns) {
 }
 
 TEST(E5kFiles, UploadLinesAreEightyColumnsOfTheKindsItKnows) {
-  test::TempDir dir;
+  TempDir dir;
   clsE5KUpload file;
   EXPECT_EQ(file.SetupRecord("H"), nullptr);
   EXPECT_EQ(file.SetupRecord("a"), nullptr);
@@ -64,10 +64,10 @@ TEST(E5kFiles, UploadLinesAreEightyColumnsOfTheKindsItKnows) {
   // Set up again, the kind starts with no values.
   file.WriteRecord(*file.SetupRecord("Z"));
   file = clsE5KUpload();  // closes the file
-  EXPECT_EQ(test::ReadBytes(dir / "upload.txt"),
+  EXPECT_EQ(ReadBytes(dir / "upload.txt"),
             "ZROUTE000" + std::string(71, ' ') + "\r\nZ" + std::string(79, ' ') + "\r\n");
   EXPECT_FALSE(clsE5KUpload().CreateFile((dir / "no" / "such" / "folder").string()));
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -11,7 +11,7 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 std::map<std::string, int> Widths(const std::vector<RecordLayout>& catalogue) {
@@ -34,9 +34,9 @@ TEST(MvrsFiles, CatalogueWidths) {
 }
 
 TEST(MvrsFiles, ReadsLinesByKindUntilAnUnknownOne) {
-  test::TempDir dir;
+  TempDir dir;
   const auto path = dir / "route.dat";
-  test::WriteBytes(path,
+  WriteBytes(path,
                    "FHD         01   \r\n"
                    "???ABCDEFirst            \r\n"
                    "CHD010002031426\r\n"
@@ -65,7 +65,7 @@ TEST(MvrsFiles, ReadsLinesByKindUntilAnUnknownOne) {
   EXPECT_EQ(file.ReadNext(), nullptr);  // lower case: the end of the reading
   EXPECT_EQ(file.LineNo(), 5);
 
-  test::WriteBytes(path, "");
+  WriteBytes(path, "");
   clsMVRSDownload empty;
   ASSERT_TRUE(empty.OpenFile(path.string()));
   EXPECT_EQ(empty.ReadNext(), nullptr);
@@ -73,7 +73,7 @@ TEST(MvrsFiles, ReadsLinesByKindUntilAnUnknownOne) {
 }
 
 TEST(MvrsFiles, WritesPaddedLinesOfTheKindsItKnows) {
-  test::TempDir dir;
+  TempDir dir;
   const auto path = dir / "reading.dat";
   clsMVRSUpload file;
   EXPECT_EQ(file.SetupRecord("MTM"), nullptr);
@@ -96,13 +96,13 @@ TEST(MvrsFiles, WritesPaddedLinesOfTheKindsItKnows) {
   const std::string rhdLine = "RHDR1      " + std::string(34, ' ') + "0     " + std::string(126 - 51, ' ');
   const std::string erhLine = "ERH" + std::string(124, ' ') + "X";
   const std::string ftrLine = "FTR" + std::string(123, ' ');
-  EXPECT_EQ(test::ReadBytes(path), rhdLine + "\r\n" + erhLine + "\r\n" + ftrLine + "\r\n");
+  EXPECT_EQ(ReadBytes(path), rhdLine + "\r\n" + erhLine + "\r\n" + ftrLine + "\r\n");
 
-  test::TestShell shell;
+  TestShell shell;
   clsMVRSUpload nowhere(&shell);
   EXPECT_FALSE(nowhere.CreateFile((dir / "no" / "such" / "folder").string()));
   EXPECT_EQ(shell.questions.size(), 1u);
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

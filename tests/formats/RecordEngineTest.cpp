@@ -7,7 +7,7 @@
 #include "formats/clsRecType.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 clsField FieldOf(int16_t type, int16_t start, int16_t length) {
@@ -90,7 +90,7 @@ TEST(RecordEngine, WritesEachTypeFittedToItsWidth) {
 }
 
 TEST(RecordEngine, UnknownTypeIsShownAndLeftBlank) {
-  test::TestShell shell;
+  TestShell shell;
   clsField field = FieldOf(99, 3, 2);
   EXPECT_EQ(field.Extract("abcdef", &shell), Value());
   std::string buffer = "abcdef";
@@ -153,7 +153,7 @@ TEST(RecordEngine, RecordTypeParsesAndBuildsByName) {
 }
 
 TEST(RecordEngine, FailureWhileBuildingIsShownAndGivesNothing) {
-  test::TestShell shell;
+  TestShell shell;
   clsRecType type(&shell);
   type.AddField("A", fldText, 0, 2);
   type.AddField("B", fldText, -5, 2);  // an unusable column
@@ -164,4 +164,4 @@ TEST(RecordEngine, FailureWhileBuildingIsShownAndGivesNothing) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

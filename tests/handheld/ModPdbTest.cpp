@@ -4,8 +4,9 @@
 
 #include "base/Failure.h"
 #include "handheld/modPDB.h"
+#include "support/FailureNumber.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
 template <size_t N>
@@ -45,12 +46,7 @@ TEST(PutBytes, NegativeValuesKeepTheirUnmaskedTopByte) {
   EXPECT_EQ(Put<4>(Value::Long(-16777215)), (std::array<uint8_t, 4>{0, 0, 0, 1}));
   EXPECT_EQ(Put<2>(Value::Long(-2)), (std::array<uint8_t, 2>{0xFF, 0xFE}));
   std::array<uint8_t, 4> bytes{};
-  try {
-    PutBytes(bytes, Value::Long(-16777216));
-    FAIL() << "no overflow";
-  } catch (const Failure& f) {
-    EXPECT_EQ(f.Number(), fail::kOverflow);
-  }
+  EXPECT_EQ(FailureNumber([&] { PutBytes(bytes, Value::Long(-16777216)); }), fail::kOverflow);
 }
 
 TEST(PutBytes, TextGoesByCharacterWhateverTheWidth) {
@@ -69,4 +65,4 @@ TEST(BytesToDecimalText, FirstDigitCodeOfEachByte) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -3,19 +3,14 @@
 #include "base/DateSerial.h"
 #include "base/Failure.h"
 #include "handheld/clsPalmFilePDB.h"
+#include "support/FailureNumber.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::Hex;
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
-
-void Create(clsPalmFilePDB& pdb, const std::filesystem::path& path, int32_t slots,
-            std::string_view title = "T", std::string_view creator = "qHVN",
-            std::string_view type = "DATA") {
+void Create(clsPalmFilePDB& pdb, const std::filesystem::path& path, int32_t slots, std::string_view title = "T",
+            std::string_view creator = "qHVN", std::string_view type = "DATA") {
   std::string appInfo = "a";
   std::string sortInfo = "s";
   ASSERT_EQ(pdb.CreateFile(path, title, creator, type, slots, appInfo, sortInfo), 0);
@@ -23,33 +18,33 @@ void Create(clsPalmFilePDB& pdb, const std::filesystem::path& path, int32_t slot
   EXPECT_EQ(sortInfo, "");
 }
 
-// A header as the container writes it: name, zeros, type, creator, zeros.
-std::string Header(std::string name, const std::string& type, const std::string& creator,
-                   int count) {
-  name.resize(32, '\0');
-  std::string h = name + std::string(28, '\0') + type + creator + std::string(8, '\0');
-  h += static_cast<char>(count >> 8);
-  h += static_cast<char>(count & 0xFF);
-  return h;
+// A file of these records in that many slots, written and closed.
+void WritePdb(const std::filesystem::path& path, int32_t slots, const std::vector<std::string>& records) {
+  clsPalmFilePDB pdb;
+  Create(pdb, path, slots);
+  for (const auto& r : records) EXPECT_TRUE(pdb.WriteRecord(r));
 }
 
-TEST(PdbContainer, TwoRecordsInThreeSlotsMake107Bytes) {
-  TempDir dir;
-  const auto path = dir / "two.pdb";
-  {
-    clsPalmFilePDB pdb;
-    Create(pdb, path, 3);
-    EXPECT_TRUE(pdb.WriteRecord("AB"));
-    EXPECT_TRUE(pdb.WriteRecord("CDE"));
-  }
-  const std::string expected = Header("T", "DATA", "qHVN", 2) +
-                               Hex("00000066 00 00 0000  00000068 00 00 0001  0000000000000000") +
-                               "ABCDE";
-  ASSERT_EQ(expected.size(), 107u);
-  EXPECT_EQ(ReadBytes(path), expected);
+// A header as the container writes it: name, zeros, type, creator, zeros.
+std::string Header(std::string name, int count) {
+  name.resize(32, '\0');
+  return name + std::string(28, '\0') + "DATAqHVN" + std::string(8, '\0') + BigEndian(count, 2);
+}
 
+class PdbContainer : public testing::Test {
+ protected:
+  TempDir dir;
   clsPalmFilePDB reader;
-  ASSERT_EQ(reader.OpenFile(path), 0);
+};
+
+TEST_F(PdbContainer, TwoRecordsInThreeSlotsMake107Bytes) {
+  WritePdb(dir / "two.pdb", 3, {"AB", "CDE"});
+  const std::string expected =
+      Header("T", 2) + Hex("00000066 00 00 0000  00000068 00 00 0001  0000000000000000") + "ABCDE";
+  ASSERT_EQ(expected.size(), 107u);
+  EXPECT_EQ(ReadBytes(dir / "two.pdb"), expected);
+
+  ASSERT_EQ(reader.OpenFile(dir / "two.pdb"), 0);
   EXPECT_EQ(reader.RecordCount(), 2);
   int32_t number = 1;
   std::string data;
@@ -58,23 +53,16 @@ TEST(PdbContainer, TwoRecordsInThreeSlotsMake107Bytes) {
   EXPECT_EQ(reader.Title(), "T");
 }
 
-TEST(PdbContainer, EmptyFileHasTheDefault999Slots) {
-  TempDir dir;
-  const auto path = dir / "empty.pdb";
-  {
-    clsPalmFilePDB pdb;
-    Create(pdb, path, 0);
-  }
-  const std::string bytes = ReadBytes(path);
+TEST_F(PdbContainer, EmptyFileHasTheDefault999Slots) {
+  WritePdb(dir / "empty.pdb", 0, {});
+  const std::string bytes = ReadBytes(dir / "empty.pdb");
   ASSERT_EQ(bytes.size(), 8070u);
   EXPECT_EQ(bytes.substr(78), std::string(8 * 999, '\0'));
-  clsPalmFilePDB reader;
-  ASSERT_EQ(reader.OpenFile(path), 0);
+  ASSERT_EQ(reader.OpenFile(dir / "empty.pdb"), 0);
   EXPECT_EQ(reader.RecordCount(), 0);
 }
 
-TEST(PdbContainer, TitleIsCutAt32AndShortFieldsArePadded) {
-  TempDir dir;
+TEST_F(PdbContainer, TitleIsCutAt32AndShortFieldsArePadded) {
   const auto path = dir / "t.pdb";
   const std::string longTitle = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
   {
@@ -83,46 +71,35 @@ TEST(PdbContainer, TitleIsCutAt32AndShortFieldsArePadded) {
   }
   const std::string bytes = ReadBytes(path);
   EXPECT_EQ(bytes.substr(0, 32), longTitle.substr(0, 32));
-  EXPECT_EQ(bytes.substr(60, 4), std::string("X\0\0\0", 4));
-  EXPECT_EQ(bytes.substr(64, 4), std::string("ab\0\0", 4));
-  clsPalmFilePDB reader;
+  EXPECT_EQ(bytes.substr(60, 8), std::string("X\0\0\0ab\0\0", 8));
   ASSERT_EQ(reader.OpenFile(path), 0);
   EXPECT_EQ(reader.Title(), longTitle.substr(0, 32));
   // The getters keep their odd decimal form: "a" (97) gives the code of "9".
   EXPECT_EQ(reader.Creator(), "57574848");
 }
 
-TEST(PdbContainer, EveryRecordIsOnDiskBeforeTheNextOne) {
-  TempDir dir;
+TEST_F(PdbContainer, EveryRecordIsOnDiskBeforeTheNextOne) {
   const auto path = dir / "live.pdb";
   clsPalmFilePDB writer;
   Create(writer, path, 5);
   for (int i = 0; i < 4; ++i) {
-    writer.WriteRecord(std::string(static_cast<size_t>(i + 1), static_cast<char>('a' + i)));
+    const std::string record(static_cast<size_t>(i + 1), static_cast<char>('a' + i));
+    writer.WriteRecord(record);
     // Another reader sees a well-formed file with every record so far, as a
     // run killed at this point would leave it.
-    clsPalmFilePDB reader;
-    ASSERT_EQ(reader.OpenFile(path), 0);
-    ASSERT_EQ(reader.RecordCount(), i + 1);
+    clsPalmFilePDB other;
+    ASSERT_EQ(other.OpenFile(path), 0);
+    ASSERT_EQ(other.RecordCount(), i + 1);
     int32_t number = i;
     std::string data;
-    ASSERT_TRUE(reader.ReadRecord(number, data));
-    EXPECT_EQ(data, std::string(static_cast<size_t>(i + 1), static_cast<char>('a' + i)));
+    ASSERT_TRUE(other.ReadRecord(number, data));
+    EXPECT_EQ(data, record);
   }
 }
 
-TEST(PdbContainer, SequentialAndNumberedReadsMoveThePosition) {
-  TempDir dir;
-  const auto path = dir / "r.pdb";
-  {
-    clsPalmFilePDB pdb;
-    Create(pdb, path, 3);
-    pdb.WriteRecord("A");
-    pdb.WriteRecord("B");
-    pdb.WriteRecord("C");
-  }
-  clsPalmFilePDB reader;
-  ASSERT_EQ(reader.OpenFile(path), 0);
+TEST_F(PdbContainer, SequentialAndNumberedReadsMoveThePosition) {
+  WritePdb(dir / "r.pdb", 3, {"A", "B", "C"});
+  ASSERT_EQ(reader.OpenFile(dir / "r.pdb"), 0);
   std::string data;
   int32_t number = -1;
   ASSERT_TRUE(reader.ReadRecord(number, data));
@@ -152,84 +129,59 @@ TEST(PdbContainer, SequentialAndNumberedReadsMoveThePosition) {
   EXPECT_EQ(reader.Position255(), 128);  // 1 * 255 / 2 = 127.5, to the even 128
 }
 
-TEST(PdbContainer, RecordCountLimitIs32767) {
-  TempDir dir;
-  const auto ok = dir / "ok.pdb";
-  const auto bad = dir / "bad.pdb";
-  WriteBytes(ok, Header("X", "DATA", "qHVN", 32767));
-  WriteBytes(bad, Header("X", "DATA", "qHVN", 32768));
-  clsPalmFilePDB pdb;
-  EXPECT_EQ(pdb.OpenFile(ok), 0);
-  EXPECT_EQ(pdb.RecordCount(), 32767);
-  EXPECT_EQ(pdb.OpenFile(bad), fail::kOverflow);
-  EXPECT_FALSE(pdb.TestFileType(bad));
-  EXPECT_TRUE(pdb.TestFileType(ok));
+TEST_F(PdbContainer, RecordCountLimitIs32767) {
+  WriteBytes(dir / "ok.pdb", Header("X", 32767));
+  WriteBytes(dir / "bad.pdb", Header("X", 32768));
+  EXPECT_EQ(reader.OpenFile(dir / "ok.pdb"), 0);
+  EXPECT_EQ(reader.RecordCount(), 32767);
+  EXPECT_EQ(reader.OpenFile(dir / "bad.pdb"), fail::kOverflow);
+  EXPECT_FALSE(reader.TestFileType(dir / "bad.pdb"));
+  EXPECT_TRUE(reader.TestFileType(dir / "ok.pdb"));
 }
 
-TEST(PdbContainer, ShortOrMissingFiles) {
-  TempDir dir;
+TEST_F(PdbContainer, ShortOrMissingFiles) {
   WriteBytes(dir / "zero", "");
   WriteBytes(dir / "short", "abc");
-  clsPalmFilePDB pdb;
-  EXPECT_EQ(pdb.OpenFile(dir / "zero"), 0);
-  EXPECT_EQ(pdb.RecordCount(), 0);
-  EXPECT_EQ(pdb.OpenFile(dir / "short"), 0);
-  EXPECT_EQ(pdb.Title(), "abc");
-  EXPECT_EQ(pdb.OpenFile(dir / "missing"), fail::kFileNotFound);
-  EXPECT_FALSE(pdb.TestFileType(dir / "missing"));
-  EXPECT_FALSE(pdb.TestFileType(dir.path()));
+  EXPECT_EQ(reader.OpenFile(dir / "zero"), 0);
+  EXPECT_EQ(reader.RecordCount(), 0);
+  EXPECT_EQ(reader.OpenFile(dir / "short"), 0);
+  EXPECT_EQ(reader.Title(), "abc");
+  EXPECT_EQ(reader.OpenFile(dir / "missing"), fail::kFileNotFound);
+  EXPECT_FALSE(reader.TestFileType(dir / "missing"));
+  EXPECT_FALSE(reader.TestFileType(dir.path()));
 }
 
-TEST(PdbContainer, DatesWithTheTopBitSetReadAsZero) {
-  TempDir dir;
-  std::string bytes = Header("X", "DATA", "qHVN", 0);
+TEST_F(PdbContainer, DatesWithTheTopBitSetReadAsZero) {
+  std::string bytes = Header("X", 0);
   bytes[36] = static_cast<char>(0x80);  // creation: 1972 onward in Palm seconds
   bytes[43] = 60;                       // modification: one minute after 1904
   WriteBytes(dir / "d.pdb", bytes);
-  clsPalmFilePDB pdb;
-  ASSERT_EQ(pdb.OpenFile(dir / "d.pdb"), 0);
-  EXPECT_EQ(pdb.CreateDate(), 0.0);
-  EXPECT_DOUBLE_EQ(pdb.ModifyDate(), kPalmEpochSerial + 60.0 / 86400.0);
+  ASSERT_EQ(reader.OpenFile(dir / "d.pdb"), 0);
+  EXPECT_EQ(reader.CreateDate(), 0.0);
+  EXPECT_DOUBLE_EQ(reader.ModifyDate(), kPalmEpochSerial + 60.0 / 86400.0);
 }
 
-TEST(PdbContainer, BadTablesFailCleanly) {
-  TempDir dir;
+TEST_F(PdbContainer, BadTablesFailCleanly) {
   // Record 0 ends before it starts; record 1 runs past the end of the file.
-  const std::string bytes = Header("X", "DATA", "qHVN", 2) +
-                            Hex("00000070 00000000 00000060 00000001") + "ABCDEFGHIJ";
-  WriteBytes(dir / "bad.pdb", bytes);
-  clsPalmFilePDB pdb;
-  ASSERT_EQ(pdb.OpenFile(dir / "bad.pdb"), 0);
+  WriteBytes(dir / "bad.pdb", Header("X", 2) + Hex("00000070 00000000 00000060 00000001") + "ABCDEFGHIJ");
+  WriteBytes(dir / "past.pdb", Header("X", 2) + Hex("0000005E 00000000 7FFFFFF0 00000001") + "AB");
   std::string data;
   int32_t number = 0;
-  EXPECT_THROW(pdb.ReadRecord(number, data), Failure);
-  const std::string past = Header("X", "DATA", "qHVN", 2) +
-                           Hex("0000005E 00000000 7FFFFFF0 00000001") + "AB";
-  WriteBytes(dir / "past.pdb", past);
-  ASSERT_EQ(pdb.OpenFile(dir / "past.pdb"), 0);
+  ASSERT_EQ(reader.OpenFile(dir / "bad.pdb"), 0);
+  EXPECT_THROW(reader.ReadRecord(number, data), Failure);
+  ASSERT_EQ(reader.OpenFile(dir / "past.pdb"), 0);
   number = 0;
-  try {
-    pdb.ReadRecord(number, data);
-    FAIL() << "read past the end";
-  } catch (const Failure& f) {
-    EXPECT_EQ(f.Number(), fail::kPastEnd);
-  }
+  EXPECT_EQ(FailureNumber([&] { reader.ReadRecord(number, data); }), fail::kPastEnd);
 }
 
-TEST(PdbContainer, WritingPastTheTableFailsAfterTheDataIsOut) {
-  TempDir dir;
+TEST_F(PdbContainer, WritingPastTheTableFailsAfterTheDataIsOut) {
   const auto path = dir / "over.pdb";
   clsPalmFilePDB pdb;
   Create(pdb, path, 1);
   pdb.WriteRecord("AAAAAAAAAA");
   // Slot 1 is only the in-memory end slot: its write lands over the first
   // bytes of record 0, the count becomes 2, and only then the write fails.
-  try {
-    pdb.WriteRecord("BB");
-    FAIL() << "no failure";
-  } catch (const Failure& f) {
-    EXPECT_EQ(f.Number(), fail::kSubscript);
-  }
+  EXPECT_EQ(FailureNumber([&] { pdb.WriteRecord("BB"); }), fail::kSubscript);
   const std::string bytes = ReadBytes(path);
   ASSERT_EQ(bytes.size(), 78u + 8 + 10 + 2);
   EXPECT_EQ(bytes[77], 2);
@@ -238,19 +190,13 @@ TEST(PdbContainer, WritingPastTheTableFailsAfterTheDataIsOut) {
   EXPECT_THROW(pdb.WriteRecord("CC"), Failure);
 }
 
-TEST(PdbContainer, CreateDoesNotTruncate) {
-  TempDir dir;
-  const auto path = dir / "old.pdb";
-  WriteBytes(path, std::string(9000, 'z'));
-  {
-    clsPalmFilePDB pdb;
-    Create(pdb, path, 2);
-    pdb.WriteRecord("R");
-  }
-  const std::string bytes = ReadBytes(path);
+TEST_F(PdbContainer, CreateDoesNotTruncate) {
+  WriteBytes(dir / "old.pdb", std::string(9000, 'z'));
+  WritePdb(dir / "old.pdb", 2, {"R"});
+  const std::string bytes = ReadBytes(dir / "old.pdb");
   EXPECT_EQ(bytes.size(), 9001u);
   EXPECT_EQ(bytes.substr(78, 4), Hex("00002328"));  // the record went behind the old bytes
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

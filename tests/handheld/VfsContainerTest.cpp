@@ -4,13 +4,8 @@
 #include "handheld/clsPalmFileVFS.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
 
 struct TypeCase {
   const char* name;
@@ -105,4 +100,4 @@ TEST(VfsContainer, CreateDoesNotTruncate) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

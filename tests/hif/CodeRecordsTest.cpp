@@ -6,12 +6,8 @@
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::TempDir;
-using test::TestShell;
 
 class CodeRecords : public testing::Test {
  protected:
@@ -104,4 +100,4 @@ TEST(IndexSort, SameOrderAsTheBubbleSort) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

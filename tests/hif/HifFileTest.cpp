@@ -4,34 +4,21 @@
 #include <fstream>
 
 #include "hif/clsHIF.h"
+#include "support/HifImage.h"
 #include "support/SampleHif.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
-using test::WriteSampleHif;
 
 TEST(HifFile, IdentityAndRecordsOnDisk) {
   TempDir dir;
   TestShell shell;
-  const auto path = dir / "route.pdb";
-  const auto records = WriteSampleHif(shell, path, kFilePDB);
+  const auto records = WriteSampleHif(shell, dir / "route.pdb", kFilePDB);
   EXPECT_TRUE(shell.questions.empty());
-  const std::string bytes = ReadBytes(path);
-  EXPECT_EQ(bytes.substr(0, 32), std::string("RouteHIF") + std::string(24, '\0'));
-  EXPECT_EQ(bytes.substr(32, 28), std::string(28, '\0'));
-  EXPECT_EQ(bytes.substr(60, 8), "DATAqHVN");
-  EXPECT_EQ(bytes.substr(68, 10), Hex("00000000 00000000 0007"));
-  std::string joined;
-  for (const auto& r : records) joined += r;
-  EXPECT_EQ(bytes.substr(78 + 8 * 10), joined);
+  // Named RouteHIF, of type DATA and creator qHVN, in a table of ten slots.
+  EXPECT_EQ(ReadBytes(dir / "route.pdb"), PdbImage(10, records));
   // A version-3 meter: 76 fixed bytes and 13 texts.
   EXPECT_EQ(records[3].substr(0, 15), Hex("0002 00000001 0000000A 02FB20B9 57"));
 }
@@ -77,20 +64,12 @@ TEST(HifFile, VersionComesFromTheFirstRecord) {
   TempDir dir;
   TestShell shell;
   auto writeFirst = [&](const std::string& name, int32_t recType, int32_t meterType) {
-    clsHIF hif(shell);
-    hif.CreateHIF(dir / name, kFilePDB, 2);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(recType));
-    hif.SetItem("MeterType", Value::Long(meterType));
-    hif.WriteData();
+    HifWriter(shell, dir / name, 0, kFilePDB, 2).Add({{"RecType", recType}, {"MeterType", meterType}});
   };
   writeFirst("v2", 0, 2);
   writeFirst("route_first", 1, 3);
   writeFirst("zero_type", 0, 0);
-  {
-    clsHIF empty(shell);
-    empty.CreateHIF(dir / "empty", kFilePDB, 0);
-  }
+  HifWriter(shell, dir / "empty", 0, kFilePDB, 0);  // no records
   EXPECT_EQ(ReadFileVersion(shell, dir / "v2"), 2);
   EXPECT_EQ(ReadFileVersion(shell, dir / "route_first"), 0);
   EXPECT_EQ(ReadFileVersion(shell, dir / "zero_type"), 0);
@@ -104,14 +83,7 @@ TEST(HifFile, AShortRecordReadThroughANewerSchemaShowsTheShortRead) {
   TempDir dir;
   TestShell shell;
   const auto path = dir / "v0.pdb";
-  {
-    clsHIF hif(shell);  // schema 0: 15 bytes a record
-    hif.CreateHIF(path, kFilePDB, 1);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecMeter));
-    hif.SetItem("MeterTagNbr", Value::Long(77));
-    hif.WriteData();
-  }
+  HifWriter(shell, path, 0, kFilePDB, 1).Add({{"RecType", kRecMeter}, {"MeterTagNbr", 77}});  // 15 bytes
   EXPECT_EQ(ReadFileVersion(shell, path), 0);
   clsHIF hif(shell);
   hif.SetVersion(1);
@@ -150,4 +122,4 @@ TEST(HifFile, PalmPdbPerlModuleAgrees) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

@@ -4,10 +4,8 @@
 #include "hif/clsHIF.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::TestShell;
 
 // Offsets of the fixed part in versions 0 to 3; -1 where the field is absent.
 struct OffsetRow {
@@ -104,22 +102,19 @@ TEST(Schema, FieldsOfLaterVersionsReadNullAndWriteIsRefused) {
   EXPECT_EQ(shell.questions[0].text, "InitTamperCount not valid field in Record");
 }
 
-TEST(LookupFileVersion, KnownProgramVersions) {
-  TestShell shell;
-  EXPECT_EQ(LookupFileVersion(shell, 1, 2), 1);
-  EXPECT_EQ(LookupFileVersion(shell, 1, 3), 2);
-  EXPECT_EQ(LookupFileVersion(shell, 1, 4), 3);
-  EXPECT_EQ(LookupFileVersion(shell, 1, 6), 3);
-  EXPECT_EQ(LookupFileVersion(shell, kProgramMajor, kProgramMinor), 3);
-  EXPECT_TRUE(shell.questions.empty());
-}
-
-TEST(LookupFileVersion, UnknownVersionsShowTheMessageAndGiveZero) {
-  for (const auto& [major, minor] : {std::pair{1, 1}, std::pair{2, 0}, std::pair{3, 1},
-                                     std::pair{1, 7}}) {
+// Known program versions give their file version; any other shows the
+// message and gives 0.
+TEST(LookupFileVersion, KnownAndUnknownProgramVersions) {
+  for (const auto& [major, minor, version] :
+       {std::tuple{1, 2, 1}, {1, 3, 2}, {1, 4, 3}, {1, 6, 3}, {int{kProgramMajor}, int{kProgramMinor}, 3},
+        {1, 1, 0}, {2, 0, 0}, {3, 1, 0}, {1, 7, 0}}) {
     TestShell shell;
-    EXPECT_EQ(LookupFileVersion(shell, static_cast<int16_t>(major), static_cast<int16_t>(minor)),
-              0);
+    EXPECT_EQ(LookupFileVersion(shell, static_cast<int16_t>(major), static_cast<int16_t>(minor)), version)
+        << major << "." << minor;
+    if (version != 0) {
+      EXPECT_TRUE(shell.questions.empty());
+      continue;
+    }
     ASSERT_EQ(shell.questions.size(), 1u);
     EXPECT_EQ(shell.questions[0].text,
               "Contact Support - cannot determine internal file version from this version of "
@@ -130,4 +125,4 @@ TEST(LookupFileVersion, UnknownVersionsShowTheMessageAndGiveZero) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

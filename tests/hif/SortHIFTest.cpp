@@ -10,20 +10,13 @@
 #include "base/Failure.h"
 #include "hif/SortHIF.h"
 #include "hif/clsHIF.h"
+#include "support/FailureNumber.h"
 #include "support/HifImage.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
-
-using test::Hex;
-using test::HifImage;
-using test::ReadBytes;
-using test::TempDir;
-using test::TestShell;
-using test::WriteBytes;
-using test::WriteRecords;
 
 // The quick sort exactly as the sort describes it: entries from 1, the pivot
 // the middle slot, both parts sorted by recursion.
@@ -157,23 +150,7 @@ testing::AssertionResult SameBytes(const std::string& got, const std::string& ex
   if (got == expected) return testing::AssertionSuccess();
   const auto at = std::mismatch(got.begin(), got.end(), expected.begin(), expected.end());
   return testing::AssertionFailure() << got.size() << " bytes, expected " << expected.size()
-                                     << ", first difference at offset "
-                                     << (at.first - got.begin());
-}
-
-// The number of the failure the sort raises, 0 when it raises none.
-int SortFailure(TestShell& shell, const std::filesystem::path& source,
-                const std::filesystem::path& file) {
-  try {
-    SortHIF(shell, source, file);
-  } catch (const Failure& failure) {
-    return failure.Number();
-  }
-  return 0;
-}
-
-size_t FilesIn(const std::filesystem::path& folder) {
-  return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
+                                     << ", first difference at offset " << (at.first - got.begin());
 }
 
 class SortHIFTest : public testing::TestWithParam<int32_t> {
@@ -187,6 +164,16 @@ class SortHIFTest : public testing::TestWithParam<int32_t> {
   }
   std::string Image(const std::vector<std::string>& records, uint32_t slots) const {
     return HifImage(Type(), slots, records);
+  }
+  // The sort from that reading source fails with that number and changes
+  // nothing: the file, its folder and the temporary folder stay as they were.
+  void FailsChangingNothing(int number, const std::filesystem::path& source) {
+    const std::string before = ReadBytes(path);
+    const size_t files = FilesIn(dir.path());
+    EXPECT_EQ(FailureNumber([&] { SortHIF(shell, source, path); }), number);
+    EXPECT_TRUE(SameBytes(ReadBytes(path), before));
+    EXPECT_EQ(FilesIn(dir.path()), files);
+    EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
   }
 
   TempDir dir;
@@ -229,7 +216,6 @@ TEST_P(SortHIFTest, SortsEachStretchOfARouteAndDropsTheOtherRecords) {
       source[12], source[11],           // route 1 again: 1, 2
       source[16]};
   EXPECT_TRUE(SameBytes(ReadBytes(path), Image(sorted, static_cast<uint32_t>(source.size()))));
-
   EXPECT_TRUE(shell.log.empty());
   ASSERT_EQ(shell.questions.size(), 1u);
   EXPECT_EQ(shell.questions[0].text, "Indexes would need to be rebuilt");
@@ -306,29 +292,22 @@ TEST_P(SortHIFTest, ManyMetersComeOutAsTheQuickSortLeavesThem) {
 TEST_P(SortHIFTest, ARouteLongerThanTheHeaderSaysFailsAndChangesNothing) {
   Write({Header(2), RouteHeader(1), Meter(1, 3, 1), Meter(1, 2, 2), Meter(2, 1, 3),
          Meter(1, 3, 4), Meter(1, 2, 5), Meter(1, 1, 6)});
-  const std::string before = ReadBytes(path);
-  EXPECT_EQ(SortFailure(shell, path, path), fail::kSubscript);
-  EXPECT_TRUE(SameBytes(ReadBytes(path), before));
-  EXPECT_EQ(FilesIn(dir.path()), 1u);
-  EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
+  FailsChangingNothing(fail::kSubscript, path);
 }
 
 TEST_P(SortHIFTest, TheVersionComesFromTheReadingSource) {
-  const std::vector<std::string> source = {Header(2), RouteHeader(1), Meter(1, 2, 1), Meter(1, 1, 2)};
-  Write(source);
+  Write({Header(2), RouteHeader(1), Meter(1, 2, 1), Meter(1, 1, 2)});
   const std::string before = ReadBytes(path);
-
   EXPECT_EQ(SortHIF(shell, dir / "missing.hif", path), SortOutcome::NotRead);
   EXPECT_EQ(shell.log, std::vector<std::string>{"Error: Could not read HIF file for sorting"});
   ASSERT_EQ(shell.questions.size(), 1u);
   EXPECT_EQ(shell.questions[0].text, "Indexes would need to be rebuilt");
+  EXPECT_TRUE(SameBytes(ReadBytes(path), before));
 
   // A reading source of version 0: the header is read with no PrvReading.
   const auto old = dir / "old.hif";
   WriteRecords(shell, old, Type(), 1, {Record(kRecMeter, 1, 1, 0, 1, 0)});
-  EXPECT_EQ(SortFailure(shell, old, path), fail::kInvalidNull);
-  EXPECT_TRUE(SameBytes(ReadBytes(path), before));
-  EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
+  FailsChangingNothing(fail::kInvalidNull, old);
 }
 
 TEST_P(SortHIFTest, ADamagedRecordPartwayChangesNothing) {
@@ -340,10 +319,7 @@ TEST_P(SortHIFTest, ADamagedRecordPartwayChangesNothing) {
     bytes.resize(bytes.size() - 5);  // the last record is cut short
   }
   WriteBytes(path, bytes);
-  EXPECT_EQ(SortFailure(shell, path, path), fail::kPastEnd);
-  EXPECT_TRUE(SameBytes(ReadBytes(path), bytes));
-  EXPECT_EQ(FilesIn(dir.path()), 1u);
-  EXPECT_EQ(FilesIn(temporaryFolder.path()), 0u);
+  FailsChangingNothing(fail::kPastEnd, path);
 }
 
 TEST_P(SortHIFTest, NoTemporaryFolder) {
@@ -356,7 +332,7 @@ TEST_P(SortHIFTest, NoTemporaryFolder) {
               std::vector<std::string>{"Error: Could not create temporary HIF file for sorting"});
   } else {
     // The PDB container raises what the VFS one returns as a status.
-    EXPECT_EQ(SortFailure(shell, path, path), fail::kFileNotFound);
+    EXPECT_EQ(FailureNumber([&] { SortHIF(shell, path, path); }), fail::kFileNotFound);
   }
   ASSERT_EQ(shell.questions.size(), 3u);
   EXPECT_EQ(shell.questions[1].text, "Error getting directory");
@@ -370,4 +346,4 @@ INSTANTIATE_TEST_SUITE_P(Containers, SortHIFTest, testing::Values(kFilePDB, kFil
                          });
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

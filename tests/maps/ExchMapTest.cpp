@@ -4,14 +4,12 @@
 
 #include "base/Failure.h"
 #include "maps/clsExchMap.h"
+#include "support/FailureNumber.h"
 #include "support/TempDir.h"
 
-namespace hifx {
+namespace hifx::test {
 namespace {
 
-using test::ReadBytes;
-using test::TempDir;
-using test::WriteBytes;
 using Change = std::function<void(clsExchMap&)>;
 
 // The fields' names joined by ",", all or only the required ones.
@@ -22,19 +20,6 @@ std::string Names(const clsExchMap& map, bool requiredOnly = false) {
     names += (names.empty() ? "" : ",") + map.FieldName(i);
   }
   return names;
-}
-
-int FailureNumber(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const Failure& failure) {
-    return failure.Number();
-  }
-  return 0;
-}
-
-size_t FilesIn(const TempDir& dir) {
-  return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(dir.path()), {}));
 }
 
 // ---- catalogues and properties -------------------------------------------
@@ -194,7 +179,7 @@ TEST(MapFile, SaveWritesEveryOptionsLineAndReloadsInTheUsesTerms) {
             "MeterTagNbr=1,4,,,0\r\nCurReading=13,8,R,Z,0\r\nReadingDate=21,8,L,B,24\r\n"
             "ReadingTime=29,4,R,Z,40\r\nTamperCount=C,7\r\nUtilityCode=P\r\nPrvReading=A\r\n"
             "MaxReading=N\r\nLstReadingDate=N\r\n");
-  EXPECT_EQ(FilesIn(dir), 1u) << "no temporary file is left behind";
+  EXPECT_EQ(FilesIn(dir.path()), 1u) << "no temporary file is left behind";
 
   clsExchMap map(dir.path());
   ASSERT_TRUE(map.LoadMap("Orphans.hom", kUseOrphan));
@@ -227,7 +212,7 @@ TEST(MapFile, FailuresOfSaveLoadAndDelete) {
   EXPECT_FALSE(map.LoadMap("Busy.hcm", kUseRoute));
   EXPECT_NE(FailureNumber([&] { map.SaveMap(); }), 0);
   EXPECT_EQ(FailureNumber([&] { map.DeleteMap(); }), fail::kFileNotFound);
-  EXPECT_EQ(FilesIn(dir), 2u);
+  EXPECT_EQ(FilesIn(dir.path()), 2u);
 
   map.NewMap("Gone.hcm", kUseRoute);
   ASSERT_TRUE(map.SaveMap());
@@ -369,4 +354,4 @@ TEST(ValidateMap, CollectsEveryFieldsMessageUnderOneHeading) {
 }
 
 }  // namespace
-}  // namespace hifx
+}  // namespace hifx::test

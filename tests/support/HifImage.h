@@ -1,24 +1,19 @@
-// Files of given records: written through clsHIF, and the bytes such a file
-// must have, built straight from the two container layouts so that a test can
-// compare a written file with them byte for byte.
+// Files of given records: written through clsHIF, field by field or as they
+// are, and the bytes such a file must have, built straight from the two
+// container layouts so that a test can compare a written file with them byte
+// for byte.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hif/clsHIF.h"
+#include "support/TempDir.h"
 
 namespace hifx::test {
-
-inline std::string BigEndian(uint32_t value, int width) {
-  std::string bytes;
-  for (int shift = (width - 1) * 8; shift >= 0; shift -= 8) {
-    bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
-  }
-  return bytes;
-}
 
 // A PDB HIF: the 78-byte header, a table of `slots` slots, the records.
 inline std::string PdbImage(uint32_t slots, const std::vector<std::string>& records) {
@@ -52,6 +47,40 @@ inline std::string HifImage(int32_t fileType, uint32_t slots,
                             const std::vector<std::string>& records) {
   return fileType == kFilePDB ? PdbImage(slots, records) : VfsImage(records);
 }
+
+// One field of a record being written: a number or a text.
+struct Field {
+  Field(std::string n, int32_t number) : name(std::move(n)), value(Value::Long(number)) {}
+  Field(std::string n, const char* text) : name(std::move(n)), value(Value(text)) {}
+  Field(std::string n, std::string text) : name(std::move(n)), value(Value(std::move(text))) {}
+  std::string name;
+  Value value;
+};
+
+// Writes schema records to a new file, each from the fields it names (the
+// rest zero), keeping every record's bytes in file order.
+class HifWriter {
+ public:
+  HifWriter(IShell& shell, const std::filesystem::path& path, int16_t version = 3, int32_t fileType = kFilePDB,
+            int32_t slots = 100)
+      : hif(shell) {
+    hif.SetVersion(version);
+    hif.CreateHIF(path, fileType, slots);
+  }
+  void Add(std::initializer_list<Field> fields) {
+    hif.AddNew();
+    for (const Field& f : fields) hif.SetItem(f.name, f.value);
+    Write();
+  }
+  // Writes the record as it stands: one built through hif.
+  void Write() {
+    records.push_back(hif.RawData());
+    hif.WriteData();
+  }
+
+  clsHIF hif;
+  std::vector<std::string> records;
+};
 
 // Writes the records, as they are, to a new file of that container.
 inline void WriteRecords(IShell& shell, const std::filesystem::path& path, int32_t fileType,

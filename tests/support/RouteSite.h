@@ -70,6 +70,12 @@ class RouteSite {
     WriteBytes(dir / (name + ".hcm"), text);
   }
 
+  // The source's lines, converted through a map of the fixed test layout.
+  void Fixed(const std::vector<std::string>& lines) {
+    Map(FixedLayout());
+    Source(lines);
+  }
+
   void Source(const std::vector<std::string>& lines) {
     std::string text;
     for (const auto& line : lines) text += line + "\r\n";
@@ -85,6 +91,14 @@ class RouteSite {
     if (hif.OpenHIF(dir / file)) return records;
     while (hif.ReadData()) records.push_back(hif.GetValues());
     return records;
+  }
+
+  std::vector<KeyedCollection<Value>> Meters() {
+    std::vector<KeyedCollection<Value>> meters;
+    for (auto& r : Records()) {
+      if (r.Item("RecType").ToInt32() == kRecMeter) meters.push_back(std::move(r));
+    }
+    return meters;
   }
 
   std::vector<std::string> RawRecords(const std::string& file = "route.pdb") {

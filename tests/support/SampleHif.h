@@ -6,81 +6,48 @@
 #include <string>
 #include <vector>
 
-#include "hif/clsHIF.h"
+#include "support/HifImage.h"
 
 namespace hifx::test {
 
 // Writes the file and returns the bytes of each record in file order.
-inline std::vector<std::string> WriteSampleHif(IShell& shell, const std::filesystem::path& path,
-                                               int32_t fileType, int16_t version = 3) {
-  std::vector<std::string> records;
-  clsHIF hif(shell);
-  hif.SetVersion(version);
-  hif.CreateHIF(path, fileType, 10);
-  auto write = [&] {
-    records.push_back(hif.RawData());
-    hif.WriteData();
-  };
-  hif.AddNew();
-  hif.SetItem("RecType", Value::Long(kRecFileHeader));
-  hif.SetItem("RouteNbr", Value::Long(2));
-  hif.SetItem("Sequence", Value::Long(20240229));
-  hif.SetItem("MeterTagNbr", Value::Long(1305));
-  hif.SetItem("MeterType", Value::Long(version));
-  hif.SetItem("PrvReading", Value::Long(3));
-  hif.SetItem("ReadingDate", Value::Long(20240229));
-  hif.SetItem("Initials", Value("HIF loaded from route.txt"));
-  write();
-  for (int route = 1; route <= 2; ++route) {
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecRouteHeader));
-    hif.SetItem("RouteNbr", Value::Long(route));
-    hif.SetItem("PrvReading", Value::Long(route == 1 ? 2 : 1));
-    hif.SetItem("Initials", Value(route == 1 ? "NORTH" : "SOUTH"));
-    hif.SetItem("ResponseText", Value(route == 1 ? "NORTH" : "SOUTH"));
-    write();
+inline std::vector<std::string> WriteSampleHif(IShell& shell, const std::filesystem::path& path, int32_t fileType) {
+  HifWriter w(shell, path, 3, fileType, 10);
+  w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"Sequence", 20240229}, {"MeterTagNbr", 1305},
+         {"MeterType", 3}, {"PrvReading", 3}, {"ReadingDate", 20240229}, {"Initials", "HIF loaded from route.txt"}});
+  for (const auto& [route, meters, name] : {std::tuple{1, 2, "NORTH"}, std::tuple{2, 1, "SOUTH"}}) {
+    w.Add({{"RecType", kRecRouteHeader}, {"RouteNbr", route}, {"PrvReading", meters}, {"Initials", name},
+           {"ResponseText", name}});
   }
   struct Meter {
     int route, sequence, tag;
-    const char* type;
+    char type;
     int previous;
     const char* address;
     const char* name;
   };
-  const Meter meters[] = {{1, 10, 50012345, "W", 1234, "12 MAIN ST", "O'BRIEN, J"},
-                          {1, 20, 50012346, "G", 98765, "14 MAIN ST", "SMITH & CO \xC9"},
-                          {2, 10, 0, "E", 0, "1 OAK AVE", "DOE \"JJ\""}};
-  for (const Meter& m : meters) {
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecMeter));
-    hif.SetItem("RouteNbr", Value::Long(m.route));
-    hif.SetItem("Sequence", Value::Long(m.sequence));
-    hif.SetItem("MeterTagNbr", Value::Long(m.tag));
-    hif.SetItem("MeterType", Value::Long(m.type[0]));
-    hif.SetItem("Digits", Value::Long(5));
-    hif.SetItem("PrvReading", Value::Long(m.previous));
-    hif.SetItem("MaxReading", Value::Long(m.previous + 500));
-    hif.SetItem("MinReading", Value::Long(m.previous + 1));
-    hif.SetItem("ReadType", Value::Long(1));
-    hif.SetItem("LstReadingDate", Value::Long(20240131));
-    hif.SetItem("ServiceAddress", Value(m.address));
-    hif.SetItem("BillingName", Value(m.name));
-    hif.SetItem("MeterSerialNbr", Value("SN" + std::to_string(m.tag)));
-    hif.SetItem("User1", Value("acct~" + std::to_string(m.sequence)));
-    write();
+  for (const Meter& m : {Meter{1, 10, 50012345, 'W', 1234, "12 MAIN ST", "O'BRIEN, J"},
+                         Meter{1, 20, 50012346, 'G', 98765, "14 MAIN ST", "SMITH & CO \xC9"},
+                         Meter{2, 10, 0, 'E', 0, "1 OAK AVE", "DOE \"JJ\""}}) {
+    w.Add({{"RecType", kRecMeter}, {"RouteNbr", m.route}, {"Sequence", m.sequence}, {"MeterTagNbr", m.tag},
+           {"MeterType", m.type}, {"Digits", 5}, {"PrvReading", m.previous}, {"MaxReading", m.previous + 500},
+           {"MinReading", m.previous + 1}, {"ReadType", 1}, {"LstReadingDate", 20240131},
+           {"ServiceAddress", m.address}, {"BillingName", m.name}, {"MeterSerialNbr", "SN" + std::to_string(m.tag)},
+           {"User1", "acct~" + std::to_string(m.sequence)}});
   }
   // A hand-built code record behind the meters: one skip code.
-  hif.DB().AddNew();
-  int16_t at = hif.DB().SetInt16(0, Value::Long(kRecCodes));
-  at = hif.DB().SetInt16(at, Value::Long(0));
-  at = hif.DB().SetInt16(at, Value::Long(0));
-  at = hif.DB().SetInt16(at, Value::Long(1));
-  at = hif.DB().AppendString(at, "DOG", true);
-  at = hif.DB().AppendString(at, "Dog in yard", true);
-  at = hif.DB().AppendString(at, "", true);
-  hif.DB().SetInt16(at, Value::Long(-1));
-  write();
-  return records;
+  clsPalmDB& db = w.hif.DB();
+  db.AddNew();
+  int16_t at = db.SetInt16(0, Value::Long(kRecCodes));
+  at = db.SetInt16(at, Value::Long(0));
+  at = db.SetInt16(at, Value::Long(0));
+  at = db.SetInt16(at, Value::Long(1));
+  at = db.AppendString(at, "DOG", true);
+  at = db.AppendString(at, "Dog in yard", true);
+  at = db.AppendString(at, "", true);
+  db.SetInt16(at, Value::Long(-1));
+  w.Write();
+  return w.records;
 }
 
 }  // namespace hifx::test

@@ -2,10 +2,12 @@
 // contents when the test ends; and small file helpers.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace hifx::test {
 
@@ -62,6 +64,36 @@ inline std::string Hex(const std::string& text) {
     }
   }
   return out;
+}
+
+// A number as `width` big-endian bytes, and the number such bytes hold.
+inline std::string BigEndian(uint32_t value, int width) {
+  std::string bytes;
+  for (int shift = (width - 1) * 8; shift >= 0; shift -= 8) bytes.push_back(static_cast<char>((value >> shift) & 0xFF));
+  return bytes;
+}
+
+inline uint32_t BigEndianAt(const std::string& bytes, size_t at, int width) {
+  uint32_t value = 0;
+  for (int k = 0; k < width; ++k) value = value << 8 | static_cast<uint8_t>(bytes.at(at + static_cast<size_t>(k)));
+  return value;
+}
+
+// The lines of a text, each without its CR LF.
+inline std::vector<std::string> CrLfLines(const std::string& text) {
+  std::vector<std::string> lines;
+  for (size_t at = 0; at < text.size();) {
+    const size_t end = text.find("\r\n", at);
+    lines.push_back(text.substr(at, end - at));
+    if (end == std::string::npos) break;
+    at = end + 2;
+  }
+  return lines;
+}
+
+// The number of entries in a folder.
+inline size_t FilesIn(const std::filesystem::path& folder) {
+  return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
 }
 
 }  // namespace hifx::test

@@ -2,6 +2,7 @@
 // and answers questions from a script (the default answer when it runs out).
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <string>
 #include <vector>
@@ -66,6 +67,12 @@ class TestShell final : public IShell {
     values = promptValues;
     values.resize(fields.size());
     return true;
+  }
+
+  // How often the line was logged; the last n lines logged.
+  size_t Logged(const std::string& line) const { return static_cast<size_t>(std::count(log.begin(), log.end(), line)); }
+  std::vector<std::string> Tail(size_t n) const {
+    return {log.end() - static_cast<std::ptrdiff_t>(std::min(n, log.size())), log.end()};
   }
 
   std::vector<std::string> log;
