@@ -187,7 +187,7 @@ struct ReadMeter {
   int route = 1;
   int status = 1, readType = 2, reading = 0, decimals = 0, meterType = 1, response = 0;
   std::string serial = "M1";
-  std::string user2;
+  std::string user2 = "";
   int recType = 2;
 };
 
