@@ -68,7 +68,16 @@ class TestShell final : public IShell {
     return true;
   }
 
+  // The report status window: every text shown; abortReports answers each
+  // with an abort.
+  bool ReportStatus(std::string_view text) override {
+    statuses.emplace_back(text);
+    return abortReports;
+  }
+
   std::vector<std::string> log;
+  std::vector<std::string> statuses;
+  bool abortReports = false;
   std::vector<std::pair<int32_t, int32_t>> progress;
   std::vector<Question> questions;
   std::deque<MsgAnswer> answers;
