@@ -175,8 +175,15 @@ void clsReport::PrintRow(float& height) {
     height = -1;
     return;
   }
+  // Code and index records have a layout of their own: only their RecType
+  // is read.
+  const int32_t recType = NumberOf(hif_->Item("RecType"));
+  if (recType != kRecFileHeader && recType != kRecRouteHeader && recType != kRecRouteHeaderAlt &&
+      recType != kRecMeter && recType != kRecOrphan) {
+    height = 0;
+    return;
+  }
   KeyedCollection<Value> values = hif_->GetValues();
-  const int32_t recType = Number(values, "RecType");
   if (recType == kRecFileHeader) {
     // Here RouteNbr counts the routes.
     routeCount_ = Number(values, "RouteNbr");
@@ -189,10 +196,6 @@ void clsReport::PrintRow(float& height) {
   if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
     const int32_t route = Number(values, "RouteNbr");
     if (route >= 0 && route <= routeCount_) initials_[route] = TextOf(Field(values, "Initials"));
-    height = 0;
-    return;
-  }
-  if (recType != kRecMeter && recType != kRecOrphan) {
     height = 0;
     return;
   }
