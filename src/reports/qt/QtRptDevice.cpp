@@ -63,14 +63,18 @@ struct QtSurface::Impl {
   bool raster;  // raster operations work on images only
   bool ended = false;
 
+  // A font with the advance of each of the 256 characters, measured once:
+  // a text's width is their sum, as nothing is kerned.
   struct Measured {
     QFont font;
     QFontMetricsF metrics;
+    std::array<double, 256> advance{};
   };
   using Key = std::tuple<std::string, float, bool, bool, bool>;
   mutable std::map<Key, std::unique_ptr<Measured>> fonts;
   mutable const Measured* last = nullptr;
   mutable RptFont lastFont;
+  const Measured* painted = nullptr;  // the painter's font
 
   Impl(QPaintDevice& d, QPagedPaintDevice* p) : device(d), paged(p), raster(d.devType() == QInternal::Image) {}
 
@@ -83,7 +87,12 @@ struct QtSurface::Impl {
       font.setBold(f.bold);
       font.setItalic(f.italic);
       font.setUnderline(f.underline);
+      font.setKerning(false);
       slot = std::make_unique<Measured>(Measured{font, QFontMetricsF(font, &device)});
+      for (int c = 0; c < 256; ++c) {
+        const char byte = static_cast<char>(c);
+        slot->advance[static_cast<size_t>(c)] = slot->metrics.horizontalAdvance(FromCodePage(std::string_view(&byte, 1)));
+      }
     }
     last = slot.get();
     lastFont = f;
@@ -93,6 +102,7 @@ struct QtSurface::Impl {
   QPainter& Painter() {
     if (!painter.isActive() && !ended) {
       painter.begin(&device);
+      painted = nullptr;
       painter.setRenderHint(QPainter::Antialiasing, false);
     }
     return painter;
@@ -125,17 +135,24 @@ double QtSurface::PageWidthPixels() const { return impl_->device.width(); }
 double QtSurface::PageHeightPixels() const { return impl_->device.height(); }
 
 double QtSurface::MeasureText(std::string_view line) const {
-  return impl_->For(Font()).metrics.horizontalAdvance(FromCodePage(line));
+  const auto& advance = impl_->For(Font()).advance;
+  double width = 0;
+  for (const char c : line) width += advance[static_cast<unsigned char>(c)];
+  return width;
 }
 
 double QtSurface::LineHeightPixels() const { return impl_->For(Font()).metrics.lineSpacing(); }
 
 void QtSurface::PaintText(double x, double y, std::string_view line) {
+  if (line.empty()) return;
   const auto& measured = impl_->For(Font());
   QPainter& p = impl_->Painter();
   p.setCompositionMode(QPainter::CompositionMode_SourceOver);
   p.setPen(Qt::black);
-  p.setFont(measured.font);
+  if (impl_->painted != &measured) {
+    p.setFont(measured.font);
+    impl_->painted = &measured;
+  }
   p.drawText(QPointF(x, y + measured.metrics.ascent()), FromCodePage(line));
 }
 
