@@ -4,7 +4,8 @@
 # example route file into a route HIF and shows what it holds, fills it with
 # readings as a handheld does, and converts the readings into the billing
 # file, the orphan file and the re-read file; then the same road for the MVRS
-# example route file.
+# example route file; last, the Reading and Exception reports of the
+# readings as PDF files.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -54,3 +55,7 @@ build/default/tools/fill_readings "$out/mvrs-route.pdb" "$out/mvrs-reading.pdb" 
 $hifx reading --source "$out/mvrs-reading.pdb" --dest "$out/mvrs-reading.dat" --map Mvrs --no-orphans --no-reread
 echo "== $out/mvrs-reading.dat"
 cat "$out/mvrs-reading.dat"
+
+echo "== hifx report --type reading,exception --pdf $out/report.pdf $out/reading.pdb"
+$hifx report --type reading,exception --pdf "$out/report.pdf" "$out/reading.pdb"
+ls -l "$out/report-reading.pdf" "$out/report-exception.pdf"
