@@ -53,7 +53,7 @@ bool ParseTypes(const std::string& list, int32_t& mask, std::string& problem) {
 
 // OUT itself for one report; for several, the type's word behind the name:
 // out.pdf gives out-exception.pdf, out-reading.pdf, ...
-std::filesystem::path ReportFileName(const std::filesystem::path& out, const char* word, bool several) {
+[[maybe_unused]] std::filesystem::path ReportFileName(const std::filesystem::path& out, const char* word, bool several) {
   if (!several) return out;
   std::filesystem::path file = out;
   file.replace_filename(out.stem().string() + "-" + word + out.extension().string());

@@ -8,7 +8,7 @@
 #include <map>
 
 #include "reports/clsReport.h"
-#include "support/RecordingPrinters.h"
+#include "reports/RecordingDevice.h"
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
@@ -16,7 +16,6 @@
 namespace hifx {
 namespace {
 
-using test::RecordingPrinters;
 using test::TempDir;
 using test::TestShell;
 

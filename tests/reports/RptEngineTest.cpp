@@ -7,13 +7,12 @@
 #include <cmath>
 
 #include "reports/RptEngine.h"
-#include "support/RecordingPrinters.h"
+#include "reports/RecordingDevice.h"
 #include "support/TestShell.h"
 
 namespace hifx {
 namespace {
 
-using test::RecordingPrinters;
 using test::TestShell;
 
 struct RptEngineTest : ::testing::Test {
