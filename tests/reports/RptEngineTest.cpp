@@ -199,6 +199,28 @@ TEST_F(PrintElementsTest, ShapesAndTheirExtent) {
   EXPECT_FLOAT_EQ(used, 0.75f);
 }
 
+TEST_F(PrintElementsTest, ValuesByKind) {
+  auto picture = std::make_shared<RptPicture>(RptPicture{2, 1, 50.0, {0xFF000000u, 0xFFFFFFFFu}});
+  auto box = std::make_shared<RptPictureBox>(RptPictureBox{*picture});
+  clsPrintElement formatted = MakeElement(0, 0, Value::Double(3.14159), kJustifyLeft, 0, {}, 0, 0, "000.00");
+  clsPrintElement dated = MakeElement(0, 0, Value::Date(DateSerial(2024, 3, 9)));
+  clsPrintElement stretched = MakeElement(1.0f, 0, std::shared_ptr<const RptPicture>(picture));
+  stretched.Width = 0.5f;
+  stretched.Height = 0.25f;
+  Print({MakeElement(0, 0, Value::Null(), kJustifyLeft, 0, "n/a"), formatted, dated,
+         MakeElement(1.0f, 0, std::shared_ptr<const RptPicture>(picture)), stretched,
+         MakeElement(2.0f, 0, std::shared_ptr<const RptPictureBox>(box))});
+  EXPECT_EQ(Device().Texts(), (std::vector<std::string>{"003.14", "3/9/2024"}));
+  std::vector<std::array<double, 4>> pictures;
+  for (const auto& c : Device().calls) {
+    if (c.kind == RptCall::Picture) pictures.push_back({c.x1, c.y1, c.x2, c.y2});
+  }
+  // Natural size (2 by 1 pixels at 50 an inch), stretched, and the box's
+  // pixels copied one for one.
+  const std::vector<std::array<double, 4>> expected = {{150, 50, 4, 2}, {150, 50, 50, 25}, {250, 50, 2, 1}};
+  EXPECT_EQ(pictures, expected);
+}
+
 TEST_F(RptEngineTest, WraptoWidth) {
   engine.OutputDevice = static_cast<IRptDevice*>(&Device());
   engine.SetPrintEvent([](int16_t, int16_t, float& height) { height = -1; });
