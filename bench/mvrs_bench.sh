@@ -7,16 +7,8 @@
 #
 #   bench/mvrs_bench.sh [RUNS]
 set -euo pipefail
-cd "$(dirname "$0")/.."
 runs="${1:-5}"
-cmake --preset release >/dev/null
-cmake --build --preset release -j2 --target hifx fill_readings >/dev/null
-hifx=build/release/src/hifx
-
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-site=(--site "$work/site")
-"$hifx" "${site[@]}" dist load examples/site.dst 2>/dev/null
+source "$(dirname "$0")/common.sh"
 
 awk -v meters=32767 -f bench/mvrs_route.awk > "$work/route.dat"
 echo "route file: $(wc -l < "$work/route.dat") lines, $(du -k "$work/route.dat" | cut -f1) KB"

@@ -5,7 +5,7 @@
 # Exits non-zero when a fuzzer finds a crash, a leak, a timeout or a memory
 # blow-up; the input that did it is left in build/fuzz/artifacts/NAME/.
 #
-#   fuzz/run.sh [SECONDS] [NAME]...      NAME: hif_read map_load dist_load route_flat reading route_mvrs e5k_read
+#   fuzz/run.sh [SECONDS] [NAME]...      NAME: hif_read map_load dist_load route_flat reading route_mvrs e5k_read report
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,7 +15,7 @@ case "$seconds" in
   ''|*[!0-9]*) echo "usage: fuzz/run.sh [SECONDS] [NAME]..." >&2; exit 2 ;;
 esac
 names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(hif_read map_load dist_load route_flat reading route_mvrs e5k_read)
+[ ${#names[@]} -gt 0 ] || names=(hif_read map_load dist_load route_flat reading route_mvrs e5k_read report)
 
 cmake --preset fuzz >/dev/null
 targets=()

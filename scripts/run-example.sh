@@ -4,7 +4,8 @@
 # example route file into a route HIF and shows what it holds, fills it with
 # readings as a handheld does, and converts the readings into the billing
 # file, the orphan file and the re-read file; then the same road for the MVRS
-# example route file and the E5000 example download.
+# example route file and the E5000 example download; last, the Reading and
+# Exception reports of the readings as PDF files.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -64,3 +65,6 @@ $hifx reading --source "$out/e5000-reading.pdb" --dest "$out/e5000-upload.txt" -
 echo "== $out/e5000-upload.txt"
 cat "$out/e5000-upload.txt"
 
+echo "== hifx report --type reading,exception --pdf $out/report.pdf $out/reading.pdb"
+$hifx report --type reading,exception --pdf "$out/report.pdf" "$out/reading.pdb"
+ls -l "$out/report-reading.pdf" "$out/report-exception.pdf"

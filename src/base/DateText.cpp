@@ -149,20 +149,6 @@ std::string FormatDateValue(double serial, std::string_view pattern) {
   return out;
 }
 
-std::string FormatZeros(int64_t value, int digits) {
-  char buf[32];
-  char* at = buf + sizeof buf;
-  uint64_t n = value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
-  int written = 0;
-  do {
-    *--at = static_cast<char>('0' + n % 10);
-    n /= 10;
-    ++written;
-  } while ((n > 0 || written < digits) && at > buf + 1);
-  if (value < 0) *--at = '-';
-  return std::string(at, buf + sizeof buf);
-}
-
 std::string FormatZeros(double value, int digits, int decimals) {
   if (!std::isfinite(value)) value = 0.0;
   decimals = std::max(decimals, 0);

@@ -22,7 +22,5 @@ std::string FormatDateValue(double serial, std::string_view pattern);
 // A number padded with leading zeros to at least `digits` digits, with
 // `decimals` places behind a point; halves round away from zero.
 std::string FormatZeros(double value, int digits, int decimals = 0);
-// A whole number padded with leading zeros to at least `digits` digits.
-std::string FormatZeros(int64_t value, int digits);
 
 }  // namespace hifx

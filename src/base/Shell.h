@@ -54,6 +54,12 @@ class IShell {
     (void)units;
     return {};
   }
+  // The status window of a report run: shows the text, or closes the window
+  // when the text is empty. True when the person has asked to abort.
+  virtual bool ReportStatus(std::string_view text) {
+    (void)text;
+    return false;
+  }
   // A line of text from the person, or nothing for Cancel.
   virtual std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
                                               std::string_view defaultValue) {

@@ -55,5 +55,6 @@ int RunReRead(Context& context, const Args& args);
 int RunReading(Context& context, const Args& args);
 int RunUsers(Context& context, const Args& args);
 int RunInstall(Context& context, const Args& args);
+int RunReport(Context& context, const Args& args);
 
 }  // namespace hifx::cli

@@ -31,7 +31,9 @@ constexpr const char* kUsage =
     "  route [--source F] [--dest F] [--map NAME] [--format PDB|PRC|VFS]   route conversion\n"
     "  reread [--source F] [--dest F] [--map NAME] [--format PDB|PRC|VFS]  re-read conversion\n"
     "  reading [--source F] [--dest F] [--map NAME] [--orphans F] [--orphan-map NAME]\n"
-    "          [--orphan-replace | --orphan-append] [--reread F] [--no-orphans] [--no-reread]\n";
+    "          [--orphan-replace | --orphan-append] [--reread F] [--no-orphans] [--no-reread]\n"
+    "  report --type reading|exception|missed|orphan[,...] (--pdf OUT | --printer NAME) [--title T] FILE\n"
+    "                            the meter reports of a reading HIF; several types: one file each\n";
 
 std::filesystem::path DefaultSite() {
   if (const char* site = std::getenv("HIFX_SITE"); site != nullptr && *site != '\0') return site;
@@ -59,6 +61,7 @@ const std::map<std::string, Command>& Commands() {
       {"reading", RunReading},
       {"users", RunUsers},
       {"install", RunInstall},
+      {"report", RunReport},
   };
   return commands;
 }

@@ -21,6 +21,15 @@ inline std::string TrimRight(std::string_view s) {
   return std::string(s);
 }
 
+// Every occurrence of `from`, left to right, replaced by `to`; what a
+// replacement puts in is not searched again.
+inline void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
+  if (from.empty()) return;
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+}
+
 // A field's value as a whole number: empty and null as 0, a text by its
 // leading number.
 inline int32_t NumberOf(const Value& v) {

@@ -14,13 +14,6 @@ std::string Upper(std::string text) {
   return text;
 }
 
-void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
-  if (from.empty()) return;
-  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
-  }
-}
-
 std::vector<std::string> Split(const std::string& text, const std::string& delimiter) {
   std::vector<std::string> pieces;
   if (delimiter.empty()) {

@@ -452,7 +452,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
         line.SetValue("ReadOrder", Value::Long(1));
         line.SetValue("ReadDate", Value(meter.ReadDate == 0.0 ? std::string("00000000")
                                                               : FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
-        line.SetValue("ReadTime", Value(FormatZeros(int64_t{meter.ReadTimeNumber}, 6)));
+        line.SetValue("ReadTime", Value(FormatZeros(meter.ReadTimeNumber, 6)));
         if (status == 0) {
           line.SetValue("ReadCode", Value(readType == 4 || (readType == 2 && meter.CurReading == 0) ? "S" : " "));
         } else if (readType == 0) {

@@ -74,8 +74,16 @@ class TestShell final : public IShell {
   std::vector<std::string> Tail(size_t n) const {
     return {log.end() - static_cast<std::ptrdiff_t>(std::min(n, log.size())), log.end()};
   }
+  // The report status window: every text shown; abortReports answers each
+  // with an abort.
+  bool ReportStatus(std::string_view text) override {
+    statuses.emplace_back(text);
+    return abortReports;
+  }
 
   std::vector<std::string> log;
+  std::vector<std::string> statuses;
+  bool abortReports = false;
   std::vector<std::pair<int32_t, int32_t>> progress;
   std::vector<Question> questions;
   std::deque<MsgAnswer> answers;

@@ -1,0 +1,34 @@
+# Sourced by the benchmark scripts: builds hifx and fill_readings in Release,
+# and gives a scratch folder ($work, removed on exit) with the example site
+# loaded ($hifx, ${site[@]}).
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cmake --preset release >/dev/null
+cmake --build --preset release -j2 --target hifx fill_readings >/dev/null
+hifx=build/release/src/hifx
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+site=(--site "$work/site")
+"$hifx" "${site[@]}" dist load examples/site.dst 2>/dev/null
+
+# Makes $work/reading.pdb: a generated route file of 32,600 meters in 100
+# routes, converted without indexes (the file must stay within 32,767
+# records) and filled by fill_readings with seed 7.
+make_big_reading() {
+  printf 'DIST 1.0\r\n[REGISTRY]\r\nToken:\r\n> IndexControl = "0"\r\n' > "$work/noindex.dst"
+  "$hifx" "${site[@]}" dist load "$work/noindex.dst" 2>/dev/null
+  "$hifx" "${site[@]}" settings set RouteSource "$work/route.txt" >/dev/null
+  awk 'BEGIN {
+    for (i = 0; i < 32600; i++) {
+      printf "%04d%06d%08d%s%d%d%010d%010d%010d%s%08d%02d%-30s%-30s%-12s%-12s%-30s%-10s\r\n",
+        int(i / 326) + 1, i % 326 + 1, 1000000 + i, "W", 6, 0, i * 7 % 900000, i * 7 % 900000 + 5000,
+        i * 7 % 900000 + 1, "R", 20240131, 1, sprintf("%d MAIN ST", i % 997 + 1),
+        sprintf("CUSTOMER %d", i), sprintf("AC%08d", i), sprintf("SN%08d", i), "", sprintf("U%d", i)
+    }
+  }' > "$work/route.txt"
+  "$hifx" "${site[@]}" route --dest "$work/route.pdb" >/dev/null < /dev/null || true
+  build/release/tools/fill_readings "$work/route.pdb" "$work/reading.pdb" --seed 7 >/dev/null
+  local count
+  count=$(od -An -tu1 -j76 -N2 "$work/reading.pdb" | awk '{print $1 * 256 + $2}')
+  echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $count records"
+}

@@ -1,0 +1,75 @@
+// The four meter reports of a reading file: Reading, Exception, Missed and
+// Orphan. One layout and one pass over the file; the report type says which
+// rows print, and several types can be printed together as their sum.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "base/Clock.h"
+#include "base/Shell.h"
+#include "base/UserSettings.h"
+#include "hif/clsHIF.h"
+#include "reports/RptEngine.h"
+
+namespace hifx {
+
+// Report type bits; bit 1 asks for a preview.
+enum ReportType : int32_t {
+  kReportPreview = 1,
+  kReportException = 2,
+  kReportReading = 4,
+  kReportOrphan = 8,
+  kReportMissed = 16,
+};
+
+// The report's name as the main window titles it: "Reading Report", ...
+std::string ReportTitle(int32_t reportType);
+
+class clsReport {
+ public:
+  clsReport(IShell& shell, const IClock& clock, IRptPrinters& printers, IUserSettings& settings);
+
+  void Init(RptOutputDevice Device) { engine_.OutputDevice = std::move(Device); }
+  std::string Tray() const { return std::to_string(tray_); }
+  void SetTray(std::string_view tray);
+
+  // Prints the report of the reading file; false when the file can't be
+  // read (and said so in the log) or the run was cancelled.
+  bool Begin(bool Preview, const std::filesystem::path& HIFPath, int32_t ReportType,
+             const std::string& Title);
+
+  RptEngine& Engine() { return engine_; }
+  // Read from the per-user settings at each Begin; nothing moves by them.
+  double AdjustX = 0;
+  double AdjustY = 0;
+
+ private:
+  void p_PrintEvent(int16_t code, int16_t level, float& height);
+  void BuildArrays();
+  void PrintRow(float& height);
+
+  IShell& shell_;
+  const IClock& clock_;
+  IUserSettings& settings_;
+  IRptPrinters& printers_;
+  RptEngine engine_;
+  int16_t tray_ = 0;
+  int32_t reportType_ = 0;
+  std::unique_ptr<clsHIF> hif_;
+  float lineHeight_ = 0;
+  RptElements pageHeader_;
+  RptElements pageFooter_;
+  RptElements unitHeader_;
+  RptElements detail_;
+  // Readers' initials by route number; routes outside 1 to routeCount_ are
+  // not kept.
+  std::unordered_map<int32_t, std::string> initials_;
+  int32_t routeCount_ = 0;
+  bool unitHeaderDue_ = false;
+};
+
+}  // namespace hifx

@@ -1,0 +1,312 @@
+#include "reports/qt/QtRptDevice.h"
+
+#include <QtCore/QSettings>
+#include <QtGui/QFont>
+#include <QtGui/QFontMetricsF>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QImage>
+#include <QtGui/QPageLayout>
+#include <QtGui/QPageSize>
+#include <QtGui/QPainter>
+#include <QtGui/QPdfWriter>
+#include <QtPrintSupport/QPrinter>
+#include <QtPrintSupport/QPrinterInfo>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <tuple>
+
+namespace hifx {
+namespace {
+
+// Windows-1252 from 0x80 to 0x9F; the rest of the code page is Latin-1.
+constexpr std::array<char16_t, 32> kCp1252High = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+QString FromCodePage(std::string_view text) {
+  QString out(static_cast<qsizetype>(text.size()), Qt::Uninitialized);
+  QChar* to = out.data();
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    *to++ = QChar(byte >= 0x80 && byte < 0xA0 ? kCp1252High[byte - 0x80] : char16_t{byte});
+  }
+  return out;
+}
+
+QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+}  // namespace
+
+QtReportSession::QtReportSession() {
+  if (QGuiApplication::instance() != nullptr) return;
+  // Qt's notes about a headless session (no runtime folder, no window
+  // system) are no concern of a report; its errors still show.
+  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "%s\n", qPrintable(message));
+  });
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  static int argc = 1;
+  static char name[] = "hifx";
+  static char* argv[] = {name, nullptr};
+  app_ = std::make_unique<QGuiApplication>(argc, argv);
+}
+
+QtReportSession::~QtReportSession() = default;
+
+struct QtSurface::Impl {
+  QPaintDevice& device;
+  QPagedPaintDevice* paged;
+  QPainter painter;
+  bool raster;  // raster operations work on images only
+  bool ended = false;
+
+  // A font with the advance of each of the 256 characters, measured once:
+  // a text's width is their sum, as nothing is kerned.
+  struct Measured {
+    QFont font;
+    QFontMetricsF metrics;
+    std::array<double, 256> advance{};
+  };
+  using Key = std::tuple<std::string, float, bool, bool, bool>;
+  mutable std::map<Key, std::unique_ptr<Measured>> fonts;
+  mutable const Measured* last = nullptr;
+  mutable RptFont lastFont;
+  const Measured* painted = nullptr;  // the painter's font
+
+  Impl(QPaintDevice& d, QPagedPaintDevice* p) : device(d), paged(p), raster(d.devType() == QInternal::Image) {}
+
+  const Measured& For(const RptFont& f) const {
+    if (last != nullptr && lastFont == f) return *last;
+    auto& slot = fonts[Key{f.name, f.size, f.bold, f.italic, f.underline}];
+    if (!slot) {
+      QFont font(ToQString(f.name));
+      font.setPointSizeF(f.size > 0 ? f.size : 1.0);
+      font.setBold(f.bold);
+      font.setItalic(f.italic);
+      font.setUnderline(f.underline);
+      font.setKerning(false);
+      slot = std::make_unique<Measured>(Measured{font, QFontMetricsF(font, &device)});
+      for (int c = 0; c < 256; ++c) {
+        const char byte = static_cast<char>(c);
+        slot->advance[static_cast<size_t>(c)] = slot->metrics.horizontalAdvance(FromCodePage(std::string_view(&byte, 1)));
+      }
+    }
+    last = slot.get();
+    lastFont = f;
+    return *slot;
+  }
+
+  QPainter& Painter() {
+    if (!painter.isActive() && !ended) {
+      painter.begin(&device);
+      painted = nullptr;
+      painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+    return painter;
+  }
+
+  void Pen(int16_t drawMode) {
+    QPainter& p = Painter();
+    QPen pen(Qt::black);
+    // A printer's one-pixel line would be a hairline at PDF resolution.
+    pen.setWidthF(std::max(1.0, device.logicalDpiX() / 300.0));
+    p.setPen(pen);
+    if (!raster) return;
+    switch (drawMode) {
+      case kDrawNotMergePen: p.setCompositionMode(QPainter::RasterOp_NotSourceAndNotDestination); break;
+      case kDrawNotXorPen: p.setCompositionMode(QPainter::RasterOp_NotSourceXorDestination); break;
+      default: p.setCompositionMode(QPainter::CompositionMode_SourceOver); break;
+    }
+  }
+};
+
+QtSurface::QtSurface(QPaintDevice& device, QPagedPaintDevice* paged)
+    : impl_(std::make_unique<Impl>(device, paged)) {}
+
+QtSurface::~QtSurface() {
+  if (impl_->painter.isActive()) impl_->painter.end();
+}
+
+double QtSurface::DotsPerInch() const { return impl_->device.logicalDpiX(); }
+double QtSurface::PageWidthPixels() const { return impl_->device.width(); }
+double QtSurface::PageHeightPixels() const { return impl_->device.height(); }
+
+double QtSurface::MeasureText(std::string_view line) const {
+  const auto& advance = impl_->For(Font()).advance;
+  double width = 0;
+  for (const char c : line) width += advance[static_cast<unsigned char>(c)];
+  return width;
+}
+
+double QtSurface::LineHeightPixels() const { return impl_->For(Font()).metrics.lineSpacing(); }
+
+void QtSurface::PaintText(double x, double y, std::string_view line) {
+  if (line.empty()) return;
+  const auto& measured = impl_->For(Font());
+  QPainter& p = impl_->Painter();
+  p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+  p.setPen(Qt::black);
+  if (impl_->painted != &measured) {
+    p.setFont(measured.font);
+    impl_->painted = &measured;
+  }
+  p.drawText(QPointF(x, y + measured.metrics.ascent()), FromCodePage(line));
+}
+
+void QtSurface::PaintLine(double x1, double y1, double x2, double y2) {
+  impl_->Pen(DrawMode());
+  impl_->painter.drawLine(QPointF(x1, y1), QPointF(x2, y2));
+}
+
+void QtSurface::PaintFill(double x, double y, double width, double height) {
+  impl_->Pen(DrawMode());
+  impl_->painter.fillRect(QRectF(x, y, width, height), Qt::black);
+}
+
+void QtSurface::PaintImage(const RptPicture& picture, double x, double y, double width, double height) {
+  if (picture.width <= 0 || picture.height <= 0 ||
+      picture.pixels.size() < static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height)) {
+    return;
+  }
+  const QImage image(reinterpret_cast<const uchar*>(picture.pixels.data()), picture.width, picture.height,
+                     picture.width * 4, QImage::Format_ARGB32);
+  QPainter& p = impl_->Painter();
+  p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+  p.drawImage(QRectF(x, y, width, height), image);
+}
+
+void QtSurface::NewPage() {
+  if (impl_->paged == nullptr) return;
+  impl_->Painter();
+  impl_->paged->newPage();
+}
+
+void QtSurface::EndDoc() {
+  impl_->Painter();
+  impl_->painter.end();
+  impl_->ended = true;
+}
+
+namespace {
+
+std::unique_ptr<QImage> WhiteImage(double widthInches, double heightInches, double dotsPerInch) {
+  auto image = std::make_unique<QImage>(static_cast<int>(widthInches * dotsPerInch),
+                                        static_cast<int>(heightInches * dotsPerInch), QImage::Format_RGB32);
+  const int dotsPerMeter = static_cast<int>(dotsPerInch / 0.0254 + 0.5);
+  image->setDotsPerMeterX(dotsPerMeter);
+  image->setDotsPerMeterY(dotsPerMeter);
+  image->fill(Qt::white);
+  return image;
+}
+
+}  // namespace
+
+QtImageDevice::QtImageDevice(double widthInches, double heightInches, double dotsPerInch)
+    : QtImageDevice(WhiteImage(widthInches, heightInches, dotsPerInch)) {}
+
+QtImageDevice::QtImageDevice(std::unique_ptr<QImage> image) : QtSurface(*image, nullptr), image_(std::move(image)) {}
+
+QtImageDevice::~QtImageDevice() { EndDoc(); }
+
+bool QtImageDevice::SavePng(const std::filesystem::path& path) {
+  EndDoc();
+  return image_->save(QString::fromStdString(path.string()), "PNG");
+}
+
+// One printer: its paint device and the surface on it.
+struct QtPrinters::Target {
+  std::unique_ptr<QPagedPaintDevice> device;
+  std::unique_ptr<QtSurface> surface;  // goes first, ending its painter
+};
+
+QtPrinters::QtPrinters() = default;
+QtPrinters::~QtPrinters() = default;
+
+std::unique_ptr<QtPrinters> QtPrinters::ToPdf(const std::filesystem::path& file) {
+  std::unique_ptr<QtPrinters> printers(new QtPrinters());
+  auto target = std::make_unique<Target>();
+  auto writer = std::make_unique<QPdfWriter>(QString::fromStdString(file.string()));
+  writer->setCreator("hifx");
+  writer->setPageSize(QPageSize(QPageSize::Letter));
+  writer->setPageMargins(QMarginsF(0, 0, 0, 0));
+  target->device = std::move(writer);
+  printers->current_ = file.string();
+  printers->targets_.emplace(printers->current_, std::move(target));
+  return printers;
+}
+
+std::unique_ptr<QtPrinters> QtPrinters::ToDefaultPrinter() {
+  std::unique_ptr<QtPrinters> printers(new QtPrinters());
+  printers->current_ = QPrinterInfo::defaultPrinterName().toStdString();
+  return printers;
+}
+
+QtPrinters::Target& QtPrinters::Current() {
+  auto& target = targets_[current_];
+  if (!target) {
+    target = std::make_unique<Target>();
+    auto printer = std::make_unique<QPrinter>(QPrinterInfo::printerInfo(QString::fromStdString(current_)),
+                                              QPrinter::HighResolution);
+    printer->setPageOrientation(orientation_ == 2 ? QPageLayout::Landscape : QPageLayout::Portrait);
+    target->device = std::move(printer);
+  }
+  return *target;
+}
+
+IRptDevice& QtPrinters::Printer() {
+  Target& target = Current();
+  if (!target.surface) target.surface = std::make_unique<QtSurface>(*target.device, target.device.get());
+  return *target.surface;
+}
+
+std::vector<std::string> QtPrinters::DeviceNames() {
+  std::vector<std::string> names;
+  for (const QString& name : QPrinterInfo::availablePrinterNames()) names.push_back(name.toStdString());
+  return names;
+}
+
+void QtPrinters::Select(const std::string& deviceName) { current_ = deviceName; }
+
+void QtPrinters::SetOrientation(int16_t orientation) {
+  orientation_ = orientation;
+  Current().device->setPageOrientation(orientation == 2 ? QPageLayout::Landscape : QPageLayout::Portrait);
+}
+
+bool QtPrinters::SetPaperBin(int32_t bin) {
+  // The system's bin numbers start at 1 (the upper bin), Qt's sources at 0.
+  auto* printer = dynamic_cast<QPrinter*>(Current().device.get());
+  if (printer == nullptr || bin < 1) return false;
+  const auto source = static_cast<QPrinter::PaperSource>(bin - 1);
+  printer->setPaperSource(source);
+  return printer->paperSource() == source;
+}
+
+namespace {
+
+std::unique_ptr<QSettings> UserStore(std::string_view appName) {
+  return std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, "hifexchange", ToQString(appName));
+}
+
+QString SettingKey(std::string_view section, std::string_view key) {
+  return ToQString(section) + "/" + ToQString(key);
+}
+
+}  // namespace
+
+std::string QtUserSettings::GetSetting(std::string_view appName, std::string_view section, std::string_view key,
+                                       std::string_view defaultValue) {
+  const QVariant value = UserStore(appName)->value(SettingKey(section, key));
+  return value.isValid() ? value.toString().toStdString() : std::string(defaultValue);
+}
+
+void QtUserSettings::SaveSetting(std::string_view appName, std::string_view section, std::string_view key,
+                                 std::string_view value) {
+  const auto store = UserStore(appName);
+  store->setValue(SettingKey(section, key), ToQString(value));
+  store->sync();
+}
+
+}  // namespace hifx

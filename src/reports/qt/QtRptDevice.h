@@ -1,0 +1,112 @@
+// Report surfaces on Qt's painter: a PDF file, a printer of the system
+// (CUPS off Windows), or an image; the system's printers by name; and the
+// per-user settings in Qt's settings store. Runs without a display: with no
+// application of its own, a session starts Qt on the offscreen platform.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/UserSettings.h"
+#include "reports/RptDevice.h"
+
+class QGuiApplication;
+class QImage;
+class QPaintDevice;
+class QPagedPaintDevice;
+
+namespace hifx {
+
+// Qt for the length of a report run: a GUI application on the offscreen
+// platform unless the program has one already or names another platform.
+class QtReportSession {
+ public:
+  QtReportSession();
+  ~QtReportSession();
+  QtReportSession(const QtReportSession&) = delete;
+  QtReportSession& operator=(const QtReportSession&) = delete;
+
+ private:
+  std::unique_ptr<QGuiApplication> app_;
+};
+
+// A surface on any paint device. Texts are the system's 8-bit code page
+// (Windows-1252).
+class QtSurface : public RptSurface {
+ public:
+  // `paged`, when given, is the same device as `device`, able to start new
+  // sheets.
+  QtSurface(QPaintDevice& device, QPagedPaintDevice* paged);
+  ~QtSurface() override;
+
+  void NewPage() override;
+  void EndDoc() override;
+
+ protected:
+  double DotsPerInch() const override;
+  double PageWidthPixels() const override;
+  double PageHeightPixels() const override;
+  double MeasureText(std::string_view line) const override;
+  double LineHeightPixels() const override;
+  void PaintText(double x, double y, std::string_view line) override;
+  void PaintLine(double x1, double y1, double x2, double y2) override;
+  void PaintFill(double x, double y, double width, double height) override;
+  void PaintImage(const RptPicture& picture, double x, double y, double width, double height) override;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+// A surface on an image of the given size in inches, white to start with.
+class QtImageDevice final : public QtSurface {
+ public:
+  QtImageDevice(double widthInches, double heightInches, double dotsPerInch);
+  ~QtImageDevice() override;
+  // Finishes the painting and writes the image as a PNG file.
+  bool SavePng(const std::filesystem::path& path);
+
+ private:
+  explicit QtImageDevice(std::unique_ptr<QImage> image);
+  std::unique_ptr<QImage> image_;
+};
+
+// The system printer and the installed printers. The system printer is a
+// PDF file, or the platform's default printer.
+class QtPrinters final : public IRptPrinters {
+ public:
+  static std::unique_ptr<QtPrinters> ToPdf(const std::filesystem::path& file);
+  static std::unique_ptr<QtPrinters> ToDefaultPrinter();
+  ~QtPrinters() override;
+
+  IRptDevice& Printer() override;
+  std::string DeviceName() override { return current_; }
+  std::vector<std::string> DeviceNames() override;
+  void Select(const std::string& deviceName) override;
+  void SetOrientation(int16_t orientation) override;
+  bool SetPaperBin(int32_t bin) override;
+
+ private:
+  struct Target;
+  QtPrinters();
+  Target& Current();
+
+  std::map<std::string, std::unique_ptr<Target>> targets_;
+  std::string current_;
+  int16_t orientation_ = 1;
+};
+
+// Per-user settings in Qt's settings store: an INI file under the user's
+// configuration folder ($XDG_CONFIG_HOME/hifexchange/APPNAME.ini off Windows).
+class QtUserSettings final : public IUserSettings {
+ public:
+  std::string GetSetting(std::string_view appName, std::string_view section, std::string_view key,
+                         std::string_view defaultValue) override;
+  void SaveSetting(std::string_view appName, std::string_view section, std::string_view key,
+                   std::string_view value) override;
+};
+
+}  // namespace hifx
