@@ -31,7 +31,11 @@ int16_t RecordLineReader::Position255() const {
 }
 
 bool RecordLineWriter::Create(const std::string& path) {
-  file_ = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
+  // Lines go out through a large buffer: a reading file runs to megabytes.
+  buffer_ = std::make_unique<char[]>(kBufferSize);
+  file_ = std::make_unique<std::ofstream>();
+  file_->rdbuf()->pubsetbuf(buffer_.get(), kBufferSize);
+  file_->open(path, std::ios::binary | std::ios::trunc);
   if (*file_) return true;
   file_.reset();
   return false;
@@ -40,7 +44,9 @@ bool RecordLineWriter::Create(const std::string& path) {
 void RecordLineWriter::Write(clsRecType& record, int16_t width) {
   if (!file_) throw Failure(fail::kBadFileName);
   record.SetValue("RecID", Value(record.IDText));
-  *file_ << record.Buffer(width) << "\r\n";
+  const std::string line = record.Buffer(width);
+  file_->write(line.data(), static_cast<std::streamsize>(line.size()));
+  file_->write("\r\n", 2);
   if (!*file_) throw Failure(fail::kDiskFull);
 }
 

@@ -38,6 +38,8 @@ class RecordLineWriter {
   void Write(clsRecType& record, int16_t width);
 
  private:
+  static constexpr std::streamsize kBufferSize = 1 << 20;
+  std::unique_ptr<char[]> buffer_;  // declared first: the file is closed before it goes
   std::unique_ptr<std::ofstream> file_;
 };
 

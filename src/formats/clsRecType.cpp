@@ -1,6 +1,7 @@
 #include "formats/clsRecType.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "base/Failure.h"
 
@@ -17,8 +18,27 @@ uint32_t Signature(std::string_view name) {
          letter(name.back()) << 24;
 }
 
-}  // namespace
+// Byte for byte, a word at a time: names are short, and this runs for every
+// value set.
+bool SameText(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  const char* x = a.data();
+  const char* y = b.data();
+  size_t n = a.size();
+  for (; n >= 8; n -= 8, x += 8, y += 8) {
+    uint64_t u = 0;
+    uint64_t v = 0;
+    std::memcpy(&u, x, 8);
+    std::memcpy(&v, y, 8);
+    if (u != v) return false;
+  }
+  for (; n > 0; --n) {
+    if (*x++ != *y++) return false;
+  }
+  return true;
+}
 
+}  // namespace
 
 void clsRecType::SetID(int16_t start, int16_t length, std::string id) {
   IDStart = start;
@@ -91,7 +111,7 @@ const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const
   // a text was last found is remembered by its address, and checked.
   const auto address = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(name.data()));
   NameHit& hit = hits_[static_cast<size_t>((address * 0x9E3779B97F4A7C15ull) >> (64 - kHitCacheBits))];
-  if (hit.name == name.data() && hit.slot < fields_.size() && fields_[hit.slot].FieldName == name) {
+  if (hit.name == name.data() && hit.slot < fields_.size() && SameText(fields_[hit.slot].FieldName, name)) {
     slot = hit.slot;
     return &fields_[slot];
   }
