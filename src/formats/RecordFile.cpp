@@ -32,11 +32,10 @@ int16_t RecordLineReader::Position255() const {
 
 bool RecordLineWriter::Create(const std::string& path) {
   // Lines go out through a large buffer: a reading file runs to megabytes.
-  buffer_ = std::make_unique<char[]>(kBufferSize);
-  file_ = std::make_unique<std::ofstream>();
-  file_->rdbuf()->pubsetbuf(buffer_.get(), kBufferSize);
-  file_->open(path, std::ios::binary | std::ios::trunc);
-  if (*file_) return true;
+  file_ = std::make_unique<Output>();
+  file_->stream.rdbuf()->pubsetbuf(file_->buffer.get(), Output::kBufferSize);
+  file_->stream.open(path, std::ios::binary | std::ios::trunc);
+  if (file_->stream) return true;
   file_.reset();
   return false;
 }
@@ -45,9 +44,10 @@ void RecordLineWriter::Write(clsRecType& record, int16_t width) {
   if (!file_) throw Failure(fail::kBadFileName);
   record.SetValue("RecID", Value(record.IDText));
   const std::string line = record.Buffer(width);
-  file_->write(line.data(), static_cast<std::streamsize>(line.size()));
-  file_->write("\r\n", 2);
-  if (!*file_) throw Failure(fail::kDiskFull);
+  std::ofstream& out = file_->stream;
+  out.write(line.data(), static_cast<std::streamsize>(line.size()));
+  out.write("\r\n", 2);
+  if (!out) throw Failure(fail::kDiskFull);
 }
 
 }  // namespace hifx

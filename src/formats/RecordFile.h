@@ -38,9 +38,14 @@ class RecordLineWriter {
   void Write(clsRecType& record, int16_t width);
 
  private:
-  static constexpr std::streamsize kBufferSize = 1 << 20;
-  std::unique_ptr<char[]> buffer_;  // declared first: the file is closed before it goes
-  std::unique_ptr<std::ofstream> file_;
+  // The file and its buffer, which must outlive the stream that writes
+  // through it: the stream is closed first, then the buffer goes.
+  struct Output {
+    static constexpr std::streamsize kBufferSize = 1 << 20;
+    std::unique_ptr<char[]> buffer = std::make_unique<char[]>(kBufferSize);
+    std::ofstream stream;
+  };
+  std::unique_ptr<Output> file_;
 };
 
 }  // namespace hifx
