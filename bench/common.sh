@@ -11,12 +11,23 @@ trap 'rm -rf "$work"' EXIT
 site=(--site "$work/site")
 "$hifx" "${site[@]}" dist load examples/site.dst 2>/dev/null
 
+# Turns the site's index records off, so that a route file of 32,767
+# records has its room for meters.
+no_indexes() {
+  printf 'DIST 1.0\r\n[REGISTRY]\r\nToken:\r\n> IndexControl = "0"\r\n' > "$work/noindex.dst"
+  "$hifx" "${site[@]}" dist load "$work/noindex.dst" 2>/dev/null
+}
+
+# The record count of a PDB, from its header.
+pdb_records() {
+  od -An -tu1 -j76 -N2 "$1" | awk '{print $1 * 256 + $2}'
+}
+
 # Makes $work/reading.pdb: a generated route file of 32,600 meters in 100
 # routes, converted without indexes (the file must stay within 32,767
 # records) and filled by fill_readings with seed 7.
 make_big_reading() {
-  printf 'DIST 1.0\r\n[REGISTRY]\r\nToken:\r\n> IndexControl = "0"\r\n' > "$work/noindex.dst"
-  "$hifx" "${site[@]}" dist load "$work/noindex.dst" 2>/dev/null
+  no_indexes
   "$hifx" "${site[@]}" settings set RouteSource "$work/route.txt" >/dev/null
   awk 'BEGIN {
     for (i = 0; i < 32600; i++) {
@@ -28,7 +39,5 @@ make_big_reading() {
   }' > "$work/route.txt"
   "$hifx" "${site[@]}" route --dest "$work/route.pdb" >/dev/null < /dev/null || true
   build/release/tools/fill_readings "$work/route.pdb" "$work/reading.pdb" --seed 7 >/dev/null
-  local count
-  count=$(od -An -tu1 -j76 -N2 "$work/reading.pdb" | awk '{print $1 * 256 + $2}')
-  echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $count records"
+  echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $(pdb_records "$work/reading.pdb") records"
 }

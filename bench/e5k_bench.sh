@@ -12,12 +12,11 @@
 #
 #   bench/e5k_bench.sh [RUNS]
 set -euo pipefail
-cd "$(dirname "$0")/.."
 runs="${1:-5}"
 meters=32656
 routes=100
-. bench/site.sh
-bench_site hifx fill_readings
+source "$(dirname "$0")/common.sh"
+no_indexes
 
 awk -v meters="$meters" -v routes="$routes" 'BEGIN {
   split("MAIN OAK ELM PINE MAPLE CEDAR BIRCH ASH", streets, " ");
@@ -60,8 +59,7 @@ for run in $(seq "$runs"); do
 done
 tail -3 "$work/route.log"
 build/release/tools/fill_readings "$work/route.pdb" "$work/reading.pdb" --seed 7 >/dev/null
-count=$(od -An -tu1 -j76 -N2 "$work/reading.pdb" | awk '{print $1 * 256 + $2}')
-echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $count records"
+echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $(pdb_records "$work/reading.pdb") records"
 
 for run in $(seq "$runs"); do
   rm -f "$work/upload.txt"

@@ -19,14 +19,12 @@ for run in $(seq "$runs"); do
 done
 grep -E "meters written|Error|Problems" "$work/log.txt" || true
 
-printf 'DIST 1.0\r\n[REGISTRY]\r\nToken:\r\n> IndexControl = "0"\r\n' > "$work/noindex.dst"
-"$hifx" "${site[@]}" dist load "$work/noindex.dst" 2>/dev/null
+no_indexes
 awk -v meters=32500 -f bench/mvrs_route.awk > "$work/route.dat"
 rm -f "$work/route.pdb"
 "$hifx" "${site[@]}" route --source "$work/route.dat" --dest "$work/route.pdb" --map Mvrs > /dev/null
 build/release/tools/fill_readings "$work/route.pdb" "$work/reading.pdb" --seed 7 >/dev/null
-count=$(od -An -tu1 -j76 -N2 "$work/reading.pdb" | awk '{print $1 * 256 + $2}')
-echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $count records"
+echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $(pdb_records "$work/reading.pdb") records"
 for run in $(seq "$runs"); do
   rm -f "$work/reading.dat"
   /usr/bin/time -f "reading run $run: %e s wall (%U user, %S system), %M KB peak" \

@@ -5,15 +5,8 @@
 #
 #   bench/route_bench.sh [RUNS]
 set -euo pipefail
-cd "$(dirname "$0")/.."
 runs="${1:-5}"
-cmake --preset release >/dev/null
-cmake --build --preset release -j2 --target hifx >/dev/null
-hifx=build/release/src/hifx
-
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-"$hifx" --site "$work/site" dist load examples/site.dst 2>/dev/null
+source "$(dirname "$0")/common.sh"
 "$hifx" --site "$work/site" settings set RouteSource "$work/route.txt" >/dev/null
 "$hifx" --site "$work/site" settings set RouteDestination "$work/route.pdb" >/dev/null
 
@@ -40,5 +33,4 @@ for run in $(seq "$runs"); do
   /usr/bin/time -f "run $run: %e s wall (%U user, %S system), %M KB peak" "$hifx" --site "$work/site" route > "$work/log.txt"
 done
 tail -3 "$work/log.txt"
-count=$(od -An -tu1 -j76 -N2 "$work/route.pdb" | awk '{print $1 * 256 + $2}')
-echo "HIF: $(du -k "$work/route.pdb" | cut -f1) KB, $count records"
+echo "HIF: $(du -k "$work/route.pdb" | cut -f1) KB, $(pdb_records "$work/route.pdb") records"
