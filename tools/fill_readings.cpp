@@ -43,6 +43,7 @@ std::optional<uint32_t> ParseSeed(std::string_view text) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  hifx::UseBinaryStandardStreams();
   const std::vector<std::string> args(argv + 1, argv + argc);
   std::vector<std::string> files;
   uint32_t seed = hifx::kDefaultFillSeed;

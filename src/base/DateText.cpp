@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "base/DateSerial.h"
+#include "base/Numbers.h"
 
 namespace hifx {
 namespace {
@@ -152,7 +153,7 @@ std::string FormatDateValue(double serial, std::string_view pattern) {
 std::string FormatZeros(double value, int digits, int decimals) {
   if (!std::isfinite(value)) value = 0.0;
   decimals = std::max(decimals, 0);
-  const double scale = decimals == 0 ? 1.0 : std::pow(10.0, decimals);
+  const double scale = PowerOfTen(decimals);
   const double scaled = std::round(std::fabs(value) * scale);  // halves away from zero
   const auto whole = static_cast<size_t>(std::max(digits, 0) + decimals);
   std::string body;

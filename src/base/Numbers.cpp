@@ -7,6 +7,13 @@
 
 namespace hifx {
 
+double PowerOfTen(int n) {
+  static constexpr double kExact[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  if (n >= 0 && n <= 22) return kExact[n];
+  return std::pow(10.0, n);
+}
+
 double RoundHalfEven(double value) {
   const double floor = std::floor(value);
   const double diff = value - floor;
@@ -82,7 +89,11 @@ size_t ScanNumber(std::string_view text, double& out) {
     }
   }
   const int scale = exponent - fractionDigits;
-  double value = scale == 0 ? mantissa : mantissa * std::pow(10.0, scale);
+  // Dividing by an exact power of ten rounds once, as reading the text does.
+  double value = mantissa;
+  if (scale > 0) value = mantissa * PowerOfTen(scale);
+  else if (scale >= -22) value = mantissa / PowerOfTen(-scale);
+  else value = mantissa * std::pow(10.0, scale);
   if (std::isinf(value)) value = std::numeric_limits<double>::max();
   out = negative ? -value : value;
   return i;

@@ -1,11 +1,36 @@
 #include "cli/CliShell.h"
 
+#include <cstdio>
 #include <iostream>
 #include <string>
 
 #include "base/CaseBlind.h"
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
 namespace hifx {
+
+void UseBinaryStandardStreams() {
+#ifdef _WIN32
+  _setmode(_fileno(stdout), _O_BINARY);
+  _setmode(_fileno(stderr), _O_BINARY);
+#endif
+}
+
+bool IsTerminal(int fd) {
+#ifdef _WIN32
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(fd == 0 ? STD_INPUT_HANDLE : STD_ERROR_HANDLE), &mode) != 0;
+#else
+  return isatty(fd) != 0;
+#endif
+}
 
 CliShell::CliShell(std::optional<bool> presetAnswer, bool interactive, bool progressOnTerminal,
                    std::vector<std::string> sets)

@@ -12,6 +12,14 @@
 
 namespace hifx {
 
+// Standard output and error carry the engine's bytes as they are: on Windows
+// too a line ends in LF alone, so a script reads the same words everywhere.
+void UseBinaryStandardStreams();
+
+// Whether standard input (0) or standard error (2) is a terminal: on Windows a
+// console, which the NUL device, a character device too, is not.
+bool IsTerminal(int fd);
+
 class CliShell final : public IShell {
  public:
   // presetAnswer: true for --yes, false for --no, nullopt to ask. sets: the

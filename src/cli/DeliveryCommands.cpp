@@ -24,7 +24,7 @@ int RunUsers(Context& context, const Args& args) {
       std::fputc('\n', stdout);
     }
     if (users.UserCount() == 0) {
-      std::fprintf(stderr, "hifx: users: no handheld users in %s\n", library.Root().c_str());
+      std::fprintf(stderr, "hifx: users: no handheld users in %s\n", library.Root().string().c_str());
     }
   } catch (const Failure& failure) {
     std::fprintf(stderr, "hifx: users: %s\n", failure.Description().c_str());
@@ -67,7 +67,7 @@ int RunInstall(Context& context, const Args& args) {
   if (exchange.AutoInstallUnit.empty()) {
     if (SyncFolders(syncRoot).UmGetUserCount() == 0) {
       std::fprintf(stderr, "hifx: install: no handheld users in %s; name one with --unit\n",
-                   syncRoot.c_str());
+                   syncRoot.string().c_str());
     } else {
       std::fprintf(stderr, "hifx: install: no unit chosen; %s was not queued\n", file->c_str());
     }

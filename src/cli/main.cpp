@@ -1,6 +1,8 @@
 // hifx: the command line of the exchange engine. Scripts rely on its words,
 // its output and its exit codes; keep them.
-#include <unistd.h>
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 #include <cstdio>
 #include <cstdlib>
@@ -37,11 +39,19 @@ constexpr const char* kUsage =
 
 std::filesystem::path DefaultSite() {
   if (const char* site = std::getenv("HIFX_SITE"); site != nullptr && *site != '\0') return site;
+#ifdef _WIN32
+  // The program's own folder, where the maps have always lain beside it.
+  char self[MAX_PATH] = {};
+  const DWORD length = GetModuleFileNameA(nullptr, self, sizeof self);
+  if (length > 0 && length < sizeof self) return std::filesystem::path(self).parent_path();
+  return ".";
+#else
   if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data != '\0') {
     return std::filesystem::path(data) / "hifexchange";
   }
   const char* home = std::getenv("HOME");
   return std::filesystem::path(home != nullptr ? home : ".") / ".local" / "share" / "hifexchange";
+#endif
 }
 
 using Command = std::function<int(Context&, const Args&)>;
@@ -89,6 +99,7 @@ std::filesystem::path Context::SyncRoot() const {
 
 int main(int argc, char** argv) {
   using namespace hifx::cli;
+  hifx::UseBinaryStandardStreams();
   const Args args(argv + 1, argv + argc);
   std::optional<std::string> site;
   std::optional<bool> answer;
@@ -119,7 +130,7 @@ int main(int argc, char** argv) {
   const auto command = Commands().find(args[i]);
   if (command == Commands().end()) return Usage("unknown command: " + args[i]);
 
-  hifx::CliShell shell(answer, isatty(STDIN_FILENO) != 0, isatty(STDERR_FILENO) != 0, sets);
+  hifx::CliShell shell(answer, hifx::IsTerminal(0), hifx::IsTerminal(2), sets);
   const hifx::SystemClock clock;
   Context context{shell, site ? std::filesystem::path(*site) : DefaultSite(), sets, clock};
   return command->second(context, Args(args.begin() + static_cast<std::ptrdiff_t>(i) + 1, args.end()));

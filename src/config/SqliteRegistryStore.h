@@ -14,7 +14,7 @@ struct sqlite3_stmt;
 
 namespace hifx {
 
-class SqliteRegistryStore final : public IRegistryStore {
+class SqliteRegistryStore : public IRegistryStore {
  public:
   // Opens or creates the file. Raises a failure naming the file when it can't
   // be opened or isn't a registry database; an existing file is never

@@ -20,7 +20,8 @@ std::string JoinKey(const KeyNames& key) {
 class Key {
  public:
   Key(uint32_t hive, const KeyNames& key, bool create) {
-    const HKEY root = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(hive));
+    // The predefined handles are negative 32-bit numbers, widened with their sign.
+    const HKEY root = reinterpret_cast<HKEY>(static_cast<LONG_PTR>(static_cast<LONG>(hive)));
     const std::string path = JoinKey(key);
     if (RegOpenKeyExA(root, path.c_str(), 0, kAccess, &handle_) == ERROR_SUCCESS) return;
     handle_ = nullptr;
@@ -93,12 +94,8 @@ std::vector<std::string> WinRegistryStore::SubKeys(uint32_t hive, const KeyNames
   Key k(hive, key, false);
   if (k.get() == nullptr) return names;
   char buffer[1024];
-  for (DWORD i = 0;; ++i) {
-    DWORD size = sizeof buffer;
-    if (RegEnumKeyExA(k.get(), i, buffer, &size, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
-      break;
-    }
-    names.emplace_back(buffer, size);
+  for (DWORD i = 0; RegEnumKeyA(k.get(), i, buffer, sizeof buffer) == ERROR_SUCCESS; ++i) {
+    names.emplace_back(buffer);
   }
   return names;
 }

@@ -322,7 +322,7 @@ bool clsExchange::ConvertReadingFlat(int16_t version) {
     const int32_t digits = NumberOf(hif.Item("Digits"));
     if (decimals > 0) {
       // Stored readings carry their decimals; the billing file doesn't.
-      const double scale = std::pow(10.0, decimals);
+      const double scale = PowerOfTen(decimals);
       hif.SetItem("CurReading", Value::Double(std::trunc(NumberOf(hif.Item("CurReading")) / scale)));
     }
     if (digits > 0) {

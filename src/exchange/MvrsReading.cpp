@@ -479,7 +479,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
         line.SetValue("NewMeterConstant", Value(meter.MeterConstant));
         line.SetValue("PreviousReading", Value::Long(meter.PreviousReading));
         if (meter.NumberDecimals != 0) {
-          const double scaled = std::floor(meter.CurReading / std::pow(10.0, meter.NumberDecimals));
+          const double scaled = std::floor(meter.CurReading / PowerOfTen(meter.NumberDecimals));
           line.SetValue("Reading", Value::Double(scaled));
         }
         for (const char* name : {"Reserved1", "Reserved3", "Reserved4", "Reserved5", "Reserved6"}) {
@@ -513,7 +513,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
           line.SetValue("ReadDate", Value(FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
           line.SetValue("ReadTime", Value::Long(meter.ReadTimeNumber));
           double reading = meter.CurReading;
-          if (meter.NumberDecimals != 0) reading /= std::pow(10.0, meter.NumberDecimals);
+          if (meter.NumberDecimals != 0) reading /= PowerOfTen(meter.NumberDecimals);
           line.SetValue("Reading", Value::Double(reading));
           line.SetValue("VisualReadIndicator", Value(readType == 2 ? "Y" : "N"));
           upload.WriteRecord(line);

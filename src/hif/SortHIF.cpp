@@ -13,6 +13,11 @@
 #include "base/Failure.h"
 #include "hif/clsHIF.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#undef ReplaceFile  // windows.h's name for ReplaceFileA, not ours
+#endif
+
 namespace hifx {
 namespace {
 
@@ -76,6 +81,19 @@ void QuickSort(std::span<SortEntry> entries, std::ptrdiff_t first, std::ptrdiff_
   }
 }
 
+#ifdef _WIN32
+std::filesystem::path TempFileName(IShell& shell) {
+  char folder[255] = {};
+  if (GetTempPathA(sizeof folder, folder) == 0) shell.MsgBox("Error getting directory");
+  char name[MAX_PATH] = {};
+  // Windows makes the file, empty, so the name is ours once this returns.
+  if (GetTempFileNameA(folder, "tmp", 0, name) == 0) {
+    shell.MsgBox("Error getting file");
+    return {};
+  }
+  return name;
+}
+#else
 std::filesystem::path TempFileName(IShell& shell) {
   std::error_code ec;
   std::filesystem::path folder = std::filesystem::temp_directory_path(ec);
@@ -105,6 +123,7 @@ std::filesystem::path TempFileName(IShell& shell) {
   shell.MsgBox("Error getting file");
   return {};
 }
+#endif
 
 SortOutcome SortHIF(IShell& shell, const std::filesystem::path& readingSource,
                     const std::filesystem::path& fileName) {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/DateText.h"
+#include "base/Numbers.h"
 #include "delivery/UnitInstall.h"
 #include "exchange/ExchangeText.h"
 
@@ -216,7 +217,7 @@ void clsReport::PrintRow(float& height) {
   const int32_t decimals = Number(values, "Decimals");
   if (decimals > 0 && values.Contains("CurReading")) {
     const Value whole = Value::Long(static_cast<int32_t>(
-        std::trunc(Number(values, "CurReading") / std::pow(10.0, std::min(decimals, 9)))));
+        std::trunc(Number(values, "CurReading") / PowerOfTen(std::min(decimals, 9)))));
     hif_->SetItem("CurReading", whole);
     values.Set("CurReading", whole);
   }

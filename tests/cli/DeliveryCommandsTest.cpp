@@ -13,7 +13,7 @@ class DeliveryCommands : public testing::Test {
   // Runs hifx on the test's site, with the sync root left to its default.
   RunResult Run(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", site.string()});
-    return RunHifx(args, dir, "HIFX_SYNC_ROOT=");
+    return RunHifx(args, dir, {{"HIFX_SYNC_ROOT", ""}});
   }
 
   TempDir dir;
@@ -32,7 +32,7 @@ TEST_F(DeliveryCommands, UsersListsTheUserFoldersByName) {
   // $HIFX_SYNC_ROOT names another root.
   fs::create_directories(dir / "elsewhere" / "Van");
   const auto other = RunHifx({"--site", site.string(), "users"}, dir,
-                             "HIFX_SYNC_ROOT=" + ShellQuote((dir / "elsewhere").string()));
+                             {{"HIFX_SYNC_ROOT", (dir / "elsewhere").string()}});
   EXPECT_EQ(other.out, "Van\n");
   EXPECT_EQ(Run({"users", "extra"}).status, 2);
 }

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "config/RegistryRoot.h"
-#include "config/SqliteRegistryStore.h"
+#include "support/TestRegistryStore.h"
 #include "config/clsDist.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
@@ -14,7 +14,7 @@ const RegPath kRoot = {"HKEY_LOCAL_MACHINE", "Software\\Norvane, Inc.\\hifExchan
 class Site {
  public:
   explicit Site(const std::filesystem::path& folder)
-      : folder_(folder), store_((std::filesystem::create_directories(folder), folder / "registry.db")) {}
+      : folder_(folder), store_((std::filesystem::create_directories(folder), folder)) {}
   clsRegistry Registry() { return clsRegistry(store_); }
   std::string Dump() {
     TestShell shell;
@@ -25,7 +25,7 @@ class Site {
 
  private:
   std::filesystem::path folder_;
-  SqliteRegistryStore store_;
+  TestRegistryStore store_;
 };
 
 TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "config/SqliteRegistryStore.h"
+#include "support/TestRegistryStore.h"
 #include "exchange/clsExchange.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
@@ -28,7 +28,7 @@ class InstallPRC : public testing::Test {
   TempDir dir;
   fs::path site = dir / "site";
   fs::path route = dir / "out" / "RouteHIF.pdb";
-  SqliteRegistryStore store{dir / "registry.db"};
+  TestRegistryStore store{dir.path()};
   TestShell shell;
   FixedClock clock{CivilTime{}};
   clsExchange exchange{{store, shell, clock, site, dir / "sync"}};

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 std::vector<std::string> FilesBelow(const fs::path& folder) {
   std::vector<std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file()) files.push_back(fs::relative(entry.path(), folder).string());
+    if (entry.is_regular_file()) files.push_back(fs::relative(entry.path(), folder).generic_string());
   }
   std::sort(files.begin(), files.end());
   return files;

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "config/RegistryRoot.h"
-#include "config/SqliteRegistryStore.h"
+#include "support/TestRegistryStore.h"
 #include "exchange/clsExchange.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
@@ -12,7 +12,7 @@ namespace {
 class ExchangeSettings : public testing::Test {
  protected:
   TempDir dir;
-  SqliteRegistryStore store{dir / "registry.db"};
+  TestRegistryStore store{dir.path()};
   clsRegistry registry{store};
   TestShell shell;
   FixedClock clock{CivilTime{}};

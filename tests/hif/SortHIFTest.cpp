@@ -127,19 +127,29 @@ std::string Meter(int32_t route, int32_t sequence, int32_t tag) {
   return Record(kRecMeter, route, sequence, 1000 + tag, tag);
 }
 
-// Points TMPDIR at a folder of the test's own for as long as it lives.
+// Points the temporary folder (TMPDIR, TMP on Windows) at a folder of the
+// test's own for as long as it lives.
 class TemporaryFolder {
  public:
   explicit TemporaryFolder(const std::filesystem::path& folder) {
-    if (const char* old = std::getenv("TMPDIR")) old_ = old;
-    ::setenv("TMPDIR", folder.c_str(), 1);
+    if (const char* old = std::getenv(kVariable)) old_ = old;
+    Set(folder.string());
   }
-  ~TemporaryFolder() {
-    if (old_) ::setenv("TMPDIR", old_->c_str(), 1);
-    else ::unsetenv("TMPDIR");
-  }
+  ~TemporaryFolder() { Set(old_.value_or("")); }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+ private:
+#ifdef _WIN32
+  static constexpr const char* kVariable = "TMP";
+  static void Set(const std::string& value) { _putenv_s(kVariable, value.c_str()); }
+#else
+  static constexpr const char* kVariable = "TMPDIR";
+  static void Set(const std::string& value) {
+    if (value.empty()) ::unsetenv(kVariable);
+    else ::setenv(kVariable, value.c_str(), 1);
+  }
+#endif
 
  private:
   std::optional<std::string> old_;
@@ -334,9 +344,15 @@ TEST_P(SortHIFTest, NoTemporaryFolder) {
     // The PDB container raises what the VFS one returns as a status.
     EXPECT_EQ(FailureNumber([&] { SortHIF(shell, path, path); }), fail::kFileNotFound);
   }
+#ifdef _WIN32
+  // Windows names a temporary folder without looking for it; the name fails.
+  ASSERT_EQ(shell.questions.size(), 2u);
+  EXPECT_EQ(shell.questions[1].text, "Error getting file");
+#else
   ASSERT_EQ(shell.questions.size(), 3u);
   EXPECT_EQ(shell.questions[1].text, "Error getting directory");
   EXPECT_EQ(shell.questions[2].text, "Error getting file");
+#endif
   EXPECT_TRUE(SameBytes(ReadBytes(path), before));
 }
 

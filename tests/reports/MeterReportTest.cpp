@@ -215,12 +215,13 @@ TEST_F(MeterReportTest, AnUnreadableFileIsLoggedAndFalse) {
   EXPECT_EQ(report.AdjustX, 0.25);
 }
 
+#ifdef HIFX_HAVE_QT
 TEST_F(MeterReportTest, CommandLineWritesOnePdfAReport) {
   const auto file = File();
   const auto result = test::RunHifx(
       {"--site", (dir / "site").string(), "report", "--type", "reading,missed", "--pdf", (dir / "out.pdf").string(),
        file.string()},
-      dir, "SOURCE_DATE_EPOCH=1710000000 TZ=UTC XDG_CONFIG_HOME=" + test::ShellQuote((dir / "config").string()));
+      dir, {{"SOURCE_DATE_EPOCH", "1710000000"}, {"TZ", "UTC"}, {"XDG_CONFIG_HOME", (dir / "config").string()}});
   ASSERT_EQ(result.status, 0) << result.err;
   ASSERT_FALSE(std::filesystem::exists(dir / "out.pdf"));
   const std::string text = dir.path().string() + "/text.txt";
@@ -235,11 +236,21 @@ TEST_F(MeterReportTest, CommandLineWritesOnePdfAReport) {
   EXPECT_NE(test::ReadBytes(text).find("NO ACCESS"), std::string::npos);
 
   const auto bad = test::RunHifx({"report", "--type", "orphan", "--pdf", (dir / "x.pdf").string(), "/nonexistent"},
-                                 dir, "XDG_CONFIG_HOME=" + test::ShellQuote((dir / "config").string()));
+                                 dir, {{"XDG_CONFIG_HOME", (dir / "config").string()}});
   EXPECT_EQ(bad.status, 2);
   EXPECT_EQ(bad.out, "Error: Could not read HIF file\n");
   EXPECT_EQ(test::RunHifx({"report", "--type", "weekly", "--pdf", "x.pdf", "f"}, dir).status, 2);
 }
+#else
+TEST_F(MeterReportTest, CommandLineSaysReportsNeedTheQtBuild) {
+  const auto result = test::RunHifx({"--site", (dir / "site").string(), "report", "--type", "reading", "--pdf",
+                                     (dir / "out.pdf").string(), File().string()},
+                                    dir);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.err, "hifx: report: PDF and printed reports need the Qt build of hifx\n");
+  EXPECT_FALSE(std::filesystem::exists(dir / "out.pdf"));
+}
+#endif
 
 }  // namespace
 }  // namespace hifx

@@ -76,7 +76,7 @@ TEST_F(QtDeviceTest, AReportPageRendered) {
   const auto pdf = dir / "reading.pdf";
   const auto result = test::RunHifx(
       {"report", "--type", "reading", "--pdf", pdf.string(), std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/reading.pdb"},
-      dir, "SOURCE_DATE_EPOCH=1710000000 TZ=UTC XDG_CONFIG_HOME=" + test::ShellQuote((dir / "config").string()));
+      dir, {{"SOURCE_DATE_EPOCH", "1710000000"}, {"TZ", "UTC"}, {"XDG_CONFIG_HOME", (dir / "config").string()}});
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
   ASSERT_EQ(std::system(("pdftoppm -r 50 -gray -f 1 -l 1 " + pdf.string() + " " + (dir / "page").string()).c_str()), 0);

@@ -23,15 +23,13 @@ class ExampleSite : public testing::Test {
 
   RunResult Hifx(std::vector<std::string> args) {
     args.insert(args.begin(), {"--site", (dir / "site").string()});
-    return RunHifx(args, dir, "SOURCE_DATE_EPOCH=1700000000 TZ=UTC");
+    return RunHifx(args, dir, {{"SOURCE_DATE_EPOCH", "1700000000"}, {"TZ", "UTC"}});
   }
 
 #ifdef HIFX_FILL_READINGS
   // The route HIF filled as a handheld fills it, from seed 1.
   void Fill(const std::filesystem::path& route, const std::filesystem::path& reading) {
-    const std::string command = ShellQuote(HIFX_FILL_READINGS) + " " + ShellQuote(route.string()) + " " +
-                                ShellQuote(reading.string()) + " --seed 1 >/dev/null";
-    ASSERT_EQ(std::system(command.c_str()), 0);
+    ASSERT_EQ(RunProgram(HIFX_FILL_READINGS, {route.string(), reading.string(), "--seed", "1"}, dir).status, 0);
   }
 #endif
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "config/SqliteRegistryStore.h"
+#include "support/TestRegistryStore.h"
 #include "exchange/clsExchange.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
@@ -47,7 +47,7 @@ inline std::string FixedLine(const std::string& route, int sequence, int tag, ch
 class RouteSite {
  public:
   RouteSite()
-      : store_(dir / "registry.db"),
+      : store_(dir.path()),
         exchange_(std::make_unique<clsExchange>(
             ExchangeEnvironment{store_, shell, clock, dir.path(), dir / "sync"})) {
     exchange_->RouteSource = (dir / "route.txt").string();
@@ -115,7 +115,7 @@ class RouteSite {
   FixedClock clock{CivilTime{2024, 2, 29, 13, 5, 9}};
 
  private:
-  SqliteRegistryStore store_;
+  TestRegistryStore store_;
   std::unique_ptr<clsExchange> exchange_;
 };
 
