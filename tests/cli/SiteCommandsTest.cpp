@@ -29,7 +29,8 @@ TEST(DistCommands, ALoadedSiteWritesBackTheSameFileAndMaps) {
   const auto dumpSecond = RunHifx(At(second, {"registry", "dump"}), dir);
   ASSERT_EQ(dumpFirst.status, 0);
   EXPECT_EQ(dumpFirst.out, dumpSecond.out);
-  EXPECT_EQ(dumpFirst.out.rfind("Route:\r\n> Source = \"examples/route-fixed.txt\"\r\n", 0), 0u);
+  EXPECT_EQ(dumpFirst.out.rfind("ChangeoutMFG:\r\n> AC = \"Acme Meter Co\"\r\n", 0), 0u);
+  EXPECT_NE(dumpFirst.out.find("\r\nRoute:\r\n> Destination = \"out/example/route.pdb\"\r\n"), std::string::npos);
   for (const char* map : {"Billing.hcm", "BillingCsv.hcm", "Billing.hrm", "Orphans.hom"}) {
     EXPECT_EQ(ReadBytes(first / map), ReadBytes(second / map)) << map;
     EXPECT_FALSE(ReadBytes(second / map).empty()) << map;
@@ -72,12 +73,14 @@ TEST(SiteCommands, ShowListsEverySection) {
   ASSERT_EQ(RunHifx(At(site, {"dist", "load", kExampleSite}), dir).status, 0);
   const auto show = RunHifx(At(site, {"site", "show"}), dir);
   ASSERT_EQ(show.status, 0) << show.err;
-  EXPECT_EQ(show.out.rfind("[LoginSetup]\nUseLogin=Y\n[LoginIDs]\nSUPER\tsuper123\tS\n", 0), 0u);
+  EXPECT_EQ(show.out.rfind("[LoginSetup]\nUseLogin=Y\n[LoginIDs]\nREADER1\tread1\t\nSUPER\tsuper123\tS\n", 0), 0u);
   EXPECT_NE(show.out.find("[Skip]\nDOG\tDog in yard\nLCK\tLocked gate\n"), std::string::npos);
   EXPECT_NE(show.out.find("[OperPrefs]\nAlertOutOfBounds=2\nAlertRollover=1\nAlertTamper=2\n"),
             std::string::npos);
 }
 
+#ifndef _WIN32
+// The settings file of a machine without a registry.
 TEST(SiteCommands, ARegistryFileThatIsNotADatabaseIsLeftAlone) {
   TempDir dir;
   const auto site = dir / "site";
@@ -92,6 +95,7 @@ TEST(SiteCommands, ARegistryFileThatIsNotADatabaseIsLeftAlone) {
   }
   EXPECT_EQ(ReadBytes(site / "registry.db"), "this is not a database, it is a letter");
 }
+#endif
 
 }  // namespace
 }  // namespace hifx::test

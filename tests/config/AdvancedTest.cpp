@@ -53,9 +53,10 @@ TEST_F(Advanced, AnEmptyRegistryGivesDefaultsAndTheBuiltInTokens) {
 
 TEST_F(Advanced, LoginsSplitOnDoubleBarsAndAreFoundWithNoRegardToCase) {
   Put("LoginSetup", "UseLogin", "Y");
-  Put("LoginIDs", "joe", "secret||S");
+  // Written in the order of their names, which every store gives back.
   Put("LoginIDs", "amy", "pw");
   Put("LoginIDs", "bob", "a||b||c");
+  Put("LoginIDs", "joe", "secret||S");
   clsAdvanced advanced(store);
   EXPECT_TRUE(advanced.UseLoginSecurity());
   // What a look-up gives: the index, then the ID, password and rights.
@@ -64,9 +65,9 @@ TEST_F(Advanced, LoginsSplitOnDoubleBarsAndAreFoundWithNoRegardToCase) {
     const auto at = advanced.GetLogin(selector, id, password, rights);
     return std::to_string(at) + " " + id + "|" + password + "|" + rights;
   };
-  EXPECT_EQ(login(Value("JOE")), "1 joe|secret|S");
-  EXPECT_EQ(login(Value("amy")), "2 amy|pw|");
-  EXPECT_EQ(login(Value::Integer(3)), "3 bob|a|b");
+  EXPECT_EQ(login(Value("JOE")), "3 joe|secret|S");
+  EXPECT_EQ(login(Value("amy")), "1 amy|pw|");
+  EXPECT_EQ(login(Value::Integer(2)), "2 bob|a|b");
   // A 32-bit selector is not a position: it is looked up as the key "3".
   EXPECT_EQ(login(Value::Long(3)).substr(0, 3), "-1 ");
 }

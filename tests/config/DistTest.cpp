@@ -32,10 +32,11 @@ TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
   TempDir dir;
   Site from(dir / "from");
   auto registry = from.Registry();
-  registry.SaveValue("route.txt", RootValuePath("Route", "Source"));
-  registry.SaveValue("Billing", RootValuePath("Route", "Map"));
+  // Keys and values in the order of their names, which every store gives back.
   registry.SaveValue("pw||S", RootValuePath("LoginIDs", "joe"));
   registry.SaveValue("Say \"hi\"", RootValuePath("MessagesAccount", "ANY||100"));
+  registry.SaveValue("Billing", RootValuePath("Route", "Map"));
+  registry.SaveValue("route.txt", RootValuePath("Route", "Source"));
   registry.SaveValue("", RootValuePath("TokenAddress", "RD"));
   const std::string routeMap = "HIF=1.1\r\nMAPNAME=Billing.hcm\r\nMAPTYPE=1\r\nRouteNbr=1,4,,,0\r\n";
   const std::string readingMap = "HIF=1.1\r\nMAPNAME=Out.hrm\r\nCurReading=13,8,R,Z,0";  // no final break
@@ -50,7 +51,8 @@ TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
   EXPECT_EQ(shell.questions[0].text, file.string() + " written.");
   EXPECT_EQ(shell.questions[0].title, "Distribution");
   const std::string text = ReadBytes(file);
-  EXPECT_EQ(text.rfind("DIST 1.0\r\n[REGISTRY]\r\nRoute:\r\n> Source = \"route.txt\"\r\n", 0), 0u);
+  EXPECT_EQ(text.rfind("DIST 1.0\r\n[REGISTRY]\r\nLoginIDs:\r\n> joe = \"pw||S\"\r\n", 0), 0u);
+  EXPECT_NE(text.find("\r\nRoute:\r\n> Map = \"Billing\"\r\n> Source = \"route.txt\"\r\n"), std::string::npos);
   EXPECT_NE(text.find("\r\n[ROUTE MAP Billing.hcm]\r\nHIF=1.1"), std::string::npos);
   EXPECT_NE(text.find("\r\n[READING MAP Out.hrm]\r\n"), std::string::npos);
 

@@ -46,9 +46,12 @@ TEST_F(ExchangeSettings, AnEmptyRegistryLoadsTheDefaults) {
 TEST_F(ExchangeSettings, TheFirstSaveWritesTheWholeTreeInItsOrder) {
   exchange.LoadSettings();
   exchange.SaveSettings();
-  EXPECT_EQ(Names(registry.GetKeys(RootKeyPath(""))), (Strings{"Route", "ReRead", "Reading", "Orphan", "PRCInstall"}));
-  EXPECT_EQ(Names(registry.GetValues(RootKeyPath("Route"))), (Strings{"Source", "Destination", "HIFType", "Map"}));
-  EXPECT_EQ(Names(registry.GetValues(RootKeyPath("PRCInstall"))), (Strings{"AutoInstall", "Prompt", "Leave", "Unit"}));
+  EXPECT_EQ(StoreOrder(Names(registry.GetKeys(RootKeyPath("")))),
+            StoreOrder({"Route", "ReRead", "Reading", "Orphan", "PRCInstall"}));
+  EXPECT_EQ(StoreOrder(Names(registry.GetValues(RootKeyPath("Route")))),
+            StoreOrder({"Source", "Destination", "HIFType", "Map"}));
+  EXPECT_EQ(StoreOrder(Names(registry.GetValues(RootKeyPath("PRCInstall")))),
+            StoreOrder({"AutoInstall", "Prompt", "Leave", "Unit"}));
   EXPECT_EQ(registry.GetValue(RootReadPath("Reading", "AutoReRead")), Value("N"));
   EXPECT_EQ(registry.GetValue(RootReadPath("Orphan", "Convert")), Value("0"));
 }

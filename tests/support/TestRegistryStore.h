@@ -6,7 +6,10 @@
 // meet each other's settings, and the key goes when the store goes.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -92,5 +95,15 @@ class TestRegistryStore final : public SqliteRegistryStore {
 };
 
 #endif
+
+// Names made comparable across stores: as they are off Windows, where the
+// SQLite store keeps the order of writing; sorted on Windows, where the order
+// is the registry's own (by name under Wine).
+inline std::vector<std::string> StoreOrder(std::vector<std::string> names) {
+#ifdef _WIN32
+  std::sort(names.begin(), names.end());
+#endif
+  return names;
+}
 
 }  // namespace hifx::test
