@@ -23,8 +23,9 @@ int32_t ToInt32(double value);
 // number gives 0. A sign, a decimal point and an exponent are understood.
 double NumericPrefix(std::string_view text);
 
-// 10 to the power n, exact where a double holds it (n from 0 to 22), so that
-// scaling by it gives the same bits on every platform's maths library.
+// 10 to the power n, exact where a double holds it (n from 0 to 22) and the
+// nearest double down to -22, so that scaling by it gives the same bits with
+// every platform's maths library (pow of Windows' runtime is not exact).
 double PowerOfTen(int n);
 
 // The whole text as a number, blanks around it allowed; nullopt-like false

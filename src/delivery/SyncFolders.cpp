@@ -4,7 +4,12 @@
 #include <random>
 #include <system_error>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include "base/CaseBlind.h"
+#include "base/FileNames.h"
 
 namespace hifx {
 namespace {
@@ -105,6 +110,40 @@ int SyncFolders::UmAddUser(std::string_view name) {
   return install::kDone;
 }
 
+namespace {
+
+// The copy is made under a hidden name and renamed into place, so a sync
+// never takes half a file.
+bool QueueCopy(const fs::path& file, const fs::path& queue, const std::string& name) {
+  std::random_device random;
+  const fs::path temp = queue / ("." + name + "." + std::to_string(random()) + ".tmp");
+  const fs::path target = queue / name;
+#ifdef _WIN32
+  // Hidden in Windows' own sense as well while it is being written.
+  const std::string from = file.string();
+  const std::string hidden = temp.string();
+  const std::string to = target.string();
+  const bool done = CopyFileA(from.c_str(), hidden.c_str(), TRUE) &&
+                    SetFileAttributesA(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN) &&
+                    MoveFileExA(hidden.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH);
+  if (done) SetFileAttributesA(to.c_str(), FILE_ATTRIBUTE_NORMAL);
+  else DeleteFileA(hidden.c_str());
+  return done;
+#else
+  std::error_code ec;
+  fs::copy_file(file, temp, ec);
+  if (!ec) fs::rename(temp, target, ec);
+  if (ec) {
+    std::error_code ignored;
+    fs::remove(temp, ignored);
+    return false;
+  }
+  return true;
+#endif
+}
+
+}  // namespace
+
 int SyncFolders::PltInstallFile(std::string_view user, const fs::path& file) {
   const auto at = FindUser(user);
   if (!at) return install::kNoUser;
@@ -116,24 +155,13 @@ int SyncFolders::PltInstallFile(std::string_view user, const fs::path& file) {
   const std::string name = file.filename().string();
   if (FindEntry(queue, name)) return install::kAlreadyQueued;
 
-  // The copy is made under a hidden name and renamed into place, so a sync
-  // never takes half a file.
-  std::random_device random;
-  const fs::path temp = queue / ("." + name + "." + std::to_string(random()) + ".tmp");
-  fs::copy_file(file, temp, ec);
-  if (!ec) fs::rename(temp, queue / name, ec);
-  if (ec) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    return install::kFailed;
-  }
-  return install::kDone;
+  return QueueCopy(file, queue, name) ? install::kDone : install::kFailed;
 }
 
 int SyncFolders::PltRemoveInstallFile(std::string_view user, std::string_view fileName) {
   const auto at = FindUser(user);
   if (!at) return install::kNoUser;
-  const std::string name = fs::path(fileName).filename().string();
+  const std::string name = FileNamePart(fileName);
   if (name.empty()) return install::kNotFound;
   const auto queued = FindEntry(root_ / users_[*at] / kInstallFolder, name);
   if (!queued) return install::kNotFound;

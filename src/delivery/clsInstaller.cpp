@@ -1,5 +1,7 @@
 #include "delivery/clsInstaller.h"
 
+#include "base/FileNames.h"
+
 namespace hifx {
 
 clsInstaller::clsInstaller(std::filesystem::path programFolder, std::filesystem::path syncRoot,
@@ -10,8 +12,8 @@ clsInstaller::clsInstaller(std::filesystem::path programFolder, std::filesystem:
       users_(library_) {}
 
 std::filesystem::path clsInstaller::FilePath(std::string_view file) const {
-  const std::filesystem::path path(file);
-  return path.has_parent_path() ? path : programFolder_ / path;
+  // A bare name lies in the program's folder.
+  return HasFolderPart(file) ? std::filesystem::path(file) : programFolder_ / std::filesystem::path(file);
 }
 
 void clsInstaller::ShowUndefined(int code) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "base/Failure.h"
+#include "base/FileNames.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "hif/FileVersion.h"
@@ -100,7 +101,7 @@ void clsExchange::WriteFileHeader(const std::string& source, int32_t meters, int
   hif.SetItem("MeterType", Value::Long(version));
   hif.SetItem("PrvReading", Value::Long(meters));
   hif.SetItem("ReadingDate", Value::Long(DateNumber(now)));
-  hif.SetItem("Initials", Value("HIF loaded from " + std::filesystem::path(source).filename().string()));
+  hif.SetItem("Initials", Value("HIF loaded from " + FileNamePart(source)));
   hif.WriteData();
 }
 

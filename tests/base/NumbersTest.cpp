@@ -4,6 +4,8 @@
 #include "support/FailureNumber.h"
 #include "base/Numbers.h"
 
+#include <cmath>
+
 namespace hifx::test {
 namespace {
 
@@ -47,6 +49,21 @@ INSTANTIATE_TEST_SUITE_P(
                     PrefixCase{"1E+3", 1000}, PrefixCase{".5", 0.5}, PrefixCase{"+7", 7},
                     PrefixCase{"1.2.3", 1.2}, PrefixCase{"12 34", 12}, PrefixCase{"-", 0},
                     PrefixCase{"0042", 42}, PrefixCase{"5.", 5}));
+
+// A decimal reads as the double nearest to it, as the compiler reads the same
+// literal, with every platform's maths library: 0.3 is not 3 times 0.1.
+TEST(NumericPrefix, DecimalsAreTheNearestDouble) {
+  EXPECT_EQ(NumericPrefix("0.3"), 0.3);
+  EXPECT_EQ(NumericPrefix("1.1"), 1.1);
+  EXPECT_EQ(NumericPrefix("0.25"), 0.25);
+  EXPECT_EQ(NumericPrefix("123.456"), 123.456);
+  EXPECT_EQ(NumericPrefix("9.99"), 9.99);
+  EXPECT_EQ(NumericPrefix("12345.6789"), 12345.6789);
+  EXPECT_EQ(NumericPrefix("2.5e-3"), 2.5e-3);
+  EXPECT_EQ(PowerOfTen(22), 1e22);
+  EXPECT_EQ(PowerOfTen(-2), 0.01);
+  EXPECT_EQ(PowerOfTen(-7), 1e-7);
+}
 
 TEST(WholeNumber, AcceptsOnlyATextThatIsOneNumber) {
   double v = -1;
