@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build and the tests need, when missing.
-# Runs apt-get as root, or through sudo.
+# Installs the Debian packages the build and the tests need, when missing,
+# and any further packages named as arguments. Runs apt-get as root, or
+# through sudo.
 set -euo pipefail
 
 packages=(cmake g++ make libgtest-dev libbenchmark-dev libsqlite3-dev libpalm-perl clang libclang-rt-14-dev
-          qt6-base-dev qt6-qpa-plugins fonts-liberation2 fontconfig poppler-utils zbar-tools)
+          qt6-base-dev qt6-qpa-plugins fonts-liberation2 fontconfig poppler-utils zbar-tools "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The whole test suite: installs what is missing, builds and runs the tests,
 # then again under AddressSanitizer and UndefinedBehaviorSanitizer, then a
-# short fuzzing run of every reader of outside data.
+# short fuzzing run of every reader of outside data, then the Windows build's
+# tests under Wine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -18,5 +19,7 @@ if [ -x fuzz/run.sh ]; then
   echo "== short fuzzing run"
   fuzz/run.sh "${HIFX_FUZZ_SECONDS:-20}"
 fi
+
+scripts/test-windows.sh
 
 echo "== all tests passed"
