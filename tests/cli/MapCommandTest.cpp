@@ -40,6 +40,19 @@ TEST(MapCommand, ListsTheMapFilesSorted) {
   EXPECT_EQ(r.out, "Billing.HRM\norphans.hom\nroute.hcm\n");
 }
 
+#ifdef _WIN32
+// On Windows the maps lie beside the program unless a site is named.
+TEST(MapCommand, WithoutASiteTheProgramsFolderIsTheSite) {
+  TempDir dir;
+  std::filesystem::create_directories(dir / "program");
+  std::filesystem::copy_file(HIFX_BINARY, dir / "program" / "hifx.exe");
+  WriteBytes(dir / "program" / "Orphans.hom", kOrphanMap);
+  const auto r = RunProgram((dir / "program" / "hifx.exe").string(), {"map", "list"}, dir, {{"HIFX_SITE", ""}});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, "Orphans.hom\n");
+}
+#endif
+
 TEST(MapCommand, ShowsTheHeaderThenAFieldALine) {
   TempDir dir;
   Put(dir, "Orphans.hom", kOrphanMap);
