@@ -19,9 +19,14 @@ wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
 export WINEPREFIX="$PWD/build/windows-wine"
 export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
-"$wine" wineboot --init >/dev/null 2>&1 || true
-"$wineserver" -w
+# One server and one set of Wine's own services for the whole run, started
+# here with no output of ours open: a server that quits after each program
+# races the next program's start ("wine client error: recvmsg"), and services
+# started by a test would hold its output open.
+mkdir -p "$WINEPREFIX"
+"$wineserver" -p >/dev/null 2>&1
 trap '"$wineserver" -k >/dev/null 2>&1 || true' EXIT
+"$wine" wineboot --init >/dev/null 2>&1 || true
 
 echo "== Windows build (mingw-w64)"
 scripts/build.sh windows
