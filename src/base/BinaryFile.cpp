@@ -1,6 +1,7 @@
 #include "base/BinaryFile.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <system_error>
 #include <utility>
@@ -24,7 +25,8 @@ namespace {
 Failure FailureOfErrno(int err, const std::filesystem::path& path) {
   switch (err) {
     case ENOENT: return Failure(fail::kFileNotFound, "File not found: " + path.string());
-    case ENOSPC: return Failure(fail::kDiskFull);
+    case ENOSPC:
+    case EFBIG: return Failure(fail::kDiskFull, "Could not write " + path.string() + ": " + std::strerror(err));
     case EACCES:
     case EPERM: return Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
     default: return Failure(fail::kPathAccess, "Path/File access error: " + path.string());
@@ -35,6 +37,7 @@ Failure FailureOfErrno(int err, const std::filesystem::path& path) {
 
 BinaryFile::BinaryFile(BinaryFile&& other) noexcept
     : fd_(std::exchange(other.fd_, -1)),
+      path_(std::move(other.path_)),
       size_(other.size_),
       mapped_(std::exchange(other.mapped_, nullptr)),
       mappedSize_(std::exchange(other.mappedSize_, 0)) {}
@@ -43,6 +46,7 @@ BinaryFile& BinaryFile::operator=(BinaryFile&& other) noexcept {
   if (this != &other) {
     Close();
     fd_ = std::exchange(other.fd_, -1);
+    path_ = std::move(other.path_);
     size_ = other.size_;
     mapped_ = std::exchange(other.mapped_, nullptr);
     mappedSize_ = std::exchange(other.mappedSize_, 0);
@@ -78,6 +82,7 @@ BinaryFile::~BinaryFile() { Close(); }
 
 BinaryFile BinaryFile::OpenForWrite(const std::filesystem::path& path) {
   BinaryFile file;
+  file.path_ = path;
 #ifdef _WIN32
   file.fd_ = _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, _S_IREAD | _S_IWRITE);
 #else
@@ -110,7 +115,9 @@ void BinaryFile::WriteAt(uint64_t offset, std::string_view bytes) {
 #endif
     if (n < 0) {
       if (errno == EINTR) continue;
-      throw Failure(errno == ENOSPC ? fail::kDiskFull : fail::kPathAccess);
+      const int err = errno;
+      throw Failure(err == ENOSPC || err == EFBIG ? fail::kDiskFull : fail::kPathAccess,
+                    "Could not write " + path_.string() + ": " + std::strerror(err));
     }
     p += n;
     left -= static_cast<size_t>(n);

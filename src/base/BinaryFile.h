@@ -28,6 +28,7 @@ class BinaryFile {
   static BinaryFile OpenForWrite(const std::filesystem::path& path);
 
   bool IsOpen() const { return fd_ >= 0; }
+  const std::filesystem::path& Path() const { return path_; }
   int Handle() const { return fd_; }
   // Length of the file: its length when opened, grown by every write.
   uint64_t Size() const { return size_; }
@@ -45,6 +46,7 @@ class BinaryFile {
   void Unmap();
 
   int fd_ = -1;
+  std::filesystem::path path_;
   uint64_t size_ = 0;
   uint8_t* mapped_ = nullptr;
   uint64_t mappedSize_ = 0;

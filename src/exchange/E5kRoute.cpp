@@ -138,7 +138,7 @@ bool clsExchange::ConvertRouteE5K() {
       route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
       accounts.resize(RouteNames.size(), 0);
     } else if (kind == "H" || kind == "I") {
-      RouteCounts[route] = ToInt16(RouteCounts[route] + 1.0);
+      CountUp(RouteCounts[route]);
       ++meters;
     } else if (kind == "Z") {
       accounts[route] = NumberOf(record->GetValue("NumberofAccounts"));
@@ -148,6 +148,7 @@ bool clsExchange::ConvertRouteE5K() {
     }
   }
 
+  if (!RecordsFit(meters)) return false;
   const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
   if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {

@@ -177,7 +177,7 @@ bool clsExchange::ConvertRouteFlat() {
     ++LineNumber;
     const KeyedCollection<Value> values = ParseRoute(line, true);
     const int16_t route = AddRoute(TextOf(values.Item("RouteNbr")));
-    RouteCounts[static_cast<size_t>(route)] = ToInt16(RouteCounts[static_cast<size_t>(route)] + 1.0);
+    CountUp(RouteCounts[static_cast<size_t>(route)]);
     ++lines;
   }
 
@@ -185,6 +185,7 @@ bool clsExchange::ConvertRouteFlat() {
   LineNumber = 0;
   // A slot for each meter, route header and the file header, and a margin
   // for the code and index records.
+  if (!RecordsFit(lines)) return false;
   const int32_t records = lines + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
   if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {

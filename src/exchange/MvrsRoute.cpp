@@ -136,6 +136,7 @@ bool clsExchange::ConvertRouteMVRS() {
     }
   }
 
+  if (!RecordsFit(meterLines, static_cast<int32_t>(table.size()))) return false;
   const int32_t records = meterLines + static_cast<int32_t>(table.size()) + 2 + kCodeRecordReserve;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
   if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {

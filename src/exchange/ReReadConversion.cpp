@@ -48,6 +48,10 @@ bool clsExchange::ConvertReRead() {
     const std::string destination = Trim(ReReadDestination);
     if (destination.empty()) return Fail("Error: ReRead Destination not specified");
     Log("Writing to " + ReReadDestination);
+    if (!FilesApart({{"ReRead Source", source}, {"ReRead Conversion Map", MapFile(ReReadMap, kUseReRead)}},
+                    {{"ReRead Destination", destination}})) {
+      return false;
+    }
     // The old file goes on Yes, so none of its bytes stay behind the new one.
     if (!DestinationFree(destination, "ReRead", true)) return false;
     if (ReReadMap.empty()) return Fail("Error: ReRead Conversion Map not specified");
@@ -82,11 +86,16 @@ bool clsExchange::ConvertReRead() {
     std::string line;
     while (SourceFile->ReadLine(line)) {
       ++LineNumber;
-      RouteCounts[static_cast<size_t>(route)] = ToInt16(RouteCounts[static_cast<size_t>(route)] + 1.0);
+      CountUp(RouteCounts[static_cast<size_t>(route)]);
       ++meters;
     }
     SourceFile = std::make_unique<LineReader>(source);
     LineNumber = 0;
+    if (!RecordsFit(meters)) {
+      SourceFile.reset();
+      ActiveHIF.reset();
+      return false;
+    }
     const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 1;
     const int32_t fileType = (ReReadHIFType == "PRC" || ReReadHIFType == "PDB") ? kFilePDB : kFileVFS;
     if (ActiveHIF->CreateHIF(destination, fileType, records) != 0) {

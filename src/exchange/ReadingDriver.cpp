@@ -29,6 +29,17 @@ bool IsException(clsHIF& hif) {
 
 }  // namespace
 
+bool clsExchange::ReadingFilesApart(const std::string& source, const std::string& destination) {
+  std::vector<RunFile> sources{{"Reading Source", source}, {"Reading Conversion Map", MapFile(ReadingMap, kUseReading)}};
+  std::vector<RunFile> destinations{{"Reading Destination", destination}};
+  if (OrphanConvert != 0) {
+    sources.push_back({"Orphan Conversion Map", MapFile(OrphanMap, kUseOrphan)});
+    destinations.push_back({"Orphan Destination", Trim(OrphanDestination)});
+  }
+  if (AutoReRead) destinations.push_back({"Re-Read Destination", Trim(ReReadDestination)});
+  return FilesApart(sources, destinations);
+}
+
 bool clsExchange::ConvertReading() {
   const std::string source = Trim(ReadingSource);
   if (source.empty()) return Fail("Error: Reading Source not specified");
@@ -42,6 +53,7 @@ bool clsExchange::ConvertReading() {
   if (OrphanConvert != 0 && OrphanMap.empty()) return Fail("Error: Orphan Conversion Map not specified");
   if (AutoReRead && Trim(ReReadDestination).empty()) return Fail("Error: Re-Read Destination not specified");
   Log("Writing to " + ReadingDestination);
+  if (!ReadingFilesApart(source, destination)) return false;
   if (!DestinationFree(destination, "Reading", false)) return false;
 
   int16_t version = 0;

@@ -133,6 +133,10 @@ bool clsExchange::ConvertRoute() {
     const std::string destination = Trim(RouteDestination);
     if (destination.empty()) return Fail("Error: Route Destination not specified");
     Log("Writing to " + RouteDestination);
+    if (!FilesApart({{"Route Source", source}, {"Route Conversion Map", MapFile(RouteMap, kUseRoute)}},
+                    {{"Route Destination", destination}})) {
+      return false;
+    }
     if (!DestinationFree(destination, "Route", true)) return false;
     if (RouteMap.empty()) return Fail("Error: Route Conversion Map not specified");
     Log("Using Map: " + RouteMap);
@@ -214,6 +218,21 @@ bool clsExchange::ConvertRoute() {
   ActiveHIF.reset();
   SourceFile.reset();
   return result;
+}
+
+void clsExchange::CountUp(int16_t& count) {
+  // A route past what a file can hold is refused once the counting is done.
+  if (count < kMaxRecords) ++count;
+}
+
+bool clsExchange::RecordsFit(int32_t meters, int32_t routes) {
+  if (routes < 0) routes = static_cast<int32_t>(RouteNames.size() - 1);
+  // The file header, the route headers, the meters and the alert settings;
+  // index and code records come on top.
+  const int64_t needed = int64_t{meters} + routes + 2;
+  if (needed <= kMaxRecords) return true;
+  return Fail("Error: The route needs at least " + std::to_string(needed) + " records; a handheld file holds at most " +
+              std::to_string(kMaxRecords));
 }
 
 bool clsExchange::Fail(const std::string& line) {

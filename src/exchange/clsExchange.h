@@ -26,9 +26,6 @@
 
 namespace hifx {
 
-// ".hcm" for route and re-read, ".hrm" for reading, ".hom" for orphan maps,
-// empty for anything else.
-std::string MapExtension(int16_t type);
 // ".txt" for the four exchange types, empty otherwise.
 std::string DefaultFileExtension(int16_t type);
 // "Route", "ReRead", "Reading", "Orphan"; also the keys of the settings tree.
@@ -198,6 +195,17 @@ class clsExchange {
   // Asks before an existing destination is overwritten; false (logged) when
   // the answer is not Yes. remove deletes the old file on Yes.
   bool DestinationFree(const std::string& destination, std::string_view what, bool remove);
+  // One file a run reads or writes, by the words its messages use for it.
+  struct RunFile {
+    std::string role;  // "Route Source", "Reading Destination", ...
+    std::string name;
+  };
+  // Refuses (logged) a run whose destination is one of its sources or
+  // another of its destinations, or is something other than a plain file.
+  bool FilesApart(const std::vector<RunFile>& sources, const std::vector<RunFile>& destinations);
+  bool ReadingFilesApart(const std::string& source, const std::string& destination);
+  // The file of a map of the site, by its name and use.
+  std::string MapFile(const std::string& map, int16_t use) const;
   // The value of a field for an output line, with the default and its
   // warning for a field the file's version doesn't have.
   std::string OutputValue(const KeyedCollection<Value>& values, const MapField& field);
@@ -208,6 +216,11 @@ class clsExchange {
   void Log(const std::string& line);
   // Logs the line and gives false.
   bool Fail(const std::string& line);
+  // One more meter of a route, counted up to what a file can hold.
+  static void CountUp(int16_t& count);
+  // False, logged, when a file of the meters and routes (by default those of
+  // RouteNames) would need more records than a handheld file holds.
+  bool RecordsFit(int32_t meters, int32_t routes = -1);
 
   ExchangeEnvironment env_;
   std::unique_ptr<clsAdvanced> advanced_;

@@ -11,6 +11,10 @@
 
 namespace hifx {
 
+// The most records a handheld file holds: its readers walk the record table
+// with a 16-bit counter.
+inline constexpr int32_t kMaxRecords = 32767;
+
 class IPalmFile {
  public:
   virtual ~IPalmFile() = default;

@@ -74,6 +74,12 @@ void clsPalmFilePDB::Rewind() { position_ = 0; }
 
 bool clsPalmFilePDB::WriteRecord(std::string_view data) {
   if (!writer_.IsOpen()) throw Failure(fail::kBadFileName);
+  // A record beyond the count a reader can walk is refused before any of it
+  // is written: the file stays one that opens.
+  if (StoredCount() >= kMaxRecords) {
+    throw Failure(fail::kOverflow, "Could not write " + writer_.Path().string() + ": a handheld file holds at most " +
+                                       std::to_string(kMaxRecords) + " records");
+  }
   const uint64_t length = writer_.Size();
   writer_.WriteAt(length, data);
 
@@ -112,7 +118,7 @@ void clsPalmFilePDB::OpenForReading(const std::filesystem::path& fileName) {
   CopyPadded(contents_, kHeaderSize, countBlock_.data(), countBlock_.size());
   const int32_t count = StoredCount();
   // The table is walked with a 16-bit counter: more than 32767 records overflow.
-  if (count > 32767) throw Failure(fail::kOverflow);
+  if (count > kMaxRecords) throw Failure(fail::kOverflow);
   table_.assign(static_cast<size_t>(count + 1) * kSlotSize, 0);
   CopyPadded(contents_, kTableStart, table_.data(), static_cast<size_t>(count) * kSlotSize);
   PutBytes(std::span(table_.data() + static_cast<size_t>(count) * kSlotSize, 4),
@@ -137,7 +143,7 @@ int32_t clsPalmFilePDB::SlotOffset(size_t slot) const {
 
 int16_t clsPalmFilePDB::RecordCount() {
   const int32_t count = StoredCount();
-  if (count > 32767) throw Failure(fail::kOverflow);
+  if (count > kMaxRecords) throw Failure(fail::kOverflow);
   return static_cast<int16_t>(count);
 }
 

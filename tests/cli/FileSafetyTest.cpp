@@ -1,0 +1,124 @@
+// What a run must never do to the files a person has: write over one of its
+// own inputs, write one output over another, or replace anything that is not
+// a plain file. Each refusal names both files, exits 1 and touches nothing.
+#include <gtest/gtest.h>
+
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
+#include "support/ExampleSite.h"
+
+namespace hifx::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileSafety : public ExampleSite {
+ protected:
+  void SetUp() override {
+    ExampleSite::SetUp();
+    fs::copy_file(kExamples + "reading.pdb", reading);
+    fs::copy_file(kExamples + "route-fixed.txt", route);
+  }
+
+  // A reading run with every output named; the one under test replaced.
+  RunResult Reading(const std::string& option, const fs::path& name) {
+    std::vector<std::string> args{"--yes", "reading", "--source", reading.string()};
+    for (const auto& [o, file] : {std::pair{"--dest", "billing.txt"}, std::pair{"--orphans", "orphans.txt"},
+                                  std::pair{"--reread", "reread.pdb"}}) {
+      args.insert(args.end(), {o, o == option ? name.string() : (dir / file).string()});
+    }
+    return Hifx(args);
+  }
+
+  fs::path reading = dir / "reading.pdb";
+  fs::path route = dir / "route.txt";
+};
+
+TEST_F(FileSafety, NoReadingOutputIsTheReadingFileByAnyName) {
+  const std::string before = ReadBytes(reading);
+  fs::create_symlink(reading, dir / "link.pdb");
+  fs::create_hard_link(reading, dir / "hard.pdb");
+  for (const char* option : {"--dest", "--orphans", "--reread"}) {
+    for (const fs::path& name : {reading, dir / "link.pdb", dir / "hard.pdb", dir / "." / "reading.pdb"}) {
+      const auto r = Reading(option, name);
+      EXPECT_EQ(r.status, 1) << option << " " << name;
+      const std::string role = std::string(option) == "--dest"      ? "Reading Destination "
+                               : std::string(option) == "--orphans" ? "Orphan Destination "
+                                                                    : "Re-Read Destination ";
+      EXPECT_NE(r.out.find("Error: " + role + name.string() + " is the same file as Reading Source " +
+                           reading.string() + "\n"),
+                std::string::npos)
+          << r.out;
+      EXPECT_EQ(ReadBytes(reading), before);
+      EXPECT_FALSE(fs::exists(dir / "billing.txt"));
+    }
+  }
+}
+
+TEST_F(FileSafety, TwoOutputsOfOneRunAreNeverOneFile) {
+  const auto r = Reading("--orphans", dir / "billing.txt");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.out.find("Error: Orphan Destination " + (dir / "billing.txt").string() +
+                       " is the same file as Reading Destination " + (dir / "billing.txt").string() + "\n"),
+            std::string::npos)
+      << r.out;
+  // A name that doesn't exist yet is compared through its links.
+  fs::create_symlink(dir / "later.pdb", dir / "dangling.pdb");
+  const auto l = Hifx({"--yes", "reading", "--source", reading.string(), "--dest", (dir / "later.pdb").string(),
+                       "--no-orphans", "--reread", (dir / "dangling.pdb").string()});
+  EXPECT_EQ(l.status, 1);
+  EXPECT_NE(l.out.find("is the same file as Reading Destination"), std::string::npos) << l.out;
+  EXPECT_FALSE(fs::exists(dir / "later.pdb"));
+}
+
+TEST_F(FileSafety, ARouteIsNeverWrittenOverItsSourceOrItsMap) {
+  const std::string before = ReadBytes(route);
+  fs::create_symlink(route, dir / "link.txt");
+  for (const fs::path& name : {route, dir / "link.txt"}) {
+    const auto r = Hifx({"--yes", "route", "--source", route.string(), "--dest", name.string()});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.out.find("Error: Route Destination " + name.string() + " is the same file as Route Source " +
+                         route.string() + "\n"),
+              std::string::npos)
+        << r.out;
+    EXPECT_EQ(ReadBytes(route), before);
+  }
+  // The same names stored in the settings are refused the same way.
+  ASSERT_EQ(Hifx({"settings", "set", "RouteSource", route.string()}).status, 0);
+  ASSERT_EQ(Hifx({"settings", "set", "RouteDestination", route.string()}).status, 0);
+  EXPECT_EQ(Hifx({"--yes", "route"}).status, 1);
+  EXPECT_EQ(ReadBytes(route), before);
+  // The map the run reads is one of its inputs too.
+  const fs::path map = dir / "site" / "Billing.hcm";
+  const std::string mapBefore = ReadBytes(map);
+  ASSERT_FALSE(mapBefore.empty());
+  const auto m = Hifx({"--yes", "route", "--source", route.string(), "--dest", map.string(), "--map", "Billing"});
+  EXPECT_EQ(m.status, 1);
+  EXPECT_NE(m.out.find(" is the same file as Route Conversion Map "), std::string::npos) << m.out;
+  EXPECT_EQ(ReadBytes(map), mapBefore);
+}
+
+#ifndef _WIN32
+TEST_F(FileSafety, OnlyPlainFilesAreReplaced) {
+  ASSERT_EQ(mkfifo((dir / "fifo").c_str(), 0600), 0);
+  const auto r = Hifx({"--yes", "route", "--source", route.string(), "--dest", (dir / "fifo").string()});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.out.find("Error: Route Destination " + (dir / "fifo").string() + " is not a plain file\n"),
+            std::string::npos)
+      << r.out;
+  EXPECT_TRUE(fs::is_fifo(dir / "fifo"));
+  // A pipe as the billing file would block the run for ever.
+  for (const char* option : {"--dest", "--orphans", "--reread"}) {
+    EXPECT_EQ(Reading(option, dir / "fifo").status, 1) << option;
+    EXPECT_TRUE(fs::is_fifo(dir / "fifo"));
+  }
+  fs::create_directory(dir / "folder");
+  EXPECT_EQ(Hifx({"--yes", "route", "--source", route.string(), "--dest", (dir / "folder").string()}).status, 1);
+  EXPECT_TRUE(fs::is_directory(dir / "folder"));
+}
+#endif
+
+}  // namespace
+}  // namespace hifx::test
