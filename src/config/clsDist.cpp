@@ -8,6 +8,7 @@
 #include "base/Failure.h"
 #include "config/RegistryRoot.h"
 #include "config/clsRegistry.h"
+#include "maps/clsExchMap.h"
 
 namespace hifx {
 namespace {
@@ -66,10 +67,13 @@ bool StartsWith(std::string_view text, std::string_view prefix) {
   return text.substr(0, prefix.size()) == prefix;
 }
 
-// A map's file name must stay a plain name in the site folder.
-bool IsPlainFileName(const std::string& name) {
-  return !name.empty() && name != "." && name != ".." &&
-         name.find_first_of("/\\:") == std::string::npos && name.find('\0') == std::string::npos;
+// A map section names a map of its own kind: a plain name in the site
+// folder with the ending of that kind, never a hidden name or any other file
+// the site keeps for itself.
+bool IsMapName(const std::string& name, std::string_view ending) {
+  return name.size() > ending.size() && name.front() != '.' &&
+         name.find_first_of("/\\:") == std::string::npos && name.find('\0') == std::string::npos &&
+         UpperCase(name.substr(name.size() - ending.size())) == UpperCase(ending);
 }
 
 }  // namespace
@@ -122,9 +126,12 @@ bool clsDist::LoadDist(const std::filesystem::path& path) {
   for (size_t i = 1; i < sections.size(); ++i) {
     const std::string& section = sections[i];
     const std::string head = UpperCase(section.substr(0, 16));
-    if (StartsWith(head, "ROUTE MAP") || StartsWith(head, "READING MAP") ||
-        StartsWith(head, "ORPHAN MAP")) {
-      LoadMapSection(section);
+    if (StartsWith(head, "ROUTE MAP")) {
+      LoadMapSection(section, kUseRoute);
+    } else if (StartsWith(head, "READING MAP")) {
+      LoadMapSection(section, kUseReading);
+    } else if (StartsWith(head, "ORPHAN MAP")) {
+      LoadMapSection(section, kUseOrphan);
     } else if (StartsWith(head, "REGISTRY")) {
       LoadRegistrySection(section);
     }
@@ -134,20 +141,25 @@ bool clsDist::LoadDist(const std::filesystem::path& path) {
   return true;
 }
 
-void clsDist::LoadMapSection(const std::string& section) {
+void clsDist::LoadMapSection(const std::string& section, int32_t use) {
   const size_t map = section.find(" MAP ");
   const size_t close = map == std::string::npos ? std::string::npos : section.find(']', map);
   const size_t content = section.find("HIF=");
   std::string name;
   if (close != std::string::npos) name = section.substr(map + 5, close - map - 5);
-  if (close == std::string::npos || content == std::string::npos || !IsPlainFileName(name)) {
+  // The new map must load as a map of its kind before it takes the old one's
+  // place; otherwise the old one stays.
+  const auto loads = [&](const std::filesystem::path& written) {
+    clsExchMap probe(site_);
+    return probe.LoadMap(written.filename().string(), use);
+  };
+  if (close == std::string::npos || content == std::string::npos || !IsMapName(name, MapExtension(use)) ||
+      !ReplaceFileIf(site_ / name, section.substr(content), loads)) {
     const size_t end = section.find(']');
     shell_.MsgBox("Improperly formatted map file" + std::string(kCrLf) +
                       section.substr(0, end == std::string::npos ? std::min<size_t>(section.size(), 80) : end),
                   kCaption, MsgButtons::OK, MsgIcon::Critical);
-    return;
   }
-  ReplaceFile(site_ / name, section.substr(content));
 }
 
 void clsDist::LoadRegistrySection(const std::string& section) {

@@ -28,7 +28,7 @@ class clsDist {
 
  private:
   void LoadRegistrySection(const std::string& section);
-  void LoadMapSection(const std::string& section);
+  void LoadMapSection(const std::string& section, int32_t use);
 
   IRegistryStore& store_;
   IShell& shell_;

@@ -23,16 +23,6 @@ int16_t DecodeInteger(const Value& v) {
 
 }  // namespace
 
-std::string MapExtension(int16_t type) {
-  switch (type) {
-    case kUseRoute:
-    case kUseReRead: return ".hcm";  // route and re-read share their maps
-    case kUseReading: return ".hrm";
-    case kUseOrphan: return ".hom";
-    default: return {};
-  }
-}
-
 std::string DefaultFileExtension(int16_t type) {
   switch (type) {
     case kUseRoute:

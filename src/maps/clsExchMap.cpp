@@ -7,6 +7,7 @@
 
 #include "base/AtomicFile.h"
 #include "base/Failure.h"
+#include "base/FileNames.h"
 #include "base/LineReader.h"
 #include "base/Numbers.h"
 #include "maps/MapCatalogues.h"
@@ -255,7 +256,8 @@ bool clsExchMap::SetMapping(std::string_view name, std::string_view p1, std::str
 }
 
 std::filesystem::path clsExchMap::MapFileName() const {
-  if (mapName_.empty()) return {};
+  // A map is named, never pathed: its file lies in the site folder.
+  if (mapName_.empty() || HasFolderPart(mapName_)) return {};
   if (mapUse_ != kUseRoute && mapUse_ != kUseReRead && mapUse_ != kUseReading &&
       mapUse_ != kUseOrphan) {
     return {};
@@ -413,6 +415,16 @@ bool clsExchMap::ValidateMap(std::string& messages) const {
   if (collected.empty()) return true;
   messages = "Mapping Errors found:" + std::string(kCrLf) + collected;
   return false;
+}
+
+std::string MapExtension(int32_t use) {
+  switch (use) {
+    case kUseRoute:
+    case kUseReRead: return ".hcm";  // route and re-read share their maps
+    case kUseReading: return ".hrm";
+    case kUseOrphan: return ".hom";
+    default: return {};
+  }
 }
 
 }  // namespace hifx

@@ -49,6 +49,10 @@ inline constexpr int32_t kMaxMapOptions = 255;
 // The largest map file LoadMap reads.
 inline constexpr uint64_t kMaxMapFileSize = 1024 * 1024;
 
+// ".hcm" for route and re-read, ".hrm" for reading, ".hom" for orphan maps,
+// empty for anything else.
+std::string MapExtension(int32_t use);
+
 struct MapField {
   std::string FieldName;
   int32_t DataType = kTypeText;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "config/RegistryRoot.h"
 #include "support/TestRegistryStore.h"
 #include "config/clsDist.h"
@@ -100,6 +102,46 @@ TEST(Dist, BadSectionsAreReportedAndTheRestLoads) {
   EXPECT_EQ(ReadBytes(site.Folder() / "New.hrm"), "HIF=1.1\nMAPTYPE=2");
   EXPECT_FALSE(std::filesystem::exists(dir / "escape.hom"));
   EXPECT_FALSE(std::filesystem::exists(site.Folder() / "x.hxm"));
+}
+
+// A map section names a map of its section's kind, nothing else of the
+// site's; what it holds must load as a map. A refused section leaves the file
+// of that name as it was and nothing beside it.
+TEST(Dist, AMapSectionWritesOnlyAMapOfItsOwnKind) {
+  TempDir dir;
+  Site site(dir / "site");
+  WriteBytes(site.Folder() / "Keep.hcm", "HIF=1.1\r\nold\r\n");
+  const std::string huge = "HIF=1.1\r\n" + std::string(1024 * 1024 + 1, 'x');
+  for (const std::string& name : {"registry.db", "HALVERNLINK.PRC", "Keep.hrm", "Keep.hom", ".hcm",
+                                  ".Keep.hcm", "Keep.hcm.txt", "Keep"}) {
+    WriteBytes(dir / "one.dst", "DIST 1.0\r\n[ROUTE MAP " + name + "]\r\nHIF=1.1\r\nMAPTYPE=1\r\n");
+    const bool existed = std::filesystem::exists(site.Folder() / name);
+    const std::string before = ReadBytes(site.Folder() / name);
+    TestShell shell;
+    ASSERT_TRUE(site.Dist(shell).LoadDist(dir / "one.dst"));
+    ASSERT_EQ(shell.questions.size(), 2u) << name;
+    EXPECT_EQ(shell.questions[0].text, "Improperly formatted map file\r\nROUTE MAP " + name);
+    EXPECT_EQ(std::filesystem::exists(site.Folder() / name), existed) << name;
+    EXPECT_EQ(ReadBytes(site.Folder() / name), before) << name;
+  }
+  WriteBytes(dir / "big.dst", "DIST 1.0\r\n[ROUTE MAP Keep.hcm]\r\n" + huge);
+  TestShell shell;
+  ASSERT_TRUE(site.Dist(shell).LoadDist(dir / "big.dst"));
+  EXPECT_EQ(shell.questions[0].text, "Improperly formatted map file\r\nROUTE MAP Keep.hcm");
+  EXPECT_EQ(ReadBytes(site.Folder() / "Keep.hcm"), "HIF=1.1\r\nold\r\n");
+  // The ending is the kind's in any case; the new map replaces the old whole.
+  WriteBytes(dir / "good.dst", "DIST 1.0\r\n[ROUTE MAP Keep.HCM]\r\nHIF=1.1\r\nMAPTYPE=2\r\n");
+  TestShell good;
+  ASSERT_TRUE(site.Dist(good).LoadDist(dir / "good.dst"));
+  EXPECT_EQ(good.questions.size(), 1u);
+  EXPECT_EQ(ReadBytes(site.Folder() / "Keep.HCM"), "HIF=1.1\r\nMAPTYPE=2\r\n");
+  std::vector<std::string> left;
+  for (const auto& entry : std::filesystem::directory_iterator(site.Folder())) {
+    left.push_back(entry.path().filename().string());
+  }
+  std::sort(left.begin(), left.end());
+  // No temporary file stays behind a refused or a loaded section.
+  for (const std::string& name : left) EXPECT_NE(name.front(), '.') << name;
 }
 
 }  // namespace
