@@ -37,41 +37,47 @@ enum class Kind { Text, Flag, Integer };
 
 struct Setting {
   const char* name;
+  const char* section;  // where the registry keeps it
+  const char* key;
   Kind kind;
   std::string clsExchange::*text = nullptr;
   bool clsExchange::*flag = nullptr;
   int16_t clsExchange::*integer = nullptr;
 };
 
-Setting Text(const char* name, std::string clsExchange::*member) { return {name, Kind::Text, member}; }
-Setting Flag(const char* name, bool clsExchange::*member) { return {name, Kind::Flag, nullptr, member}; }
-Setting Integer(const char* name, int16_t clsExchange::*member) {
-  return {name, Kind::Integer, nullptr, nullptr, member};
+Setting Text(const char* name, const char* section, const char* key, std::string clsExchange::*member) {
+  return {name, section, key, Kind::Text, member};
+}
+Setting Flag(const char* name, const char* section, const char* key, bool clsExchange::*member) {
+  return {name, section, key, Kind::Flag, nullptr, member};
+}
+Setting Integer(const char* name, const char* section, const char* key, int16_t clsExchange::*member) {
+  return {name, section, key, Kind::Integer, nullptr, nullptr, member};
 }
 
 // The twenty settings in the order they are loaded.
 const std::vector<Setting>& Settings() {
   static const std::vector<Setting> settings = {
-      Text("RouteSource", &clsExchange::RouteSource),
-      Text("RouteDestination", &clsExchange::RouteDestination),
-      Text("RouteMap", &clsExchange::RouteMap),
-      Text("RouteHIFType", &clsExchange::RouteHIFType),
-      Text("ReReadSource", &clsExchange::ReReadSource),
-      Text("ReReadDestination", &clsExchange::ReReadDestination),
-      Text("ReReadMap", &clsExchange::ReReadMap),
-      Text("ReReadHIFType", &clsExchange::ReReadHIFType),
-      Text("ReadingSource", &clsExchange::ReadingSource),
-      Text("ReadingDestination", &clsExchange::ReadingDestination),
-      Text("ReadingMap", &clsExchange::ReadingMap),
-      Flag("AutoReRead", &clsExchange::AutoReRead),
-      Text("OrphanDestination", &clsExchange::OrphanDestination),
-      Text("OrphanMap", &clsExchange::OrphanMap),
-      Integer("OrphanConvert", &clsExchange::OrphanConvert),
-      Integer("OrphanReplace", &clsExchange::OrphanReplace),
-      Flag("AutoInstall", &clsExchange::AutoInstall),
-      Text("AutoInstallUnit", &clsExchange::AutoInstallUnit),
-      Flag("AutoInstallPrompt", &clsExchange::AutoInstallPrompt),
-      Flag("AutoInstallLeave", &clsExchange::AutoInstallLeave),
+      Text("RouteSource", "Route", "Source", &clsExchange::RouteSource),
+      Text("RouteDestination", "Route", "Destination", &clsExchange::RouteDestination),
+      Text("RouteMap", "Route", "Map", &clsExchange::RouteMap),
+      Text("RouteHIFType", "Route", "HIFType", &clsExchange::RouteHIFType),
+      Text("ReReadSource", "ReRead", "Source", &clsExchange::ReReadSource),
+      Text("ReReadDestination", "ReRead", "Destination", &clsExchange::ReReadDestination),
+      Text("ReReadMap", "ReRead", "Map", &clsExchange::ReReadMap),
+      Text("ReReadHIFType", "ReRead", "HIFType", &clsExchange::ReReadHIFType),
+      Text("ReadingSource", "Reading", "Source", &clsExchange::ReadingSource),
+      Text("ReadingDestination", "Reading", "Destination", &clsExchange::ReadingDestination),
+      Text("ReadingMap", "Reading", "Map", &clsExchange::ReadingMap),
+      Flag("AutoReRead", "Reading", "AutoReRead", &clsExchange::AutoReRead),
+      Text("OrphanDestination", "Orphan", "Destination", &clsExchange::OrphanDestination),
+      Text("OrphanMap", "Orphan", "Map", &clsExchange::OrphanMap),
+      Integer("OrphanConvert", "Orphan", "Convert", &clsExchange::OrphanConvert),
+      Integer("OrphanReplace", "Orphan", "Replace", &clsExchange::OrphanReplace),
+      Flag("AutoInstall", "PRCInstall", "AutoInstall", &clsExchange::AutoInstall),
+      Text("AutoInstallUnit", "PRCInstall", "Unit", &clsExchange::AutoInstallUnit),
+      Flag("AutoInstallPrompt", "PRCInstall", "Prompt", &clsExchange::AutoInstallPrompt),
+      Flag("AutoInstallLeave", "PRCInstall", "Leave", &clsExchange::AutoInstallLeave),
   };
   return settings;
 }
@@ -163,7 +169,11 @@ int RunSettings(Context& context, const Args& args) {
                      (setting->kind == Kind::Flag ? " takes Y or N" : " takes a whole number"));
       }
       const std::string expected = Show(exchange, *setting);
-      exchange.SaveSettings();
+      // Only this setting is written: another process may be setting another.
+      if (!exchange.SaveParm(setting->section, setting->key, expected)) {
+        std::fprintf(stderr, "hifx: settings: %s could not be saved\n", setting->name);
+        return kExitNotComplete;
+      }
       // A failed write is silent in the engine, and an empty value reads
       // back as the default; a script wants to know either way.
       exchange.LoadSettings();

@@ -86,7 +86,11 @@ int Usage(const std::string& problem) {
 
 const std::filesystem::path& Context::SiteFolder() const {
   std::error_code ec;
-  std::filesystem::create_directories(site, ec);
+  // The site's passwords live in it: a new site folder is its owner's alone.
+  if (!std::filesystem::exists(site, ec) && std::filesystem::create_directories(site, ec)) {
+    std::filesystem::permissions(site, std::filesystem::perms::owner_all, std::filesystem::perm_options::replace,
+                                 ec);
+  }
   return site;
 }
 
@@ -108,7 +112,7 @@ int main(int argc, char** argv) {
   for (; i < args.size(); ++i) {
     const std::string& a = args[i];
     if (a == "--site") {
-      if (i + 1 >= args.size()) return Usage("--site needs a folder");
+      if (i + 1 >= args.size() || args[i + 1].empty()) return Usage("--site needs a folder");
       site = args[++i];
     } else if (a == "--yes") {
       answer = true;

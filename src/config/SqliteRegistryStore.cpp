@@ -7,7 +7,11 @@
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #endif
 
 namespace hifx {
@@ -60,8 +64,16 @@ SqliteRegistryStore::SqliteRegistryStore(const std::filesystem::path& file, int 
 #ifndef _WIN32
   // Made readable by its owner only before SQLite ever opens it; its journal
   // files take the same permissions.
+  // The site's passwords are in it: a file left readable by others is
+  // tightened.
   const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (fd < 0) throw OpenFailure(file, "cannot open the settings database");
+  if (fd < 0) throw OpenFailure(file, std::string("cannot open the settings database (") + std::strerror(errno) + ")");
+  struct stat st {};
+  if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    ::close(fd);
+    throw OpenFailure(file, "the settings database is not a plain file");
+  }
+  if ((st.st_mode & 077) != 0) ::fchmod(fd, st.st_mode & 0700);
   ::close(fd);
 #endif
   if (sqlite3_open_v2(file.string().c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
@@ -95,6 +107,10 @@ SqliteRegistryStore::SqliteRegistryStore(const std::filesystem::path& file, int 
     sqlite3_finalize(tables);
     if (count != 0) throw fail("not a settings database (it holds another program's tables)");
   }
+  if (const std::string damage = Damage(); !damage.empty()) {
+    throw fail("the settings database is damaged (" + damage +
+               "); restore it from a copy, or load the site's distribution file into a new site folder");
+  }
   if (!Exec("PRAGMA journal_mode=WAL") || !Exec("PRAGMA synchronous=NORMAL")) {
     throw fail(std::string("cannot use the settings database (") + sqlite3_errmsg(db_) + ")");
   }
@@ -118,6 +134,23 @@ SqliteRegistryStore::SqliteRegistryStore(const std::filesystem::path& file, int 
 SqliteRegistryStore::~SqliteRegistryStore() {
   for (sqlite3_stmt* s : statements_) sqlite3_finalize(s);
   sqlite3_close(db_);
+}
+
+std::string SqliteRegistryStore::Damage() {
+  sqlite3_stmt* check = nullptr;
+  if (sqlite3_prepare_v2(db_, "PRAGMA integrity_check(1)", -1, &check, nullptr) != SQLITE_OK) {
+    return sqlite3_errmsg(db_);
+  }
+  std::string damage;
+  if (sqlite3_step(check) == SQLITE_ROW) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(check, 0));
+    damage = text == nullptr ? "no answer to the check" : text;
+    if (damage == "ok") damage.clear();
+  } else {
+    damage = sqlite3_errmsg(db_);
+  }
+  sqlite3_finalize(check);
+  return damage;
 }
 
 bool SqliteRegistryStore::Exec(const char* sql) {

@@ -41,6 +41,8 @@ class SqliteRegistryStore : public IRegistryStore {
   // Id of the key, 0 when missing; with create, missing keys are made.
   int64_t FindKey(uint32_t hive, const KeyNames& key, bool create);
   bool Exec(const char* sql);
+  // SQLite's own check of every page of the file: what is wrong, or empty.
+  std::string Damage();
   bool InTransaction(const std::function<bool()>& work);
   sqlite3_stmt* Prepared(int which, const char* sql);
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 
@@ -67,6 +69,33 @@ TEST(SettingsCommands, SetGetAndShow) {
   EXPECT_EQ(RunHifx(At(site, {"settings", "get", "Nothing"}), dir).status, 2);
 }
 
+// Two scripts setting different settings of one site at once: every set
+// stays, none is undone by the other's.
+TEST(SettingsCommands, TwoProcessesSettingAtOnceLoseNothing) {
+  TempDir dir;
+  const auto site = dir / "site";
+  ASSERT_EQ(RunHifx(At(site, {"settings", "set", "RouteSource", "start"}), dir).status, 0);
+  constexpr int kSets = 200;
+  auto setter = [&](const char* setting, int& failures) {
+    TempDir own;  // each its own captured output
+    for (int i = 1; i <= kSets; ++i) {
+      const std::string value = std::string(setting) + std::to_string(i);
+      if (RunHifx(At(site, {"settings", "set", setting, value}), own).status != 0) ++failures;
+    }
+  };
+  int failuresA = 0;
+  int failuresB = 0;
+  std::thread a(setter, "RouteSource", std::ref(failuresA));
+  std::thread b(setter, "ReadingDestination", std::ref(failuresB));
+  a.join();
+  b.join();
+  EXPECT_EQ(failuresA, 0);
+  EXPECT_EQ(failuresB, 0);
+  const auto show = RunHifx(At(site, {"settings"}), dir);
+  EXPECT_NE(show.out.find("RouteSource=RouteSource200\n"), std::string::npos) << show.out;
+  EXPECT_NE(show.out.find("ReadingDestination=ReadingDestination200\n"), std::string::npos) << show.out;
+}
+
 TEST(SiteCommands, ShowListsEverySection) {
   TempDir dir;
   const auto site = dir / "site";
@@ -94,6 +123,24 @@ TEST(SiteCommands, ARegistryFileThatIsNotADatabaseIsLeftAlone) {
     EXPECT_NE(r.err.find("registry.db"), std::string::npos) << r.err;
   }
   EXPECT_EQ(ReadBytes(site / "registry.db"), "this is not a database, it is a letter");
+}
+
+// A settings database damaged inside is an error, never the defaults.
+TEST(SiteCommands, ADamagedRegistryIsAnErrorAndStaysAsItWas) {
+  TempDir dir;
+  const auto site = dir / "site";
+  ASSERT_EQ(RunHifx(At(site, {"dist", "load", kExampleSite}), dir).status, 0);
+  std::string bytes = ReadBytes(site / "registry.db");
+  ASSERT_GT(bytes.size(), 3u * 4096);
+  for (size_t at = 4096 + 8; at < 3 * 4096; at += 7) bytes[at] = static_cast<char>(0xA5);
+  WriteBytes(site / "registry.db", bytes);
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"settings"}, {"site", "show"}, {"settings", "set", "RouteMap", "x"}}) {
+    const auto r = RunHifx(At(site, command), dir);
+    EXPECT_EQ(r.status, 2) << command[0] << r.out;
+    EXPECT_NE(r.err.find((site / "registry.db").string() + ": "), std::string::npos) << r.err;
+  }
+  EXPECT_EQ(ReadBytes(site / "registry.db"), bytes);
 }
 #endif
 
