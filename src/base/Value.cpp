@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "base/Clock.h"
 #include "base/DateSerial.h"
 #include "base/Failure.h"
 #include "base/Numbers.h"
@@ -60,15 +61,13 @@ std::string Value::ToText() const {
     case ValueKind::Single: return FormatFloat(std::get<float>(data_), 7);
     case ValueKind::Double: return FormatFloat(std::get<double>(data_), 15);
     case ValueKind::Date: {
+      // The short date of the run log and the reports: one date form
+      // everywhere a date becomes text.
       const CivilTime t = FromDateValue(std::get<DateTag>(data_).serial);
-      char buf[40];
-      if (t.hour == 0 && t.minute == 0 && t.second == 0) {
-        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d", t.year, t.month, t.day);
-      } else {
-        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", t.year, t.month, t.day,
-                      t.hour, t.minute, t.second);
-      }
-      return buf;
+      if (t.hour == 0 && t.minute == 0 && t.second == 0) return ShortDate(t);
+      char time[16];
+      std::snprintf(time, sizeof time, " %02d:%02d:%02d", t.hour, t.minute, t.second);
+      return ShortDate(t) + time;
     }
     case ValueKind::Text: return std::get<std::string>(data_);
   }

@@ -151,7 +151,9 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
     e.SetValue("NoReadCode", Value("00"));
     upload.WriteRecord(e);
   }
-  if (current != 0) writeRouteEnd(current);
+  // The file always ends with a "Z" line: with no meter to upload it is the
+  // only line, and names no route.
+  writeRouteEnd(current);
   return true;
 }
 

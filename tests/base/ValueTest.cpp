@@ -33,9 +33,9 @@ TEST(Value, TextForms) {
   EXPECT_EQ(Value::Double(100).ToText(), "100");
   EXPECT_EQ(Value::Double(1e20).ToText(), "1E+20");
   EXPECT_EQ(Value::Single(0.1f).ToText(), "0.1");
-  EXPECT_EQ(Value::Date(DateSerial(2024, 2, 29)).ToText(), "2024-02-29");
+  EXPECT_EQ(Value::Date(DateSerial(2024, 2, 29)).ToText(), "2/29/2024");
   EXPECT_EQ(Value::Date(DateSerial(2024, 2, 29) + TimeSerial(13, 5, 9)).ToText(),
-            "2024-02-29 13:05:09");
+            "2/29/2024 13:05:09");
 }
 
 TEST(DateSerial, DaysSinceTheEndOf1899) {

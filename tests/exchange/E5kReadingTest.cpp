@@ -104,6 +104,12 @@ TEST_F(E5kReading, ARouteMetAgainIsOpenedAgainAndAnEmptyAccountOpensNone) {
                           L("ZSOUTH   HIF")}));
 }
 
+TEST_F(E5kReading, AnUploadWithNoMeterToSendStillEndsWithItsZLine) {
+  Reading({{1, 1, "A1", "VG1", 4}, {2, 2, "A2", "VG2", 1, 99, 0}}, "P42 loaded", "XYZEMP");
+  ASSERT_TRUE(site.Exchange().ConvertReading());
+  EXPECT_EQ(Upload(), (std::vector<std::string>{L("Z        P42EMP")}));
+}
+
 TEST_F(E5kReading, AMeterOfARouteWithNoHeaderIsAFailureOfTheRun) {
   Reading({{1, 1, "A1", "VG1"}, {3, 2, "A1", "VG1"}});
   EXPECT_FALSE(site.Exchange().ConvertReading());

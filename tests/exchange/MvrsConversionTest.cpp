@@ -95,7 +95,7 @@ TEST(MvrsRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
   EXPECT_EQ(Text(records[0], "Initials"), "HIF loaded from " + (site.dir / "route.txt").string());
   EXPECT_EQ(Text(records[1], "Initials"), "R1      ");
   EXPECT_EQ(NumberOf(records[1].Item("PrvReading")), 3);
-  EXPECT_EQ(Text(records[1], "User1"), "NE~01~05~2026-11-20~3");
+  EXPECT_EQ(Text(records[1], "User1"), "NE~01~05~11/20/2026~3");
 
   const auto meters = site.Meters();
   ASSERT_EQ(meters.size(), 3u);  // M1, M2, M3; not M4
@@ -205,7 +205,7 @@ class MvrsReadingSite : public MvrsSite {
     w.Add({{"RecType", 0}, {"RouteNbr", routes}, {"MeterType", 3}});
     for (int r = 1; r <= routes; ++r) {
       w.Add({{"RecType", routeRecType}, {"RouteNbr", r}, {"Initials", "ROUTE" + std::to_string(r)},
-             {"User1", "NE~01~05~2026-11-20~3"}});
+             {"User1", "NE~01~05~11/20/2026~3"}});
     }
     for (const ReadMeter& m : meters) {
       w.Add({{"RecType", m.recType}, {"RouteNbr", m.route}, {"Sequence", 7}, {"MeterType", m.meterType},
