@@ -120,5 +120,42 @@ TEST_F(FileSafety, OnlyPlainFilesAreReplaced) {
 }
 #endif
 
+// A route too big for one handheld file is refused before a file is made.
+TEST_F(FileSafety, ARouteBeyondTheRecordLimitIsRefusedWithNoFile) {
+  const std::string line = ReadBytes(route).substr(0, ReadBytes(route).find("\r\n") + 2);
+  std::string big;
+  for (int i = 0; i < 33000; ++i) big += line;
+  WriteBytes(dir / "big.txt", big);
+  const auto r = Hifx({"--yes", "route", "--source", (dir / "big.txt").string(), "--dest", (dir / "big.pdb").string()});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.out.find("Error: The route needs at least 33003 records; a handheld file holds at most 32767\n"),
+            std::string::npos)
+      << r.out;
+  EXPECT_FALSE(fs::exists(dir / "big.pdb"));
+}
+
+TEST_F(FileSafety, AMapIsNamedNeverPathed) {
+  fs::copy_file(dir / "site" / "Billing.hcm", dir / "Outside.hcm");
+  const auto r = Hifx({"--yes", "route", "--source", route.string(), "--dest", (dir / "r.pdb").string(), "--map",
+                       "../Outside"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.out.find("Error: Could not load Route Conversion Map\n"), std::string::npos) << r.out;
+  EXPECT_EQ(RunHifx({"--site", "", "settings"}, dir).status, 2);
+}
+
+#ifndef _WIN32
+TEST_F(FileSafety, TheSitesSecretsAreItsOwnersAlone) {
+  const auto mode = [](const fs::path& p) { return fs::status(p).permissions() & fs::perms::all; };
+  EXPECT_EQ(mode(dir / "site"), fs::perms::owner_all);
+  EXPECT_EQ(mode(dir / "site" / "registry.db"), fs::perms::owner_read | fs::perms::owner_write);
+  ASSERT_EQ(Hifx({"dist", "write", (dir / "copy.dst").string()}).status, 0);
+  EXPECT_EQ(mode(dir / "copy.dst"), fs::perms::owner_read | fs::perms::owner_write);
+  // A registry left readable by others is tightened when next opened.
+  fs::permissions(dir / "site" / "registry.db", fs::perms::group_read | fs::perms::others_read, fs::perm_options::add);
+  ASSERT_EQ(Hifx({"settings"}).status, 0);
+  EXPECT_EQ(mode(dir / "site" / "registry.db"), fs::perms::owner_read | fs::perms::owner_write);
+}
+#endif
+
 }  // namespace
 }  // namespace hifx::test

@@ -137,6 +137,18 @@ TEST_F(PdbContainer, RecordCountLimitIs32767) {
   EXPECT_EQ(reader.OpenFile(dir / "bad.pdb"), fail::kOverflow);
   EXPECT_FALSE(reader.TestFileType(dir / "bad.pdb"));
   EXPECT_TRUE(reader.TestFileType(dir / "ok.pdb"));
+  // The writer refuses the record past the limit before writing any of it,
+  // so what it leaves opens.
+  {
+    clsPalmFilePDB writer;
+    Create(writer, dir / "full.pdb", 33000);
+    for (int i = 0; i < 32767; ++i) writer.WriteRecord("r");
+    const auto size = std::filesystem::file_size(dir / "full.pdb");
+    EXPECT_EQ(FailureNumber([&] { writer.WriteRecord("r"); }), fail::kOverflow);
+    EXPECT_EQ(std::filesystem::file_size(dir / "full.pdb"), size);
+  }
+  EXPECT_EQ(reader.OpenFile(dir / "full.pdb"), 0);
+  EXPECT_EQ(reader.RecordCount(), 32767);
 }
 
 TEST_F(PdbContainer, ShortOrMissingFiles) {
