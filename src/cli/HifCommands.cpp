@@ -4,20 +4,50 @@
 
 #include "base/Failure.h"
 #include "cli/Commands.h"
+#include "handheld/PalmFileCheck.h"
 #include "hif/HifView.h"
 #include "hif/clsHIF.h"
 
 namespace hifx::cli {
 namespace {
 
+// A control character of a file's text shown as \xHH: a terminal never
+// receives an escape sequence it would act on, nor a tab or line break that
+// would shift the table.
+void AppendShown(std::string& line, const std::string& text) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || (byte >= 0x7F && byte <= 0x9F)) {
+      line += "\\x";
+      line.push_back(kHex[byte >> 4]);
+      line.push_back(kHex[byte & 15]);
+    } else {
+      line.push_back(c);
+    }
+  }
+}
+
 void PrintRow(const std::vector<std::string>& cells) {
   std::string line;
   for (size_t i = 0; i < cells.size(); ++i) {
     if (i > 0) line.push_back('\t');
-    line += cells[i];
+    AppendShown(line, cells[i]);
   }
   line.push_back('\n');
   std::fwrite(line.data(), 1, line.size(), stdout);
+}
+
+// Whether the file's structure holds as the handheld's own readers want it;
+// says what is wrong when it doesn't.
+bool Sound(const char* command, const std::string& file) {
+  // A file that can't be read at all is said so by the reading itself.
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(file, ec)) return true;
+  const std::string damage = PalmFileDamage(file);
+  if (damage.empty()) return true;
+  std::fprintf(stderr, "hifx: %s: %s: damaged handheld file: %s\n", command, file.c_str(), damage.c_str());
+  return false;
 }
 
 }  // namespace
@@ -29,6 +59,7 @@ int RunDump(Context&, const Args& args) {
   // one message a field.
   SilentShell quiet;
   try {
+    if (!Sound("dump", file)) return kExitUsage;
     const int16_t version = ReadFileVersion(quiet, file);
     clsHIF hif(quiet);
     if (version < 0 || (hif.SetVersion(version), hif.OpenHIF(file))) {
@@ -81,6 +112,7 @@ int RunView(Context& context, const Args& args) {
   }
   if (file.empty()) return Usage("view takes one FILE");
   try {
+    if (!Sound("view", file)) return kExitUsage;
     HifView view(context.shell);
     if (!view.Display(file)) {
       context.shell.MsgBox("Unable to display file", {}, MsgButtons::OK, MsgIcon::None);

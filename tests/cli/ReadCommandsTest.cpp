@@ -3,6 +3,7 @@
 #include <functional>
 #include <random>
 
+#include "support/HifImage.h"
 #include "support/RunHifx.h"
 #include "support/SampleHif.h"
 #include "support/TempDir.h"
@@ -65,6 +66,20 @@ TEST(ViewCommand, RoutesAndTheMetersOfOneRoute) {
   EXPECT_EQ(Lines(none.out), 1u);  // the columns, no meters
 }
 
+// A file's texts never reach the terminal as escape sequences.
+TEST(ViewCommand, ControlCharactersAreShownEscaped) {
+  TempDir dir;
+  TestShell shell;
+  {
+    HifWriter w(shell, dir / "odd.pdb");
+    w.Add({{"RecType", 0}, {"RouteNbr", 1}, {"MeterType", 3}});
+    w.Add({{"RecType", 1}, {"RouteNbr", 1}, {"Initials", "N\x1b[2J\tX\x9b\xc9"}});
+  }
+  const auto r = RunHifx({"view", (dir / "odd.pdb").string()}, dir);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, "Index\tRoute\tMeters\tFirst Read\tLast Read\n1\tN\\x1B[2J\\x09X\\x9B\xc9\t0\t0\t0\n");
+}
+
 TEST(ViewCommand, AFileThatCannotBeReadIsSaidSo) {
   TempDir dir;
   const auto r = RunHifx({"view", (dir / "missing.pdb").string()}, dir);
@@ -83,13 +98,12 @@ TEST(CommandLine, BadUsageExitsTwo) {
   EXPECT_EQ(RunHifx({"--help"}, dir).status, 0);
 }
 
-// Damaged files: a clear message and exit 2, or a clean read of what can be
-// read; never a crash or a hang.
+// Damaged files: what is wrong, said with the file's name, and exit 2 before
+// anything is shown; never a crash, a hang or a partial listing.
 struct DamagedCase {
   const char* name;
   std::function<std::string(std::string)> damage;  // the sample file's bytes, damaged; none: no file
-  int dumpStatus;
-  size_t dumpLines;
+  const char* says;                                // what the message says is wrong
 };
 void PrintTo(const DamagedCase& c, std::ostream* os) { *os << c.name; }
 
@@ -101,38 +115,47 @@ std::string WithCount(std::string bytes, uint8_t high, uint8_t low) {
 
 class DamagedFileTest : public testing::TestWithParam<DamagedCase> {};
 
-TEST_P(DamagedFileTest, DumpAndViewStayInControl) {
+TEST_P(DamagedFileTest, DumpAndViewSayWhatIsWrong) {
   TempDir dir;
   TestShell shell;
   WriteSampleHif(shell, dir / "good.pdb", kFilePDB);
   const auto path = dir / GetParam().name;
   if (GetParam().damage) WriteBytes(path, GetParam().damage(ReadBytes(dir / "good.pdb")));
-  const auto dump = RunHifx({"dump", path.string()}, dir);
-  ASSERT_TRUE(dump.exited) << "dump died";
-  EXPECT_EQ(dump.status, GetParam().dumpStatus) << dump.err;
-  EXPECT_EQ(Lines(dump.out), GetParam().dumpLines);
-  if (dump.status != 0) {  // a message that names the file
-    EXPECT_EQ(dump.err.rfind("hifx: dump: ", 0), 0u) << dump.err;
-    EXPECT_NE(dump.err.find(path.string()), std::string::npos) << dump.err;
+  for (const char* command : {"dump", "view"}) {
+    const auto r = RunHifx({command, path.string()}, dir);
+    ASSERT_TRUE(r.exited) << command << " died";
+    EXPECT_EQ(r.status, 2) << command;
+    if (std::string(command) == "dump") {
+      EXPECT_EQ(r.out, "");
+      EXPECT_EQ(r.err.rfind("hifx: dump: ", 0), 0u) << r.err;
+      EXPECT_NE(r.err.find(path.string()), std::string::npos) << r.err;
+    }
+    EXPECT_NE((r.out + r.err).find(GetParam().says), std::string::npos) << command << ": " << r.out << r.err;
   }
-  const auto view = RunHifx({"view", path.string()}, dir);
-  ASSERT_TRUE(view.exited) << "view died";
-  EXPECT_TRUE(view.status == 0 || view.status == 2) << view.status;
 }
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::Values(
-    DamagedCase{"missing", nullptr, 2, 0},
-    DamagedCase{"empty", [](std::string) { return std::string(); }, 0, 0},
-    DamagedCase{"header_only", [](std::string b) { return b.substr(0, 50); }, 0, 0},
-    DamagedCase{"truncated", [](std::string b) { return b.substr(0, b.size() - 150); }, 2, 4},
+    DamagedCase{"missing", nullptr, "ould not read HIF file"},
+    DamagedCase{"empty", [](std::string) { return std::string(); }, "0 bytes long, too short for the 78-byte header"},
+    DamagedCase{"header_only", [](std::string b) { return b.substr(0, 50); }, "too short for the 78-byte header"},
+    DamagedCase{"truncated", [](std::string b) { return b.substr(0, b.size() - 150); },
+                ", past the end of the file ("},
     // Record 2 starts far past the end.
-    DamagedCase{"past_end", [](std::string b) { return b.replace(78 + 8 * 2 + 2, 1, "\x7F"); }, 2, 1},
+    DamagedCase{"past_end", [](std::string b) { return b.replace(78 + 8 * 2 + 2, 1, "\x7F"); },
+                "record 2 starts at offset 32627, past the end of the file (868 bytes)"},
     // Record 3 starts before record 2.
-    DamagedCase{"out_of_order", [](std::string b) { return b.replace(78 + 8 * 3, 4, Hex("00000060")); }, 2, 2},
-    DamagedCase{"count_32768", [](std::string b) { return WithCount(b, 0x80, 0); }, 2, 0},
-    DamagedCase{"count_32767", [](std::string b) { return WithCount(b, 0x7F, 0xFF); }, 2, 6},
-    DamagedCase{"vfs_bad_length", [](std::string) { return Hex("00000005 0001") + "xxx" + Hex("7FFFFFFF"); }, 2, 1}),
+    DamagedCase{"out_of_order", [](std::string b) { return b.replace(78 + 8 * 3, 4, Hex("00000060")); },
+                "record 3 starts at offset 96, inside the header or the record list"},
+    DamagedCase{"count_32768", [](std::string b) { return WithCount(b, 0x80, 0); }, "32768 records, more than"},
+    DamagedCase{"count_32767", [](std::string b) { return WithCount(b, 0x7F, 0xFF); },
+                "32767 records, and their list runs past the end of the file"},
+    DamagedCase{"count_past_list", [](std::string b) { return WithCount(b, 0, 8); },
+                "record 7 starts at offset 0, inside the header or the record list"},
+    DamagedCase{"unnamed", [](std::string b) { return b.replace(0, 32, std::string(32, 'N')); },
+                "the database name has no terminating NUL"},
+    DamagedCase{"vfs_bad_length", [](std::string) { return Hex("00000005 0001") + "xxx" + Hex("7FFFFFFF"); },
+                "record 1 at offset 9 claims 2147483647 bytes, past the end of the file"}),
     [](const auto& info) { return std::string(info.param.name); });
 // clang-format on
 

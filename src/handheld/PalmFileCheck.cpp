@@ -1,0 +1,76 @@
+#include "handheld/PalmFileCheck.h"
+
+#include <cstdint>
+
+#include "base/BinaryFile.h"
+#include "handheld/IPalmFile.h"
+#include "handheld/clsPalmFilePDB.h"
+#include "handheld/clsPalmFileVFS.h"
+
+namespace hifx {
+namespace {
+
+uint32_t BigEndianAt(const std::string& bytes, size_t at, size_t width) {
+  uint32_t value = 0;
+  for (size_t i = 0; i < width; ++i) value = value << 8 | static_cast<uint8_t>(bytes[at + i]);
+  return value;
+}
+
+std::string PdbDamage(const std::string& bytes) {
+  constexpr size_t kTable = clsPalmFilePDB::kTableStart;
+  constexpr size_t kSlot = clsPalmFilePDB::kSlotSize;
+  if (bytes.size() < kTable) {
+    return "the file is " + std::to_string(bytes.size()) + " bytes long, too short for the " +
+           std::to_string(kTable) + "-byte header";
+  }
+  if (bytes.find('\0') >= 32) return "the database name has no terminating NUL within its 32 bytes";
+  const uint32_t count = BigEndianAt(bytes, kTable - 2, 2);
+  if (count > static_cast<uint32_t>(kMaxRecords)) {
+    return "the header counts " + std::to_string(count) + " records, more than the " +
+           std::to_string(kMaxRecords) + " a handheld file holds";
+  }
+  const size_t tableEnd = kTable + kSlot * count;
+  if (tableEnd > bytes.size()) {
+    return "the header counts " + std::to_string(count) + " records, and their list runs past the end of the file";
+  }
+  uint32_t previous = 0;
+  for (uint32_t record = 0; record < count; ++record) {
+    const uint32_t offset = BigEndianAt(bytes, kTable + kSlot * record, 4);
+    const std::string which = "record " + std::to_string(record) + " starts at offset " + std::to_string(offset);
+    if (offset < tableEnd) return which + ", inside the header or the record list";
+    if (offset > bytes.size()) {
+      return which + ", past the end of the file (" + std::to_string(bytes.size()) + " bytes)";
+    }
+    if (offset < previous) return which + ", before the record ahead of it (" + std::to_string(previous) + ")";
+    previous = offset;
+  }
+  return {};
+}
+
+std::string VfsDamage(const std::string& bytes) {
+  size_t at = 0;
+  for (uint32_t record = 0; at < bytes.size(); ++record) {
+    if (bytes.size() - at < 4) {
+      return "record " + std::to_string(record) + " has a cut length at offset " + std::to_string(at);
+    }
+    const uint32_t length = BigEndianAt(bytes, at, 4);
+    if (length > bytes.size() - at - 4) {
+      return "record " + std::to_string(record) + " at offset " + std::to_string(at) + " claims " +
+             std::to_string(length) + " bytes, past the end of the file";
+    }
+    at += 4 + length;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string PalmFileDamage(const std::string& bytes, bool vfs) { return vfs ? VfsDamage(bytes) : PdbDamage(bytes); }
+
+std::string PalmFileDamage(const std::filesystem::path& path) {
+  // The containers are told apart as the record layer tells them.
+  const bool vfs = clsPalmFileVFS().TestFileType(path);
+  return PalmFileDamage(ReadWholeFile(path), vfs);
+}
+
+}  // namespace hifx
