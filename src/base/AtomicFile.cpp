@@ -2,15 +2,15 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <random>
 #include <system_error>
+#include <utility>
 
 #include "base/Failure.h"
+#include "base/FileDevice.h"
 
 #ifndef _WIN32
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -19,81 +19,67 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path TemporaryBeside(const fs::path& path) {
+fs::path HiddenBeside(const fs::path& path) {
   std::random_device random;
   return path.parent_path() / ("." + path.filename().string() + "." + std::to_string(random()) + ".tmp");
 }
 
-Failure WriteFailure(const fs::path& path, const std::string& what, int err) {
-  return Failure(err == ENOSPC ? fail::kDiskFull : fail::kPathAccess,
-                 "Could not " + what + " " + path.string() + ": " + std::strerror(err));
-}
-
-#ifndef _WIN32
-// The new file made complete and durable under its temporary name.
-void WriteDurably(const fs::path& temp, const fs::path& path, const std::string& bytes, bool ownerOnly) {
-  const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly ? 0600 : 0666);
-  if (fd < 0) throw WriteFailure(path, "create a new", errno);
-  const char* p = bytes.data();
-  size_t left = bytes.size();
-  int err = 0;
-  while (left > 0 && err == 0) {
-    const ssize_t n = ::write(fd, p, left);
-    if (n < 0 && errno != EINTR) err = errno;
-    if (n > 0) {
-      p += n;
-      left -= static_cast<size_t>(n);
-    }
-  }
-  if (err == 0 && ::fsync(fd) != 0) err = errno;
-  if (::close(fd) != 0 && err == 0) err = errno;
-  if (err != 0) {
-    ::unlink(temp.c_str());
-    throw WriteFailure(path, "write", err);
-  }
-}
-
 void SyncFolder(const fs::path& folder) {
+#ifndef _WIN32
   const int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd < 0) return;  // the rename stands; only its durability is the system's
   ::fsync(fd);
   ::close(fd);
-}
 #else
-void WriteDurably(const fs::path& temp, const fs::path& path, const std::string& bytes, bool ownerOnly) {
-  (void)ownerOnly;  // the folder's own rights hold on Windows
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    if (!out) throw WriteFailure(path, "create a new", errno);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out) {
-      std::error_code ignored;
-      fs::remove(temp, ignored);
-      throw WriteFailure(path, "write", errno != 0 ? errno : EIO);
-    }
-  }
+  (void)folder;  // the rename was asked to write through
+#endif
 }
 
-void SyncFolder(const fs::path&) {}
-#endif
+}  // namespace
+
+FileReplacement::FileReplacement(fs::path target) : target_(std::move(target)), written_(HiddenBeside(target_)) {}
+
+FileReplacement::FileReplacement(FileReplacement&& other) noexcept
+    : target_(std::move(other.target_)), written_(std::exchange(other.written_, {})) {}
+
+FileReplacement& FileReplacement::operator=(FileReplacement&& other) noexcept {
+  if (this != &other) {
+    Abandon();
+    target_ = std::move(other.target_);
+    written_ = std::exchange(other.written_, {});
+  }
+  return *this;
+}
+
+FileReplacement::~FileReplacement() { Abandon(); }
+
+void FileReplacement::Commit() {
+  if (!Active()) return;
+  if (Device().Rename(written_, target_) != 0) {
+    const int err = errno;
+    Abandon();
+    throw WriteFailure(fail::kPathAccess, "Could not replace " + target_.string() + ": " + std::strerror(err));
+  }
+  written_.clear();
+  SyncFolder(target_.parent_path());
+}
+
+void FileReplacement::Abandon() {
+  if (!Active()) return;
+  Device().Remove(written_);
+  written_.clear();
+}
+
+namespace {
 
 bool Replace(const fs::path& path, const std::string& bytes, bool ownerOnly,
              const std::function<bool(const fs::path& written)>& acceptable) {
-  const fs::path temp = TemporaryBeside(path);
-  WriteDurably(temp, path, bytes, ownerOnly);
-  std::error_code ec;
-  if (acceptable && !acceptable(temp)) {
-    fs::remove(temp, ec);
-    return false;
-  }
-  fs::rename(temp, path, ec);
-  if (ec) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    throw Failure(fail::kPathAccess, "Could not replace " + path.string() + ": " + ec.message());
-  }
-  SyncFolder(path.parent_path());
+  FileReplacement replacement(path);
+  BinaryFile file = BinaryFile::CreateNew(replacement.Written(), ownerOnly);
+  file.Append(bytes);
+  file.Finish();
+  if (acceptable && !acceptable(replacement.Written())) return false;
+  replacement.Commit();
   return true;
 }
 
@@ -106,6 +92,38 @@ void ReplaceFile(const fs::path& path, const std::string& bytes, bool ownerOnly)
 bool ReplaceFileIf(const fs::path& path, const std::string& bytes,
                    const std::function<bool(const fs::path& written)>& acceptable) {
   return Replace(path, bytes, false, acceptable);
+}
+
+OutputFile::OutputFile(const fs::path& path, bool keepOld)
+    : replacement_(path), file_(BinaryFile::CreateNew(replacement_.Written())) {
+  std::error_code ec;
+  if (keepOld && fs::is_regular_file(path, ec)) file_.Append(ReadWholeFile(path));
+  buffer_.reserve(kBufferSize);
+}
+
+void OutputFile::Write(std::string_view bytes) {
+  if (buffer_.size() + bytes.size() > kBufferSize) Flush();
+  if (bytes.size() >= kBufferSize) {
+    file_.Append(bytes);
+  } else {
+    buffer_.append(bytes);
+  }
+}
+
+void OutputFile::Flush() {
+  file_.Append(buffer_);
+  buffer_.clear();
+}
+
+void OutputFile::Commit() {
+  try {
+    Flush();
+    file_.Finish();
+    replacement_.Commit();
+  } catch (...) {
+    failed_ = true;
+    throw;
+  }
 }
 
 }  // namespace hifx

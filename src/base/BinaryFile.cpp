@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Failure.h"
+#include "base/FileDevice.h"
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -22,14 +23,17 @@
 namespace hifx {
 namespace {
 
-Failure FailureOfErrno(int err, const std::filesystem::path& path) {
+// A file that can't be opened for writing, by its name and the system's
+// reason, under the number the system has always given that reason.
+WriteFailure OpenFailure(int err, const std::filesystem::path& path) {
+  const std::string words = "Could not open " + path.string() + " for writing: " + std::strerror(err);
   switch (err) {
-    case ENOENT: return Failure(fail::kFileNotFound, "File not found: " + path.string());
+    case ENOENT: return WriteFailure(fail::kFileNotFound, words);
     case ENOSPC:
-    case EFBIG: return Failure(fail::kDiskFull, "Could not write " + path.string() + ": " + std::strerror(err));
+    case EFBIG: return WriteFailure(fail::kDiskFull, words);
     case EACCES:
-    case EPERM: return Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
-    default: return Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+    case EPERM: return WriteFailure(fail::kPermissionDenied, words);
+    default: return WriteFailure(fail::kPathAccess, words);
   }
 }
 
@@ -37,6 +41,7 @@ Failure FailureOfErrno(int err, const std::filesystem::path& path) {
 
 BinaryFile::BinaryFile(BinaryFile&& other) noexcept
     : fd_(std::exchange(other.fd_, -1)),
+      failed_(other.failed_),
       path_(std::move(other.path_)),
       size_(other.size_),
       mapped_(std::exchange(other.mapped_, nullptr)),
@@ -46,6 +51,7 @@ BinaryFile& BinaryFile::operator=(BinaryFile&& other) noexcept {
   if (this != &other) {
     Close();
     fd_ = std::exchange(other.fd_, -1);
+    failed_ = other.failed_;
     path_ = std::move(other.path_);
     size_ = other.size_;
     mapped_ = std::exchange(other.mapped_, nullptr);
@@ -60,7 +66,7 @@ uint8_t* BinaryFile::MapHead(uint64_t size) {
   (void)size;
   return nullptr;
 #else
-  if (fd_ < 0 || size == 0 || size > size_) return nullptr;
+  if (fd_ < 0 || size == 0 || size > size_ || !Device().MapsFiles()) return nullptr;
   // The file was opened write-only; a shared mapping needs it readable too.
   void* p = ::mmap(nullptr, size, PROT_WRITE, MAP_SHARED, fd_, 0);
   if (p == MAP_FAILED) return nullptr;
@@ -80,15 +86,17 @@ void BinaryFile::Unmap() {
 
 BinaryFile::~BinaryFile() { Close(); }
 
-BinaryFile BinaryFile::OpenForWrite(const std::filesystem::path& path) {
+BinaryFile BinaryFile::OpenForWrite(const std::filesystem::path& path) { return Open(path, false, false); }
+
+BinaryFile BinaryFile::CreateNew(const std::filesystem::path& path, bool ownerOnly) {
+  return Open(path, true, ownerOnly);
+}
+
+BinaryFile BinaryFile::Open(const std::filesystem::path& path, bool createNew, bool ownerOnly) {
   BinaryFile file;
   file.path_ = path;
-#ifdef _WIN32
-  file.fd_ = _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, _S_IREAD | _S_IWRITE);
-#else
-  file.fd_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-#endif
-  if (file.fd_ < 0) throw FailureOfErrno(errno, path);
+  file.fd_ = Device().Open(path, createNew, ownerOnly);
+  if (file.fd_ < 0) throw OpenFailure(errno, path);
 #ifdef _WIN32
   struct _stat64 st {};
   const bool regular = _fstat64(file.fd_, &st) == 0 && (st.st_mode & _S_IFREG) != 0;
@@ -101,24 +109,22 @@ BinaryFile BinaryFile::OpenForWrite(const std::filesystem::path& path) {
   return file;
 }
 
+void BinaryFile::Fail(const char* what, int err) {
+  failed_ = true;
+  throw WriteFailure(err == ENOSPC || err == EFBIG ? fail::kDiskFull : fail::kPathAccess,
+                std::string("Could not ") + what + " " + path_.string() + ": " + std::strerror(err));
+}
+
 void BinaryFile::WriteAt(uint64_t offset, std::string_view bytes) {
   if (fd_ < 0) throw Failure(fail::kBadFileName);
   const char* p = bytes.data();
   size_t left = bytes.size();
   uint64_t at = offset;
   while (left > 0) {
-#ifdef _WIN32
-    if (_lseeki64(fd_, static_cast<__int64>(at), SEEK_SET) < 0) throw Failure(fail::kPathAccess);
-    const int n = _write(fd_, p, static_cast<unsigned>(left > 0x40000000 ? 0x40000000 : left));
-#else
-    const ssize_t n = ::pwrite(fd_, p, left, static_cast<off_t>(at));
-#endif
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      const int err = errno;
-      throw Failure(err == ENOSPC || err == EFBIG ? fail::kDiskFull : fail::kPathAccess,
-                    "Could not write " + path_.string() + ": " + std::strerror(err));
-    }
+    const int64_t n = Device().WriteAt(fd_, p, left, at);
+    if (n < 0 && errno == EINTR) continue;
+    // A write that takes nothing is a full disk as much as one that fails.
+    if (n <= 0) Fail("write", n == 0 ? ENOSPC : errno);
     p += n;
     left -= static_cast<size_t>(n);
     at += static_cast<uint64_t>(n);
@@ -126,14 +132,24 @@ void BinaryFile::WriteAt(uint64_t offset, std::string_view bytes) {
   if (at > size_) size_ = at;
 }
 
+void BinaryFile::Finish() {
+  if (fd_ < 0) return;
+  if (failed_) {
+    Close();
+    throw WriteFailure(fail::kPathAccess, "Could not write " + path_.string() + ": an earlier write failed");
+  }
+  Unmap();
+  const int handle = std::exchange(fd_, -1);
+  int err = 0;
+  if (Device().Sync(handle) != 0) err = errno;
+  if (Device().Close(handle) != 0 && err == 0) err = errno;
+  if (err != 0) Fail("finish", err);
+}
+
 void BinaryFile::Close() {
   Unmap();
   if (fd_ >= 0) {
-#ifdef _WIN32
-    _close(fd_);
-#else
-    ::close(fd_);
-#endif
+    Device().Close(fd_);
     fd_ = -1;
   }
 }

@@ -26,13 +26,20 @@ class BinaryFile {
   // Opens for binary writing, creating the file if needed. An existing file is
   // not truncated. Raises a failure when the file can't be opened.
   static BinaryFile OpenForWrite(const std::filesystem::path& path);
+  // A file that must not exist yet, made for writing; ownerOnly keeps it to
+  // its owner from its first moment.
+  static BinaryFile CreateNew(const std::filesystem::path& path, bool ownerOnly = false);
 
   bool IsOpen() const { return fd_ >= 0; }
   const std::filesystem::path& Path() const { return path_; }
   int Handle() const { return fd_; }
   // Length of the file: its length when opened, grown by every write.
   uint64_t Size() const { return size_; }
+  // Every write is checked: one that fails raises a failure naming the file
+  // and the system's reason, and the file counts as failed from then on.
   void WriteAt(uint64_t offset, std::string_view bytes);
+  void Append(std::string_view bytes) { WriteAt(size_, bytes); }
+  bool Failed() const { return failed_; }
   // Maps the first `size` bytes of the file, which must exist, for writing
   // in place: a store into the mapping is in the operating system's hands at
   // once, as a write call is, so a killed process loses nothing of it.
@@ -40,12 +47,21 @@ class BinaryFile {
   // writes through WriteAt.
   uint8_t* MapHead(uint64_t size);
   uint64_t MappedSize() const { return mappedSize_; }
+  // The checked end of writing: the bytes put on the disk itself, and the
+  // file closed. Raises, naming the file, when that fails or an earlier
+  // write did.
+  void Finish();
+  // Closes without a word, as a release does.
   void Close();
 
  private:
   void Unmap();
 
+  static BinaryFile Open(const std::filesystem::path& path, bool createNew, bool ownerOnly);
+  [[noreturn]] void Fail(const char* what, int err);
+
   int fd_ = -1;
+  bool failed_ = false;
   std::filesystem::path path_;
   uint64_t size_ = 0;
   uint8_t* mapped_ = nullptr;

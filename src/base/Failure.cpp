@@ -1,5 +1,7 @@
 #include "base/Failure.h"
 
+#include <new>
+
 namespace hifx {
 
 std::string StandardDescription(int number) {
@@ -27,5 +29,12 @@ Failure::Failure(int number) : Failure(number, StandardDescription(number)) {}
 
 Failure::Failure(int number, const std::string& description)
     : std::runtime_error(description), number_(number) {}
+
+std::string Describe(const std::exception& failure) {
+  if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr) {
+    return "Not enough memory to go on: the run needs more than the system gives it";
+  }
+  return failure.what();
+}
 
 }  // namespace hifx

@@ -29,6 +29,11 @@ inline constexpr int kDuplicateKey = 457;
 // better words.
 std::string StandardDescription(int number);
 
+// What a failure that reaches an error frame says: a Failure's description,
+// and plain words for the standard library's own, running out of memory among
+// them.
+std::string Describe(const std::exception& failure);
+
 class Failure : public std::runtime_error {
  public:
   explicit Failure(int number);
@@ -39,6 +44,13 @@ class Failure : public std::runtime_error {
 
  private:
   int number_;
+};
+
+// A failure to put bytes on the disk: the open, write, sync, close or rename
+// of a file being written. A run tells it from a failure of what it reads.
+class WriteFailure : public Failure {
+ public:
+  using Failure::Failure;
 };
 
 }  // namespace hifx

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "base/FileIdentity.h"
 #include "cli/Commands.h"
 #include "reports/clsReport.h"
 #ifdef HIFX_HAVE_QT
@@ -53,7 +54,7 @@ bool ParseTypes(const std::string& list, int32_t& mask, std::string& problem) {
 
 // OUT itself for one report; for several, the type's word behind the name:
 // out.pdf gives out-exception.pdf, out-reading.pdf, ...
-[[maybe_unused]] std::filesystem::path ReportFileName(const std::filesystem::path& out, const char* word, bool several) {
+std::filesystem::path ReportFileName(const std::filesystem::path& out, const char* word, bool several) {
   if (!several) return out;
   std::filesystem::path file = out;
   file.replace_filename(out.stem().string() + "-" + word + out.extension().string());
@@ -86,6 +87,22 @@ int RunReport(Context& context, const Args& args) {
     }
   }
   if (mask == 0 || file.empty() || pdf.empty() == printer.empty()) return Usage(std::string(kReportUsage));
+  const bool several = (mask & (mask - 1)) != 0;
+  // A report never takes the place of the file it reports on, nor of
+  // anything but a plain file.
+  for (const ReportKind& kind : kKinds) {
+    if (pdf.empty() || (mask & kind.type) == 0) continue;
+    const std::filesystem::path out = ReportFileName(pdf, kind.word, several);
+    if (SameFile(out, file)) {
+      std::fprintf(stderr, "hifx: report: %s is the same file as the reading file %s\n", out.string().c_str(),
+                   file.c_str());
+      return kExitUsage;
+    }
+    if (!IsReplaceable(out)) {
+      std::fprintf(stderr, "hifx: report: %s is not a plain file\n", out.string().c_str());
+      return kExitUsage;
+    }
+  }
 
 #ifndef HIFX_HAVE_QT
   (void)context;
@@ -95,7 +112,6 @@ int RunReport(Context& context, const Args& args) {
 #else
   const QtReportSession session;
   QtUserSettings settings;
-  const bool several = (mask & (mask - 1)) != 0;
   try {
     for (const ReportKind& kind : kKinds) {
       if ((mask & kind.type) == 0) continue;
@@ -108,6 +124,7 @@ int RunReport(Context& context, const Args& args) {
       }
       // Each report is titled with its own name, as the main window prints it.
       if (!report.Begin(false, file, kind.type, titled ? title : ReportTitle(kind.type))) return kExitUsage;
+      printers->Finish();
     }
   } catch (const Failure& failure) {
     context.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);

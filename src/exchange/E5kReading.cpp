@@ -42,7 +42,7 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
   clsE5KUpload upload(&env_.shell);
-  upload.CreateFile(Trim(ReadingDestination));
+  upload.Open(Trim(ReadingDestination));
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
@@ -154,6 +154,7 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   // The file always ends with a "Z" line: with no meter to upload it is the
   // only line, and names no route.
   writeRouteEnd(current);
+  upload.Finish();
   return true;
 }
 

@@ -151,7 +151,7 @@ bool clsExchange::ConvertRouteE5K() {
   if (!RecordsFit(meters)) return false;
   const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
-  if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {
+  if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
     return Fail("Error: Could not Create Route HIF File");
   }
   WriteFileHeader(source, meters, ActiveHIF->Version());

@@ -266,8 +266,22 @@ void clsExchange::WriteOutputLine(std::string line) {
     case 4: line += '\0'; break;
     default: break;
   }
-  OutputFile->write(line.data(), static_cast<std::streamsize>(line.size()));
-  if (!*OutputFile) throw Failure(fail::kDiskFull, "Could not write the output file");
+  Output->Write(line);
+}
+
+bool clsExchange::KeepOutput() {
+  if (!Output) return true;
+  const std::unique_ptr<OutputFile> output = std::move(Output);
+  if (!output->Failed()) {
+    try {
+      output->Commit();
+      return true;
+    } catch (const Failure& failure) {
+      Log("Error: " + failure.Description());
+    }
+  }
+  OutputFailed = true;  // a failed write is logged where it failed
+  return false;
 }
 
 void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
@@ -283,11 +297,10 @@ void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
 
 namespace {
 
-std::unique_ptr<std::ofstream> OpenOutput(const std::string& path, bool append) {
-  auto out = std::make_unique<std::ofstream>(
-      path, std::ios::binary | (append ? std::ios::app : std::ios::trunc));
-  if (!*out) throw Failure(fail::kPathAccess, "Path/File access error: " + path);
-  return out;
+// The new output is written beside the old file and takes its place only
+// when complete; an append starts from the old file's bytes.
+std::unique_ptr<OutputFile> OpenOutput(const std::string& path, bool append) {
+  return std::make_unique<OutputFile>(path, append);
 }
 
 }  // namespace
@@ -295,7 +308,7 @@ std::unique_ptr<std::ofstream> OpenOutput(const std::string& path, bool append) 
 bool clsExchange::ConvertReadingFlat(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
-  OutputFile = OpenOutput(Trim(ReadingDestination), false);
+  Output = OpenOutput(Trim(ReadingDestination), false);
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
@@ -347,14 +360,15 @@ bool clsExchange::ConvertReadingFlat(int16_t version) {
     if (passes) WriteOutputLine(std::move(line));
     FirstRecord = false;
   }
-  OutputFile.reset();
+  Output->Commit();
+  Output.reset();
   return true;
 }
 
 bool clsExchange::ConvertOrphanFlat(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
-  OutputFile = OpenOutput(Trim(OrphanDestination), OrphanReplace == 0);
+  Output = OpenOutput(Trim(OrphanDestination), OrphanReplace == 0);
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
@@ -374,7 +388,8 @@ bool clsExchange::ConvertOrphanFlat(int16_t version) {
     if (mapType == kMapDelimited) line = AssembleDelimited(values);
     WriteOutputLine(std::move(line));
   }
-  OutputFile.reset();
+  Output->Commit();
+  Output.reset();
   return true;
 }
 

@@ -188,7 +188,7 @@ bool clsExchange::ConvertRouteFlat() {
   if (!RecordsFit(lines)) return false;
   const int32_t records = lines + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
-  if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {
+  if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
     return Fail("Error: Could not Create Route HIF File");
   }
   WriteFileHeader(source, lines, ActiveHIF->Version());

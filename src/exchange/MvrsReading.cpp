@@ -525,6 +525,7 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
   } catch (const Aborted&) {
     return false;
   }
+  upload.Finish();
   return true;
 }
 

@@ -139,7 +139,7 @@ bool clsExchange::ConvertRouteMVRS() {
   if (!RecordsFit(meterLines, static_cast<int32_t>(table.size()))) return false;
   const int32_t records = meterLines + static_cast<int32_t>(table.size()) + 2 + kCodeRecordReserve;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
-  if (ActiveHIF->CreateHIF(Trim(RouteDestination), fileType, records) != 0) {
+  if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
     return Fail("Error: Could not Create Route HIF File");
   }
   clsHIF& hif = *ActiveHIF;

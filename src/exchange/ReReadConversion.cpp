@@ -52,8 +52,9 @@ bool clsExchange::ConvertReRead() {
                     {{"ReRead Destination", destination}})) {
       return false;
     }
-    // The old file goes on Yes, so none of its bytes stay behind the new one.
-    if (!DestinationFree(destination, "ReRead", true)) return false;
+    // The old file stays whole until the new one, written beside it, is
+    // complete and takes its place.
+    if (!DestinationFree(destination, "ReRead", false)) return false;
     if (ReReadMap.empty()) return Fail("Error: ReRead Conversion Map not specified");
     Log("Using Map: " + ReReadMap);
     ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
@@ -98,8 +99,10 @@ bool clsExchange::ConvertReRead() {
     }
     const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 1;
     const int32_t fileType = (ReReadHIFType == "PRC" || ReReadHIFType == "PDB") ? kFilePDB : kFileVFS;
-    if (ActiveHIF->CreateHIF(destination, fileType, records) != 0) {
+    RouteFile = FileReplacement(destination);
+    if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
       SourceFile.reset();
+      RouteFile.Abandon();
       ActiveHIF.reset();
       return Fail("Error: Could not Create ReRead HIF File");
     }
@@ -115,7 +118,7 @@ bool clsExchange::ConvertReRead() {
       if (result == 2) HadProblems = true;
       if (result == 3) {
         SourceFile.reset();
-        ActiveHIF.reset();
+        KeepRouteFile();
         return false;
       }
       WriteReReadMeter(values);
@@ -124,7 +127,7 @@ bool clsExchange::ConvertReRead() {
       Log("Problems encountered; Route file unusable");
     } else if (MetersWritten > 0) {
       Log(std::to_string(SeenTags.Count()) + " meters written to ReRead HIF File");
-      ActiveHIF.reset();
+      if (!KeepRouteFile()) return false;
       if ((ReReadHIFType == "PRC" || ReReadHIFType == "PDB") && AutoInstall) InstallPRC(ReReadDestination);
       SeenTags = KeyedCollection<std::string>();
       Log(HadWarnings ? "ReRead Conversion Finished with Warnings" : "ReRead Conversion Finished");
@@ -133,16 +136,16 @@ bool clsExchange::ConvertReRead() {
       Log("The ReReadHIF contains no meter records. The ReReadHIF file is unusable.");
     }
     SourceFile.reset();
-    ActiveHIF.reset();
-    return !HadProblems && MetersWritten > 0;
+    const bool kept = KeepRouteFile();
+    return kept && !HadProblems && MetersWritten > 0;
   } catch (const Failure& failure) {
     SourceFile.reset();
-    ActiveHIF.reset();
+    KeepRouteFile();
     env_.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
   } catch (const std::exception& failure) {
     SourceFile.reset();
-    ActiveHIF.reset();
-    env_.shell.MsgBox(failure.what(), "Error", MsgButtons::OK, MsgIcon::Critical);
+    KeepRouteFile();
+    env_.shell.MsgBox(Describe(failure), "Error", MsgButtons::OK, MsgIcon::Critical);
   }
   return false;
 }

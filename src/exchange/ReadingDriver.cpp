@@ -41,6 +41,7 @@ bool clsExchange::ReadingFilesApart(const std::string& source, const std::string
 }
 
 bool clsExchange::ConvertReading() {
+  OutputFailed = false;
   const std::string source = Trim(ReadingSource);
   if (source.empty()) return Fail("Error: Reading Source not specified");
   Log("Reading from " + ReadingSource);
@@ -94,14 +95,15 @@ bool clsExchange::ConvertReading() {
   } catch (const Failure& failure) {
     Log(failure.Description());
   }
-  OutputFile.reset();
+  KeepOutput();
   if (OrphanConvert != 0 && !OrphanStep(version)) return false;
   if (AutoReRead) ReReadStep(result);
   Log("Reading Conversion Finished");
   Log("");
   ReadingHIF.reset();
-  OutputFile.reset();
-  return result;
+  KeepOutput();
+  // An output that could not be written fails the run, whatever else went on.
+  return result && !OutputFailed;
 }
 
 bool clsExchange::OrphanStep(int16_t version) {
@@ -126,7 +128,7 @@ bool clsExchange::OrphanStep(int16_t version) {
   } catch (const Failure& failure) {
     Log(failure.Description());
   }
-  OutputFile.reset();
+  KeepOutput();
   std::error_code ec;
   if (std::filesystem::exists(destination, ec)) {
     Log("Notice: File " + OrphanDestination + " now contains " + std::to_string(LengthOf(destination)) + " bytes.");
@@ -151,8 +153,13 @@ void clsExchange::ReReadStep(bool& result) {
   try {
     if (!ReadingHIF) throw Failure(fail::kNoObject);
     BuildReReadFile(*ReadingHIF, destination, count);
+  } catch (const WriteFailure& failure) {
+    Log("Error: Could not write the re-read file " + ReReadDestination + ": " + failure.Description());
+    OutputFailed = true;
+    return;  // nothing took the destination's place: no word of exceptions
   } catch (const Failure& failure) {
     Log(failure.Description());
+    return;
   }
   if (count > 0) {
     Log("Notice: ReRead File prepared with " + std::to_string(count) + " Meters");
@@ -193,12 +200,12 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
       meters += counts[route];
     }
   }
-  std::error_code ec;
-  std::filesystem::remove(destination, ec);
+  // Written beside the old file, which stays until the new one is complete.
+  FileReplacement replacement(destination);
   clsHIF target(env_.shell);
   target.SetVersion(version);
-  if (target.CreateHIF(destination, source.GetType(), routes + meters + 1) != 0) {
-    throw Failure(fail::kPathAccess, "Path/File access error: " + destination);
+  if (target.CreateHIF(replacement.Written(), source.GetType(), routes + meters + 1) != 0) {
+    throw WriteFailure(fail::kPathAccess, "Could not create " + replacement.Written().string());
   }
   const CivilTime now = env_.clock.Now();
   const int16_t fileVersion = LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor);
@@ -240,6 +247,8 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
       }
     }
   }
+  target.FinishHIF();
+  replacement.Commit();
   count = meters;
 }
 

@@ -137,7 +137,9 @@ bool clsExchange::ConvertRoute() {
                     {{"Route Destination", destination}})) {
       return false;
     }
-    if (!DestinationFree(destination, "Route", true)) return false;
+    // The old file stays whole until the new one is complete: nothing is
+    // removed here, the new file takes its place at the end.
+    if (!DestinationFree(destination, "Route", false)) return false;
     if (RouteMap.empty()) return Fail("Error: Route Conversion Map not specified");
     Log("Using Map: " + RouteMap);
     ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
@@ -170,6 +172,7 @@ bool clsExchange::ConvertRoute() {
     HadProblems = false;
     indexes_.clear();
     indexRoute_ = 0;
+    RouteFile = FileReplacement(destination);
 
     if (mapType == kMapMVRS) {
       result = ConvertRouteMVRS();
@@ -190,19 +193,21 @@ bool clsExchange::ConvertRoute() {
       closingLine = false;
     } else {
       Log(std::to_string(MetersWritten) + " meters written to Route HIF File");
-      ActiveHIF.reset();  // closes the file before it is queued
-      if ((RouteHIFType == "PRC" || RouteHIFType == "PDB") && AutoInstall) {
-        if (!InstallPRC(RouteDestination)) {
-          Log("Install Cancelled without selecting unit");
-          HadWarnings = true;
+      // The file is complete and in place before it is queued.
+      if (KeepRouteFile()) {
+        if ((RouteHIFType == "PRC" || RouteHIFType == "PDB") && AutoInstall) {
+          if (!InstallPRC(RouteDestination)) {
+            Log("Install Cancelled without selecting unit");
+            HadWarnings = true;
+          }
         }
+        result = true;
       }
-      result = true;
     }
   } catch (const Failure& failure) {
     env_.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
   } catch (const std::exception& failure) {
-    env_.shell.MsgBox(failure.what(), "Error", MsgButtons::OK, MsgIcon::Critical);
+    env_.shell.MsgBox(Describe(failure), "Error", MsgButtons::OK, MsgIcon::Critical);
   }
   if (closingLine) {
     if (HadProblems) {
@@ -215,9 +220,33 @@ bool clsExchange::ConvertRoute() {
     Log("");
   }
   SeenTags = KeyedCollection<std::string>();
-  ActiveHIF.reset();
+  KeepRouteFile();
   SourceFile.reset();
   return result;
+}
+
+bool clsExchange::KeepRouteFile() {
+  if (!RouteFile.Active()) {
+    ActiveHIF.reset();
+    return true;
+  }
+  try {
+    if (ActiveHIF) ActiveHIF->FinishHIF();
+    ActiveHIF.reset();
+    // A run that never made its file has nothing to put in place.
+    std::error_code ec;
+    if (!std::filesystem::exists(RouteFile.Written(), ec)) {
+      RouteFile.Abandon();
+      return true;
+    }
+    RouteFile.Commit();
+    return true;
+  } catch (const Failure& failure) {
+    ActiveHIF.reset();
+    RouteFile.Abandon();
+    Log("Error: " + RouteFile.Target().string() + " left as it was: " + failure.Description());
+    return false;
+  }
 }
 
 void clsExchange::CountUp(int16_t& count) {

@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/AtomicFile.h"
 #include "base/Clock.h"
 #include "base/KeyedCollection.h"
 #include "base/LineReader.h"
@@ -125,7 +126,8 @@ class clsExchange {
 
   // Working state of a reading conversion.
   std::unique_ptr<clsHIF> ReadingHIF;  // left open for the re-read step
-  std::unique_ptr<std::ofstream> OutputFile;
+  std::unique_ptr<OutputFile> Output;  // the billing or orphan file being written
+  bool OutputFailed = false;            // an output of this run could not be written
   std::vector<std::string> RouteInitials{std::string()};  // from 1
   bool FirstRecord = true;
 
@@ -143,6 +145,9 @@ class clsExchange {
   std::unique_ptr<LineReader> SourceFile;
   std::unique_ptr<clsExchMap> ActiveMap;
   std::unique_ptr<clsHIF> ActiveHIF;
+  // Where ActiveHIF is written: beside the destination, which it replaces
+  // once complete.
+  FileReplacement RouteFile;
   int16_t AutoNumber = 0;
   int16_t MessageCount = 0;
   std::string LastReadType;
@@ -210,6 +215,15 @@ class clsExchange {
   // warning for a field the file's version doesn't have.
   std::string OutputValue(const KeyedCollection<Value>& values, const MapField& field);
   void WriteOutputLine(std::string line);
+  // What a failed conversion wrote so far put in place of the old file, as
+  // the run has always kept it; an output whose writing failed goes, and the
+  // old file stays. False, logged, when the output could not be kept.
+  bool KeepOutput();
+  // The route file of the run put in the destination's place (see
+  // RouteFile). A file whose writing failed goes and the old one stays; one
+  // a failed conversion left part-written takes its place, as the run has
+  // always left it. False, logged, when the file could not be put in place.
+  bool KeepRouteFile();
   void KeepRouteRecord(clsHIF& hif, int32_t recType);
   bool OrphanStep(int16_t version);
   void ReReadStep(bool& result);

@@ -30,24 +30,43 @@ int16_t RecordLineReader::Position255() const {
   return ToInt16(static_cast<double>(at) * 255.0 / static_cast<double>(blocks));
 }
 
-bool RecordLineWriter::Create(const std::string& path) {
-  // Lines go out through a large buffer: a reading file runs to megabytes.
-  file_ = std::make_unique<Output>();
-  file_->stream.rdbuf()->pubsetbuf(file_->buffer.get(), Output::kBufferSize);
-  file_->stream.open(path, std::ios::binary | std::ios::trunc);
-  if (file_->stream) return true;
-  file_.reset();
-  return false;
+RecordLineWriter& RecordLineWriter::operator=(RecordLineWriter&& other) noexcept {
+  if (this != &other) {
+    Release();
+    file_ = std::move(other.file_);
+  }
+  return *this;
+}
+
+RecordLineWriter::~RecordLineWriter() { Release(); }
+
+void RecordLineWriter::Release() noexcept {
+  if (!file_) return;
+  const std::unique_ptr<OutputFile> file = std::move(file_);
+  if (file->Failed()) return;
+  try {
+    file->Commit();
+  } catch (const std::exception&) {
+    // the old file stays as it was
+  }
+}
+
+void RecordLineWriter::Create(const std::string& path) {
+  Release();
+  file_ = std::make_unique<OutputFile>(path);
+}
+
+void RecordLineWriter::Finish() {
+  if (!file_) throw Failure(fail::kBadFileName);
+  const std::unique_ptr<OutputFile> file = std::move(file_);
+  file->Commit();
 }
 
 void RecordLineWriter::Write(clsRecType& record, int16_t width) {
   if (!file_) throw Failure(fail::kBadFileName);
   record.SetValue("RecID", Value(record.IDText));
-  const std::string line = record.Buffer(width);
-  std::ofstream& out = file_->stream;
-  out.write(line.data(), static_cast<std::streamsize>(line.size()));
-  out.write("\r\n", 2);
-  if (!out) throw Failure(fail::kDiskFull);
+  file_->Write(record.Buffer(width));
+  file_->Write("\r\n");
 }
 
 }  // namespace hifx

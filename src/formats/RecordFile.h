@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "base/AtomicFile.h"
 #include "base/LineReader.h"
 #include "formats/clsRecType.h"
 
@@ -28,24 +29,30 @@ class RecordLineReader {
   int32_t lineNo_ = 0;
 };
 
+// A utility system's file being written: a new file beside the old one,
+// which it replaces when Finish is called, or when it is released, as the
+// file has always been closed on release (a failure then is not reported;
+// the old file then stays). One whose writing failed never replaces the old.
 class RecordLineWriter {
  public:
-  // Opens the file for writing, replacing what is there; false when it can't.
-  bool Create(const std::string& path);
+  RecordLineWriter() = default;
+  RecordLineWriter(RecordLineWriter&&) noexcept = default;
+  RecordLineWriter& operator=(RecordLineWriter&& other) noexcept;
+  ~RecordLineWriter();
+
+  // Opens the file for writing; raises, naming the file, when it can't.
+  void Create(const std::string& path);
   // Sets RecID to the kind's identifier and writes the record as one line of
   // at least `width` columns, ended by CR LF. With no file open this is
-  // failure 52; a write that fails is failure 61.
+  // failure 52; a write that fails raises, naming the file.
   void Write(clsRecType& record, int16_t width);
+  // Everything written put in place of the old file; raises when it can't be.
+  void Finish();
 
  private:
-  // The file and its buffer, which must outlive the stream that writes
-  // through it: the stream is closed first, then the buffer goes.
-  struct Output {
-    static constexpr std::streamsize kBufferSize = 1 << 20;
-    std::unique_ptr<char[]> buffer = std::make_unique<char[]>(kBufferSize);
-    std::ofstream stream;
-  };
-  std::unique_ptr<Output> file_;
+  void Release() noexcept;
+
+  std::unique_ptr<OutputFile> file_;
 };
 
 }  // namespace hifx

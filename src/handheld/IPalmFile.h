@@ -47,6 +47,9 @@ class IPalmFile {
 
   virtual int FileHandle() = 0;
   virtual int16_t CloseFile() = 0;
+  // The checked end of a file being written: on the disk itself and closed.
+  // Raises, naming the file, when that or any earlier write failed.
+  virtual void FinishFile() = 0;
 };
 
 }  // namespace hifx

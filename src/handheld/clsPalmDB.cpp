@@ -343,4 +343,8 @@ KeyedCollection<Value> clsPalmDB::GetValues() {
   return values;
 }
 
+void clsPalmDB::FinishDB() {
+  if (file_) file_->FinishFile();
+}
+
 }  // namespace hifx

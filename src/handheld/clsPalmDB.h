@@ -78,6 +78,8 @@ class clsPalmDB {
   bool WriteData();
   bool WriteRaw(std::string_view bytes);
   int16_t RecordCount();
+  // The checked end of the file being written (IPalmFile::FinishFile).
+  void FinishDB();
   bool ReadData(int32_t& number);
   bool ReadRaw(std::string& bytes, int32_t& number);
 

@@ -241,6 +241,12 @@ int clsPalmFilePDB::FileHandle() {
   return reading_ ? 1 : 0;
 }
 
+void clsPalmFilePDB::FinishFile() {
+  head_ = nullptr;
+  writer_.Finish();
+  CloseFile();
+}
+
 int16_t clsPalmFilePDB::CloseFile() {
   head_ = nullptr;
   writer_.Close();

@@ -43,6 +43,7 @@ class clsPalmFilePDB final : public IPalmFile {
   int16_t Position255() override;
   int FileHandle() override;
   int16_t CloseFile() override;
+  void FinishFile() override;
 
  private:
   int32_t StoredCount() const;  // the two count bytes, decoded at each use

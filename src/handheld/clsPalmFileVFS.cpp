@@ -103,6 +103,11 @@ int clsPalmFileVFS::FileHandle() {
   return reading_ ? 1 : 0;
 }
 
+void clsPalmFileVFS::FinishFile() {
+  writer_.Finish();
+  CloseFile();
+}
+
 int16_t clsPalmFileVFS::CloseFile() {
   writer_.Close();
   reading_ = false;

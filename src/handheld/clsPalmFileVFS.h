@@ -33,6 +33,7 @@ class clsPalmFileVFS final : public IPalmFile {
   int16_t Position255() override;
   int FileHandle() override;
   int16_t CloseFile() override;
+  void FinishFile() override;
 
  private:
   BinaryFile writer_;

@@ -95,6 +95,7 @@ KeyedCollection<Value> clsHIF::GetValues() { return DB().GetValues(); }
 int16_t clsHIF::Position255() { return DB().Position255(); }
 int32_t clsHIF::GetType() { return DB().GetType(); }
 int16_t clsHIF::RecordCount() { return DB().RecordCount(); }
+void clsHIF::FinishHIF() { DB().FinishDB(); }
 const std::string& clsHIF::RawData() { return DB().RawData(); }
 void clsHIF::SetRawData(std::string bytes) { DB().SetRawData(std::move(bytes)); }
 

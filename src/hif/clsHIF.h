@@ -59,6 +59,9 @@ class clsHIF {
   int16_t Position255();
   int32_t GetType();
   int16_t RecordCount();
+  // The checked end of the file being written: on the disk and closed; raises,
+  // naming the file, when that or any earlier write failed.
+  void FinishHIF();
   const std::string& RawData();
   void SetRawData(std::string bytes);
 

@@ -112,7 +112,7 @@ TEST(Dist, AMapSectionWritesOnlyAMapOfItsOwnKind) {
   Site site(dir / "site");
   WriteBytes(site.Folder() / "Keep.hcm", "HIF=1.1\r\nold\r\n");
   const std::string huge = "HIF=1.1\r\n" + std::string(1024 * 1024 + 1, 'x');
-  for (const std::string& name : {"registry.db", "HALVERNLINK.PRC", "Keep.hrm", "Keep.hom", ".hcm",
+  for (const std::string name : {"registry.db", "HALVERNLINK.PRC", "Keep.hrm", "Keep.hom", ".hcm",
                                   ".Keep.hcm", "Keep.hcm.txt", "Keep"}) {
     WriteBytes(dir / "one.dst", "DIST 1.0\r\n[ROUTE MAP " + name + "]\r\nHIF=1.1\r\nMAPTYPE=1\r\n");
     const bool existed = std::filesystem::exists(site.Folder() / name);

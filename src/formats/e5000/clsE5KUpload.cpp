@@ -18,4 +18,13 @@ clsRecType* clsE5KUpload::SetupRecord(const std::string& id) {
 
 void clsE5KUpload::WriteRecord(clsRecType& record) { file_.Write(record, kE5kLineWidth); }
 
+bool clsE5KUpload::CreateFile(const std::string& path) {
+  try {
+    Open(path);
+    return true;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
 }  // namespace hifx

@@ -16,8 +16,12 @@ class clsE5KUpload {
  public:
   explicit clsE5KUpload(IShell* shell = nullptr);
 
-  // Opens the file for writing, replacing what is there; false when it can't.
-  bool CreateFile(const std::string& path) { return file_.Create(path); }
+  // Opens the file for writing, to replace what is there; false when it
+  // can't. Open raises instead, naming the file and the reason.
+  bool CreateFile(const std::string& path);
+  void Open(const std::string& path) { file_.Create(path); }
+  // The file put in place of the old one; raises when it can't be.
+  void Finish() { file_.Finish(); }
   // The record type of the kind, its values cleared; nothing for a kind the
   // upload doesn't have.
   clsRecType* SetupRecord(const std::string& id);

@@ -20,9 +20,13 @@ constexpr std::array<std::string_view, 18> kWritable = {"FHD", "FTR", "RHD", "RT
 clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MvrsUploadCatalogue(), shell)) {}
 
 bool clsMVRSUpload::CreateFile(const std::string& path) {
-  if (file_.Create(path)) return true;
-  if (shell_ != nullptr) shell_->MsgBox(StandardDescription(fail::kPathAccess));
-  return false;
+  try {
+    file_.Create(path);
+    return true;
+  } catch (const Failure& failure) {
+    if (shell_ != nullptr) shell_->MsgBox(failure.Description());
+    return false;
+  }
 }
 
 clsRecType* clsMVRSUpload::SetupRecord(const std::string& id) {

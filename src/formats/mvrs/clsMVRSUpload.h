@@ -19,6 +19,8 @@ class clsMVRSUpload {
   // Opens the file for writing, replacing what is there. A failure is shown
   // and gives false.
   bool CreateFile(const std::string& path);
+  // The file put in place of the old one; raises when it can't be.
+  void Finish() { file_.Finish(); }
   // The record type of the kind, its values cleared; nothing for a kind the
   // reading file doesn't write.
   clsRecType* SetupRecord(const std::string& id);

@@ -1,5 +1,6 @@
 #include "reports/qt/QtRptDevice.h"
 
+#include <QtCore/QBuffer>
 #include <QtCore/QSettings>
 #include <QtGui/QFont>
 #include <QtGui/QFontMetricsF>
@@ -16,6 +17,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <tuple>
+
+#include "base/AtomicFile.h"
 
 namespace hifx {
 namespace {
@@ -216,8 +219,10 @@ bool QtImageDevice::SavePng(const std::filesystem::path& path) {
   return image_->save(QString::fromStdString(path.string()), "PNG");
 }
 
-// One printer: its paint device and the surface on it.
+// One printer: its paint device and the surface on it. A PDF is drawn into
+// memory and written out whole when the report is done.
 struct QtPrinters::Target {
+  std::unique_ptr<QBuffer> pdf;  // outlives the writer drawing into it
   std::unique_ptr<QPagedPaintDevice> device;
   std::unique_ptr<QtSurface> surface;  // goes first, ending its painter
 };
@@ -228,14 +233,26 @@ QtPrinters::~QtPrinters() = default;
 std::unique_ptr<QtPrinters> QtPrinters::ToPdf(const std::filesystem::path& file) {
   std::unique_ptr<QtPrinters> printers(new QtPrinters());
   auto target = std::make_unique<Target>();
-  auto writer = std::make_unique<QPdfWriter>(QString::fromStdString(file.string()));
+  target->pdf = std::make_unique<QBuffer>();
+  target->pdf->open(QIODevice::WriteOnly);
+  auto writer = std::make_unique<QPdfWriter>(target->pdf.get());
   writer->setCreator("hifx");
   writer->setPageSize(QPageSize(QPageSize::Letter));
   writer->setPageMargins(QMarginsF(0, 0, 0, 0));
   target->device = std::move(writer);
   printers->current_ = file.string();
+  printers->pdfFile_ = file;
   printers->targets_.emplace(printers->current_, std::move(target));
   return printers;
+}
+
+void QtPrinters::Finish() {
+  for (auto& [name, target] : targets_) {
+    if (!target) continue;
+    target->surface.reset();  // ends the painter: the document is complete
+    target->device.reset();
+    if (target->pdf) ReplaceFile(pdfFile_, target->pdf->data().toStdString());
+  }
 }
 
 std::unique_ptr<QtPrinters> QtPrinters::ToDefaultPrinter() {

@@ -88,6 +88,9 @@ class QtPrinters final : public IRptPrinters {
   void Select(const std::string& deviceName) override;
   void SetOrientation(int16_t orientation) override;
   bool SetPaperBin(int32_t bin) override;
+  // Ends every document; a PDF is then written whole in place of the file of
+  // its name. Raises, naming the file, when that fails.
+  void Finish();
 
  private:
   struct Target;
@@ -96,6 +99,7 @@ class QtPrinters final : public IRptPrinters {
 
   std::map<std::string, std::unique_ptr<Target>> targets_;
   std::string current_;
+  std::filesystem::path pdfFile_;  // where the PDF goes, when it is one
   int16_t orientation_ = 1;
 };
 
