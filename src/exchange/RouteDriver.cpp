@@ -194,14 +194,12 @@ bool clsExchange::ConvertRoute() {
     } else {
       Log(std::to_string(MetersWritten) + " meters written to Route HIF File");
       // The file is complete and in place before it is queued.
-      if (KeepRouteFile()) {
-        if ((RouteHIFType == "PRC" || RouteHIFType == "PDB") && AutoInstall) {
-          if (!InstallPRC(RouteDestination)) {
-            Log("Install Cancelled without selecting unit");
-            HadWarnings = true;
-          }
+      result = KeepRouteFile();
+      if (result && (RouteHIFType == "PRC" || RouteHIFType == "PDB") && AutoInstall) {
+        if (!InstallPRC(RouteDestination)) {
+          Log("Install Cancelled without selecting unit");
+          HadWarnings = true;
         }
-        result = true;
       }
     }
   } catch (const Failure& failure) {
