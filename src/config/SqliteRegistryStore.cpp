@@ -97,7 +97,9 @@ SqliteRegistryStore::SqliteRegistryStore(const std::filesystem::path& file, int 
   const int applicationId = step == SQLITE_ROW ? sqlite3_column_int(probe, 0) : -1;
   sqlite3_finalize(probe);
   if (step != SQLITE_ROW) {
-    throw fail(std::string("not a settings database (") + sqlite3_errmsg(db_) + ")");
+    const bool notDatabase = sqlite3_errcode(db_) == SQLITE_NOTADB;
+    throw fail(std::string(notDatabase ? "not a settings database (" : "cannot read the settings database (") +
+               sqlite3_errmsg(db_) + ")");
   }
   if (applicationId != kApplicationId) {
     sqlite3_stmt* tables = nullptr;

@@ -215,14 +215,16 @@ class clsExchange {
   // warning for a field the file's version doesn't have.
   std::string OutputValue(const KeyedCollection<Value>& values, const MapField& field);
   void WriteOutputLine(std::string line);
-  // What a failed conversion wrote so far put in place of the old file, as
-  // the run has always kept it; an output whose writing failed goes, and the
-  // old file stays. False, logged, when the output could not be kept.
+  // What a conversion that stopped on the data wrote so far put in place of
+  // the old file, as the run has always kept it; an output whose writing
+  // failed goes, and the old file stays. False, logged, when the output
+  // could not be kept.
   bool KeepOutput();
   // The route file of the run put in the destination's place (see
-  // RouteFile). A file whose writing failed goes and the old one stays; one
-  // a failed conversion left part-written takes its place, as the run has
-  // always left it. False, logged, when the file could not be put in place.
+  // RouteFile) once the run has written it to its end, as far as the run
+  // went: a conversion that stopped on the data still leaves its file, as it
+  // always has. One whose writing failed goes, and the old file stays.
+  // False, logged, when the file could not be put in place.
   bool KeepRouteFile();
   void KeepRouteRecord(clsHIF& hif, int32_t recType);
   bool OrphanStep(int16_t version);

@@ -31,8 +31,8 @@ class RecordLineReader {
 
 // A utility system's file being written: a new file beside the old one,
 // which it replaces when Finish is called, or when it is released, as the
-// file has always been closed on release (a failure then is not reported;
-// the old file then stays). One whose writing failed never replaces the old.
+// file has always been closed on release (a failure then is not reported,
+// and the old file stays). One whose writing failed never takes the name.
 class RecordLineWriter {
  public:
   RecordLineWriter() = default;

@@ -144,6 +144,42 @@ TEST_F(FileSafety, AMapIsNamedNeverPathed) {
 }
 
 #ifndef _WIN32
+// A real limit on the size of the files a process may write, as a full disk
+// refuses a write: the run fails with the file's name, the old files stay.
+TEST_F(FileSafety, AFileSizeLimitFailsTheRunAndKeepsTheOldFiles) {
+  const auto limited = [&](int kilobytes, std::vector<std::string> args) {
+    args.insert(args.begin(), {"-c", "trap '' XFSZ; ulimit -f " + std::to_string(kilobytes) + "; exec \"$0\" \"$@\"",
+                               HIFX_BINARY, "--site", (dir / "site").string()});
+    return RunProgram("/bin/bash", args, dir);
+  };
+  WriteBytes(dir / "route.pdb", "OLD ROUTE");
+  // Two thousand meters make a file of over 300 KB: it can't be written in 64.
+  const std::string line = ReadBytes(route).substr(0, ReadBytes(route).find("\r\n") + 2);
+  std::string big;
+  for (int i = 0; i < 2000; ++i) {
+    char tag[9];
+    std::snprintf(tag, sizeof tag, "%08d", 1000000 + i);
+    big += line.substr(0, 10) + tag + line.substr(18);
+  }
+  WriteBytes(dir / "big.txt", big);
+  const auto r = limited(64, {"--yes", "route", "--source", (dir / "big.txt").string(), "--dest",
+                              (dir / "route.pdb").string()});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("route.pdb"), std::string::npos) << r.out << r.err;
+  EXPECT_NE(r.err.find(": File too large"), std::string::npos) << r.err;
+  EXPECT_TRUE(ReadBytes(dir / "route.pdb") == "OLD ROUTE");
+  // Where the settings can't even be opened for writing, the run says so by
+  // the file's name and the setting stays as it was.
+  ASSERT_EQ(Hifx({"settings", "set", "RouteMap", "Before"}).status, 0);
+  const auto s = limited(16, {"settings", "set", "RouteMap", "After"});
+  EXPECT_EQ(s.status, 2);
+  EXPECT_NE(s.err.find("registry.db: cannot read the settings database"), std::string::npos) << s.err;
+  EXPECT_EQ(Hifx({"settings", "get", "RouteMap"}).out, "Before\n");
+  for (const auto& entry : fs::directory_iterator(dir.path())) {
+    EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
+  }
+}
+
 TEST_F(FileSafety, TheSitesSecretsAreItsOwnersAlone) {
   const auto mode = [](const fs::path& p) { return fs::status(p).permissions() & fs::perms::all; };
   EXPECT_EQ(mode(dir / "site"), fs::perms::owner_all);

@@ -7,10 +7,14 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/Clock.h"
 #include "reports/clsDrawBarcode.h"
+#include "reports/clsReport.h"
 #include "reports/qt/QtRptDevice.h"
+#include "support/FaultDevice.h"
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
+#include "support/TestShell.h"
 
 namespace hifx {
 namespace {
@@ -87,6 +91,46 @@ TEST_F(QtDeviceTest, AReportPageRendered) {
   for (size_t i = pgm.size() - 550 * 425; i < pgm.size(); ++i) dark += static_cast<unsigned char>(pgm[i]) < 128;
   EXPECT_GT(dark, 1000u);
   EXPECT_EQ(Output("pdffonts " + pdf.string() + " | grep -c Liberation"), "3");
+}
+
+// A PDF is written whole or not at all: on a device that fails, the old
+// file stays and the failure names it.
+TEST_F(QtDeviceTest, APdfThatCannotBeWrittenLeavesTheOldFile) {
+  const auto pdf = dir / "report.pdf";
+  for (const test::FaultAt at : {test::FaultAt::Bytes, test::FaultAt::Sync, test::FaultAt::Rename}) {
+    test::WriteBytes(pdf, "OLD BYTES");
+    test::TestShell shell;
+    const FixedClock clock{CivilTime{2024, 3, 9, 16, 0, 0}};
+    QtUserSettings settings;
+    const auto printers = QtPrinters::ToPdf(pdf);
+    clsReport report(shell, clock, *printers, settings);
+    ASSERT_TRUE(report.Begin(false, std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/reading.pdb", 4, "Reading"));
+    test::FaultDevice device(at, "report.pdf", 1000);
+    ScopedFileDevice faulty(device);
+    try {
+      printers->Finish();
+      ADD_FAILURE() << "no failure";
+    } catch (const WriteFailure& failure) {
+      EXPECT_NE(failure.Description().find("report.pdf"), std::string::npos) << failure.Description();
+    }
+    EXPECT_EQ(test::ReadBytes(pdf), "OLD BYTES");
+  }
+  // From the command line: a folder that isn't there, and the reading file
+  // itself, are refused with a word and a non-zero exit.
+  const std::string reading = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/reading.pdb";
+  const test::Env env{{"XDG_CONFIG_HOME", (dir / "config").string()}};
+  const auto missing = test::RunHifx({"report", "--type", "reading", "--pdf", (dir / "no" / "r.pdf").string(), reading},
+                                     dir, env);
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_NE(missing.err.find("Could not open " + (dir / "no").string()), std::string::npos) << missing.err;
+  std::filesystem::copy_file(reading, dir / "reading.pdb");
+  const std::string before = test::ReadBytes(dir / "reading.pdb");
+  const auto same = test::RunHifx(
+      {"report", "--type", "reading", "--pdf", (dir / "reading.pdb").string(), (dir / "reading.pdb").string()}, dir,
+      env);
+  EXPECT_EQ(same.status, 2);
+  EXPECT_NE(same.err.find("is the same file as the reading file"), std::string::npos) << same.err;
+  EXPECT_EQ(test::ReadBytes(dir / "reading.pdb"), before);
 }
 
 TEST_F(QtDeviceTest, UserSettingsLastBetweenRuns) {
