@@ -31,8 +31,14 @@ inline void WriteFile(const std::filesystem::path& path, const std::string& text
 // connection of its own kept open for the next time; the store's cached
 // statements stay good.
 inline void EmptyRegistry(const std::filesystem::path& file) {
-  static std::map<std::filesystem::path, sqlite3*> connections;
-  sqlite3*& db = connections[file];
+  // Closed at exit, before the leak check.
+  static struct Connections {
+    std::map<std::filesystem::path, sqlite3*> open;
+    ~Connections() {
+      for (auto& entry : open) sqlite3_close(entry.second);
+    }
+  } connections;
+  sqlite3*& db = connections.open[file];
   if (db == nullptr && sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
     std::fprintf(stderr, "fuzz: cannot open the registry %s\n", file.c_str());
     std::abort();
