@@ -71,8 +71,14 @@ for name in "${names[@]}"; do
     e5k_read) options+=(-dict=fuzz/e5000.dict) ;;
     registry_values) options+=(-dict=fuzz/registry.dict) ;;
   esac
+  # The targets' scratch folders go in a temporary folder of the run's own,
+  # taken away after it.
+  scratch="$PWD/build/fuzz/tmp/$name"
+  rm -rf "$scratch"
+  mkdir -p "$scratch"
   status=0
-  build/fuzz/fuzz/fuzz_"$name" "$corpus" "${options[@]}" 2> "build/fuzz/$name.log" || status=$?
+  TMPDIR="$scratch" build/fuzz/fuzz/fuzz_"$name" "$corpus" "${options[@]}" 2> "build/fuzz/$name.log" || status=$?
+  rm -rf "$scratch"
   grep -E '^stat::(number_of_executed_units|peak_rss_mb)' "build/fuzz/$name.log" | sed "s/^/fuzz_$name: /" || true
   grep -E '^#[0-9]+.* cov: ' "build/fuzz/$name.log" | tail -1 | sed "s/^/fuzz_$name: /" || true
   if [ "$status" -ne 0 ]; then
