@@ -58,7 +58,7 @@ struct ExchangeSite {
     std::filesystem::create_directories(folder);
     store = std::make_unique<SqliteRegistryStore>(folder / "registry.db");
   }
-  // The maps and settings of examples/site.dst, as `hifx site load` puts them
+  // The maps and settings of examples/site.dst, as `hifx dist load` puts them
   // in a site: route maps Billing (fixed columns), BillingCsv (delimited),
   // ReRead, E5000 and Mvrs, their reading maps, Orphans, and the site's lists.
   void LoadExampleSite() {
