@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "ExchangeSite.h"
 #include "base/Failure.h"
 #include "base/Shell.h"
 #include "config/SqliteRegistryStore.h"
@@ -38,6 +39,9 @@ extern "C" const char* __asan_default_options() { return "quarantine_size_mb=64"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static Site site;
+  // Each input starts from an empty registry, so that what one loads can't
+  // change how the next runs, nor make the store grow from input to input.
+  hifx::fuzz::EmptyRegistry(site.folder / "registry.db");
   {
     std::ofstream out(site.input, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));

@@ -1,4 +1,6 @@
-// Any bytes, read as a HIF the way `hifx dump` and `hifx view` read one.
+// Any bytes, read as a HIF the way `hifx dump` and `hifx view` read one,
+// opened as each container (PDB and VFS) whatever its first bytes say, and
+// sorted in place the way `hifx sort` sorts one.
 //
 // A Failure is the clean answer to a damaged file. Anything else is a bug: a
 // crash, a sanitizer report, another exception escaping, a leak, a hang, or
@@ -21,7 +23,10 @@
 
 #include "base/Failure.h"
 #include "base/Shell.h"
+#include "handheld/clsPalmFilePDB.h"
+#include "handheld/clsPalmFileVFS.h"
 #include "hif/HifView.h"
+#include "hif/SortHIF.h"
 #include "hif/clsHIF.h"
 
 namespace {
@@ -91,6 +96,41 @@ size_t View(hifx::IShell& shell, const std::filesystem::path& path) {
   return cells;
 }
 
+// The container alone, taken as the kind given: its header and every record.
+// A detected open picks VFS only for a file that starts with a record
+// length, so this is what reaches the VFS reader with anything else.
+size_t Container(hifx::IPalmFile& file, const std::filesystem::path& path) {
+  size_t bytes = 0;
+  try {
+    if (file.OpenFile(path) != 0) return 0;
+    bytes += file.Title().size() + file.Creator().size() + file.DBType().size() + file.AppInfo().size() +
+             file.SortInfo().size();
+    bytes += static_cast<size_t>(file.RecordCount() + file.Attributes() + file.Position255());
+    volatile double dates = file.CreateDate() + file.ModifyDate() + file.BackupDate();
+    (void)dates;
+    // In sequence (number -1), then by number, last from past the end.
+    std::string data;
+    for (int32_t number = -1; file.ReadRecord(number, data); number = -1) bytes += data.size();
+    for (int32_t number : {0, 1, static_cast<int32_t>(file.RecordCount()) - 1, 32767}) {
+      if (file.ReadRecord(number, data)) bytes += data.size();
+    }
+  } catch (const hifx::Failure&) {
+    // a damaged file, refused cleanly
+  }
+  file.CloseFile();
+  return bytes;
+}
+
+// As `hifx sort FILE`: the file is its own reading source and is rewritten
+// only when it sorts whole.
+void Sort(hifx::IShell& shell, const std::filesystem::path& path) {
+  try {
+    hifx::SortHIF(shell, path, path);
+  } catch (const hifx::Failure&) {
+    // the run's error frame: the file stays as it was
+  }
+}
+
 }  // namespace
 
 // A damaged record table can claim 32767 records that all read empty, and
@@ -109,6 +149,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzShell shell;
   volatile size_t sink = Dump(shell, InputPath());
   sink = sink + View(shell, InputPath());
+  hifx::clsPalmFilePDB pdb;
+  sink = sink + Container(pdb, InputPath());
+  hifx::clsPalmFileVFS vfs;
+  sink = sink + Container(vfs, InputPath());
   (void)sink;
+  // Last, as it may rewrite the file.
+  Sort(shell, InputPath());
   return 0;
 }

@@ -1,6 +1,8 @@
 // A route conversion of any bytes, through a fixed-column and a delimited
-// map: the driver's refusals and its error frame are clean outcomes; a crash,
-// a hang or a runaway allocation is a bug.
+// map of six-character fields, then through the example site's fixed-column
+// (Billing) and delimited (BillingCsv) maps with its lists of messages,
+// index words and codes: the driver's refusals and its error frame are clean
+// outcomes; a crash, a hang or a runaway allocation is a bug.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -15,6 +17,7 @@ using hifx::fuzz::WriteFile;
 struct Site : hifx::fuzz::ExchangeSite {
   hifx::SilentShell shell;
   Site() : ExchangeSite("route") {
+    LoadExampleSite();
     const std::string fields[] = {"RouteNbr", "Sequence", "MeterTagNbr", "MeterType", "Digits", "Decimals",
                                   "PrvReading", "MaxReading", "MinReading", "ReadType", "LstReadingDate",
                                   "UtilityCode", "Lat", "Lng", "ScaleFactor", "InitReading", "InitPulseCount",
@@ -45,7 +48,7 @@ extern "C" const char* __asan_default_options() { return "quarantine_size_mb=64"
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static Site site;
   WriteFile(site.folder / "route.txt", std::string(reinterpret_cast<const char*>(data), size));
-  for (const char* map : {"Fixed", "Delimited"}) {
+  for (const char* map : {"Fixed", "Delimited", "Billing", "BillingCsv"}) {
     std::filesystem::remove(site.folder / "route.pdb");
     hifx::clsExchange exchange({*site.store, site.shell, site.clock, site.folder, site.folder / "sync"});
     exchange.RouteSource = (site.folder / "route.txt").string();

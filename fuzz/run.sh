@@ -1,21 +1,51 @@
 #!/usr/bin/env bash
-# Builds the fuzz preset and runs every fuzz target for SECONDS each (default
-# 60), or only the targets named, on working copies of the seed corpora in
-# build/fuzz/corpus/NAME, where the inputs found accumulate from run to run.
-# Exits non-zero when a fuzzer finds a crash, a leak, a timeout or a memory
-# blow-up; the input that did it is left in build/fuzz/artifacts/NAME/.
+# Builds the fuzz preset and runs fuzz targets one after another on working
+# copies of the seed corpora in build/fuzz/corpus/NAME, where the inputs found
+# accumulate from run to run, each with the dictionary of its format. Exits
+# non-zero when a fuzzer finds a crash, a leak, a timeout or a memory blow-up;
+# the input that did it is left in build/fuzz/artifacts/NAME/.
 #
-#   fuzz/run.sh [SECONDS] [NAME]...      NAME: hif_read map_load dist_load route_flat reading route_mvrs e5k_read report
+#   fuzz/run.sh [SECONDS]            every target for SECONDS each (default 60)
+#   fuzz/run.sh SECONDS NAME...      the targets named, SECONDS each
+#   fuzz/run.sh NAME [SECONDS]       one target, e.g. fuzz/run.sh map_load 3600
+#
+# NAME: hif_read map_load dist_load route_flat route_reread route_mvrs e5k_read
+#       reading report registry_values
+# The seed corpora in fuzz/corpus/ are made by fuzz/make-corpus.sh.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-seconds="${1:-60}"
-shift || true
-case "$seconds" in
-  ''|*[!0-9]*) echo "usage: fuzz/run.sh [SECONDS] [NAME]..." >&2; exit 2 ;;
-esac
-names=("$@")
-[ ${#names[@]} -gt 0 ] || names=(hif_read map_load dist_load route_flat reading route_mvrs e5k_read report)
+all=(hif_read map_load dist_load route_flat route_reread route_mvrs e5k_read reading report registry_values)
+usage() {
+  echo "usage: fuzz/run.sh [SECONDS] [NAME]...  or  fuzz/run.sh NAME [SECONDS]" >&2
+  exit 2
+}
+is_number() { case "$1" in ''|*[!0-9]*) return 1 ;; *) return 0 ;; esac; }
+
+seconds=60
+names=()
+if [ $# -gt 0 ] && ! is_number "$1"; then
+  # NAME [SECONDS]
+  [ $# -le 2 ] || usage
+  names=("$1")
+  if [ $# -eq 2 ]; then
+    is_number "$2" || usage
+    seconds="$2"
+  fi
+else
+  if [ $# -gt 0 ]; then
+    seconds="$1"
+    shift
+  fi
+  names=("$@")
+fi
+[ ${#names[@]} -gt 0 ] || names=("${all[@]}")
+for name in "${names[@]}"; do
+  case " ${all[*]} " in
+    *" $name "*) ;;
+    *) echo "fuzz/run.sh: no fuzz target $name" >&2; usage ;;
+  esac
+done
 
 cmake --preset fuzz >/dev/null
 targets=()
@@ -33,13 +63,24 @@ for name in "${names[@]}"; do
   options=(-max_total_time="$seconds" -rss_limit_mb=512 -max_len=65536 -timeout=10
            -artifact_prefix="$artifacts/" -print_final_stats=1)
   case "$name" in
-    hif_read) options+=(-dict=fuzz/hif.dict) ;;
+    hif_read|reading|report) options+=(-dict=fuzz/hif.dict) ;;
     map_load) options+=(-dict=fuzz/map.dict) ;;
+    dist_load) options+=(-dict=fuzz/dist.dict) ;;
+    route_flat|route_reread) options+=(-dict=fuzz/flat.dict) ;;
     route_mvrs) options+=(-dict=fuzz/mvrs.dict) ;;
+    e5k_read) options+=(-dict=fuzz/e5000.dict) ;;
+    registry_values) options+=(-dict=fuzz/registry.dict) ;;
   esac
+  # The targets' scratch folders go in a temporary folder of the run's own,
+  # taken away after it.
+  scratch="$PWD/build/fuzz/tmp/$name"
+  rm -rf "$scratch"
+  mkdir -p "$scratch"
   status=0
-  build/fuzz/fuzz/fuzz_"$name" "$corpus" "${options[@]}" 2> "build/fuzz/$name.log" || status=$?
+  TMPDIR="$scratch" build/fuzz/fuzz/fuzz_"$name" "$corpus" "${options[@]}" 2> "build/fuzz/$name.log" || status=$?
+  rm -rf "$scratch"
   grep -E '^stat::(number_of_executed_units|peak_rss_mb)' "build/fuzz/$name.log" | sed "s/^/fuzz_$name: /" || true
+  grep -E '^#[0-9]+.* cov: ' "build/fuzz/$name.log" | tail -1 | sed "s/^/fuzz_$name: /" || true
   if [ "$status" -ne 0 ]; then
     tail -40 "build/fuzz/$name.log" >&2
     echo "fuzz_$name: failed with status $status; the input is in $artifacts/" >&2
