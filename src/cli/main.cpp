@@ -8,10 +8,12 @@
 #include <cstdlib>
 #include <functional>
 #include <map>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "base/Failure.h"
 #include "cli/Commands.h"
 
 namespace hifx::cli {
@@ -137,5 +139,19 @@ int main(int argc, char** argv) {
   hifx::CliShell shell(answer, hifx::IsTerminal(0), hifx::IsTerminal(2), sets);
   const hifx::SystemClock clock;
   Context context{shell, site ? std::filesystem::path(*site) : DefaultSite(), sets, clock};
-  return command->second(context, Args(args.begin() + static_cast<std::ptrdiff_t>(i) + 1, args.end()));
+  // A failure no command frame took, running out of memory above all: the
+  // run's files are left as their writers leave them on the way out, and
+  // the run ends with a word and a non-zero exit.
+  try {
+    return command->second(context, Args(args.begin() + static_cast<std::ptrdiff_t>(i) + 1, args.end()));
+  } catch (const std::bad_alloc&) {
+    // Said without asking for memory, of which there is none to be had.
+    std::fflush(stdout);
+    std::fputs("hifx: not enough memory to go on: the run needs more than the system gives it\n", stderr);
+    return kExitNotComplete;
+  } catch (const std::exception& failure) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "hifx: %s: %s\n", args[i].c_str(), hifx::Describe(failure).c_str());
+    return kExitNotComplete;
+  }
 }

@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #endif
 
+#include <fstream>
+
 #include "support/ExampleSite.h"
 
 namespace hifx::test {
@@ -179,6 +181,29 @@ TEST_F(FileSafety, AFileSizeLimitFailsTheRunAndKeepsTheOldFiles) {
     EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
   }
 }
+
+#if !defined(__SANITIZE_ADDRESS__)  // the sanitizer's own memory needs no limit
+// Running out of memory is said, with a non-zero exit, and costs no file.
+TEST_F(FileSafety, RunningOutOfMemoryIsSaidAndCostsNoFile) {
+  // A reading file of 200 MB, which 150 MB of memory can't hold.
+  { std::ofstream(dir / "huge.pdb", std::ios::binary) << "RouteHIF"; }
+  fs::resize_file(dir / "huge.pdb", 200u << 20);
+  WriteBytes(dir / "billing.txt", "OLD BILLING");
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"dump", (dir / "huge.pdb").string()},
+        {"--yes", "reading", "--source", (dir / "huge.pdb").string(), "--dest", (dir / "billing.txt").string(),
+         "--no-orphans", "--no-reread"}}) {
+    std::vector<std::string> args{"-c", "ulimit -v 150000; exec \"$0\" \"$@\"", HIFX_BINARY, "--site",
+                                  (dir / "site").string()};
+    args.insert(args.end(), command.begin(), command.end());
+    const auto r = RunProgram("/bin/bash", args, dir);
+    EXPECT_TRUE(r.exited) << command[0];
+    EXPECT_EQ(r.status, 1) << command[0] << r.err;
+    EXPECT_NE(r.err.find("not enough memory to go on"), std::string::npos) << r.err;
+  }
+  EXPECT_EQ(ReadBytes(dir / "billing.txt"), "OLD BILLING");
+}
+#endif
 
 TEST_F(FileSafety, TheSitesSecretsAreItsOwnersAlone) {
   const auto mode = [](const fs::path& p) { return fs::status(p).permissions() & fs::perms::all; };
