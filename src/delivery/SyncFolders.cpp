@@ -8,7 +8,9 @@
 #include <windows.h>
 #endif
 
+#include "base/AtomicFile.h"
 #include "base/CaseBlind.h"
+#include "base/Failure.h"
 #include "base/FileNames.h"
 
 namespace hifx {
@@ -115,13 +117,12 @@ namespace {
 // The copy is made under a hidden name and renamed into place, so a sync
 // never takes half a file.
 bool QueueCopy(const fs::path& file, const fs::path& queue, const std::string& name) {
-  std::random_device random;
-  const fs::path temp = queue / ("." + name + "." + std::to_string(random()) + ".tmp");
   const fs::path target = queue / name;
 #ifdef _WIN32
   // Hidden in Windows' own sense as well while it is being written.
+  std::random_device random;
   const std::string from = file.string();
-  const std::string hidden = temp.string();
+  const std::string hidden = (queue / ("." + name + "." + std::to_string(random()) + ".tmp")).string();
   const std::string to = target.string();
   const bool done = CopyFileA(from.c_str(), hidden.c_str(), TRUE) &&
                     SetFileAttributesA(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN) &&
@@ -130,15 +131,12 @@ bool QueueCopy(const fs::path& file, const fs::path& queue, const std::string& n
   else DeleteFileA(hidden.c_str());
   return done;
 #else
-  std::error_code ec;
-  fs::copy_file(file, temp, ec);
-  if (!ec) fs::rename(temp, target, ec);
-  if (ec) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
+  try {
+    ReplaceFile(target, ReadWholeFile(file));
+    return true;
+  } catch (const Failure&) {
     return false;
   }
-  return true;
 #endif
 }
 

@@ -202,6 +202,7 @@ SortOutcome SortHIF(IShell& shell, const std::filesystem::path& readingSource,
       // Every other record is left out: code, index and alert records.
     }
     flush();
+    destination.FinishHIF();  // the sorted copy on the disk, checked
   }  // both files closed
 
   // The named file is replaced only now, whole: until here it is untouched.
