@@ -75,7 +75,11 @@ TEST(SettingsCommands, TwoProcessesSettingAtOnceLoseNothing) {
   TempDir dir;
   const auto site = dir / "site";
   ASSERT_EQ(RunHifx(At(site, {"settings", "set", "RouteSource", "start"}), dir).status, 0);
+#ifdef _WIN32
+  constexpr int kSets = 20;  // each start of the program under Wine takes a while
+#else
   constexpr int kSets = 200;
+#endif
   auto setter = [&](const char* setting, int& failures) {
     TempDir own;  // each its own captured output
     for (int i = 1; i <= kSets; ++i) {
