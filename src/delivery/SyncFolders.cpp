@@ -116,7 +116,7 @@ namespace {
 
 // The copy is made under a hidden name and renamed into place, so a sync
 // never takes half a file.
-bool QueueCopy(const fs::path& file, const fs::path& queue, const std::string& name) {
+bool QueueCopy(const fs::path& file, const fs::path& queue, const std::string& name, std::string& why) {
   const fs::path target = queue / name;
 #ifdef _WIN32
   // Hidden in Windows' own sense as well while it is being written.
@@ -129,12 +129,14 @@ bool QueueCopy(const fs::path& file, const fs::path& queue, const std::string& n
                     MoveFileExA(hidden.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH);
   if (done) SetFileAttributesA(to.c_str(), FILE_ATTRIBUTE_NORMAL);
   else DeleteFileA(hidden.c_str());
+  if (!done) why = "the copy or its move into place was refused (Windows error " + std::to_string(GetLastError()) + ")";
   return done;
 #else
   try {
     ReplaceFile(target, ReadWholeFile(file));
     return true;
-  } catch (const Failure&) {
+  } catch (const Failure& failure) {
+    why = failure.Description();
     return false;
   }
 #endif
@@ -142,21 +144,29 @@ bool QueueCopy(const fs::path& file, const fs::path& queue, const std::string& n
 
 }  // namespace
 
+int SyncFolders::Failed(const std::string& what, const fs::path& file, const std::string& why) {
+  problem_ = "Could not " + what + " " + file.string() + ": " + why;
+  return install::kFailed;
+}
+
 int SyncFolders::PltInstallFile(std::string_view user, const fs::path& file) {
+  problem_.clear();
   const auto at = FindUser(user);
   if (!at) return install::kNoUser;
   std::error_code ec;
   if (!fs::is_regular_file(file, ec)) return install::kNotFound;
   const fs::path queue = root_ / users_[*at] / kInstallFolder;
   fs::create_directories(queue, ec);
-  if (ec) return install::kFailed;
+  if (ec) return Failed("make the queue", queue, ec.message());
   const std::string name = file.filename().string();
   if (FindEntry(queue, name)) return install::kAlreadyQueued;
 
-  return QueueCopy(file, queue, name) ? install::kDone : install::kFailed;
+  std::string why;
+  return QueueCopy(file, queue, name, why) ? install::kDone : Failed("queue", file, why);
 }
 
 int SyncFolders::PltRemoveInstallFile(std::string_view user, std::string_view fileName) {
+  problem_.clear();
   const auto at = FindUser(user);
   if (!at) return install::kNoUser;
   const std::string name = FileNamePart(fileName);
@@ -165,7 +175,7 @@ int SyncFolders::PltRemoveInstallFile(std::string_view user, std::string_view fi
   if (!queued) return install::kNotFound;
   std::error_code ec;
   fs::remove(*queued, ec);
-  return ec ? install::kFailed : install::kDone;
+  return ec ? Failed("remove the queued", *queued, ec.message()) : install::kDone;
 }
 
 }  // namespace hifx

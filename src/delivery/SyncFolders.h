@@ -55,6 +55,9 @@ class SyncFolders {
   int PltInstallFile(std::string_view user, const std::filesystem::path& file);
   // Deletes the queued copy of the file name's last part.
   int PltRemoveInstallFile(std::string_view user, std::string_view fileName);
+  // What the file system said when the last call gave kFailed, with the
+  // file's name; empty when it gave something else.
+  const std::string& LastProblem() const { return problem_; }
 
  private:
   void ReadUsers();
@@ -63,8 +66,11 @@ class SyncFolders {
   std::optional<size_t> FindUser(std::string_view name) const;
   std::optional<std::string> UserOf(int32_t id) const;
 
+  int Failed(const std::string& what, const std::filesystem::path& file, const std::string& why);
+
   std::filesystem::path root_;
   std::vector<std::string> users_;
+  std::string problem_;
 };
 
 }  // namespace hifx

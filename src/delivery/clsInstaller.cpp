@@ -18,6 +18,9 @@ std::filesystem::path clsInstaller::FilePath(std::string_view file) const {
 
 void clsInstaller::ShowUndefined(int code) {
   shell_.MsgBox("Undefined error: " + std::to_string(code) + " occurred.");
+  // The box's words are the install library's own; what the file system
+  // said goes to the log beside them.
+  if (!library_.LastProblem().empty()) shell_.WriteLog("Error: " + library_.LastProblem());
 }
 
 bool clsInstaller::PRC(std::string_view unit, std::string_view file) {

@@ -287,7 +287,10 @@ bool clsExchange::KeepOutput() {
 void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
   const int32_t route = NumberOf(hif.Item("RouteNbr"));
   if (recType == kRecFileHeader) {
-    if (route < 0 || route > kMostRoutes) throw Failure(fail::kOutOfMemory);
+    if (route < 0 || route > kMostRoutes) {
+      throw Failure(fail::kOutOfMemory, "The file header of " + Trim(ReadingSource) + " counts " + std::to_string(route) +
+                                            " routes, more than a handheld file holds");
+    }
     RouteInitials.assign(static_cast<size_t>(route) + 1, std::string());
     return;
   }

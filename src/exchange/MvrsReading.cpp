@@ -171,7 +171,10 @@ bool clsExchange::ConvertReadingMVRS(int16_t version) {
         const int32_t recType = NumberOf(hif.Item("RecType"));
         if (recType == kRecFileHeader) {
           const int32_t routes = NumberOf(hif.Item("RouteNbr"));
-          if (routes > 32767) throw Failure(fail::kOutOfMemory);
+          if (routes > 32767) {
+            throw Failure(fail::kOutOfMemory, "The file header of " + Trim(ReadingSource) + " counts " +
+                                                  std::to_string(routes) + " routes, more than a handheld file holds");
+          }
           table.assign(static_cast<size_t>(std::max(routes, 0)), MvrsRouteTotals());
         } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
           routeTotal = Add16(routeTotal, 1);

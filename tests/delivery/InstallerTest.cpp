@@ -62,6 +62,12 @@ TEST_F(Installer, FileSystemRefusalsAreUndefinedErrorsAndOtherRemovalsQuiet) {
   EXPECT_FALSE(installer.PRC("Unit2", (dir / "route.pdb").string()));
   EXPECT_EQ(Messages(), (std::vector<std::string>{"Undefined error: -1 occurred.",
                                                   "Undefined error: -1 occurred."}));
+  // Beside the library's own words, the log says which file and why.
+  ASSERT_EQ(shell.log.size(), 2u);
+  EXPECT_EQ(shell.log[0].rfind("Error: Could not remove the queued " + Queued("Unit1", "stuck.pdb").string() + ": ", 0),
+            0u);
+  EXPECT_EQ(shell.log[1].rfind("Error: Could not make the queue " + (dir / "sync" / "Unit2" / "Install").string() + ": ", 0),
+            0u);
 }
 
 TEST_F(Installer, UnitInstallWithNoUsersSaysSo) {
