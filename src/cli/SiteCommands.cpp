@@ -27,6 +27,10 @@ int WithStore(Context& context, const std::function<int(IRegistryStore&)>& body)
   if (!store) return kExitUsage;
   try {
     return body(*store);
+  } catch (const WriteFailure& failure) {
+    // The command ran and its file could not be written: the old one stays.
+    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
+    return kExitNotComplete;
   } catch (const Failure& failure) {
     std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
     return kExitUsage;

@@ -137,6 +137,14 @@ bool clsDist::LoadDist(const std::filesystem::path& path) {
     }
     // Anything else, unknown maps among them, is passed over.
   }
+  // The registry says a failed write by its result alone: a load that lost
+  // values says how many, and is not called loaded.
+  if (unsaved_ > 0) {
+    shell_.MsgBox(std::to_string(unsaved_) + " settings of " + path.string() + " could not be saved", kCaption,
+                  MsgButtons::OK, MsgIcon::Critical);
+    unsaved_ = 0;
+    return false;
+  }
   shell_.MsgBox(path.string() + " loaded.", kCaption, MsgButtons::OK, MsgIcon::Information);
   return true;
 }
@@ -184,7 +192,7 @@ void clsDist::LoadRegistrySection(const std::string& section) {
     // One pair of outer quotation marks comes off; inner ones stay.
     if (!value.empty() && value.front() == '"') value.erase(0, 1);
     if (!value.empty() && value.back() == '"') value.pop_back();
-    registry.SaveValue(value, RootValuePath(key, name));
+    if (!registry.SaveValue(value, RootValuePath(key, name))) ++unsaved_;
   }
 }
 

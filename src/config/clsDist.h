@@ -28,6 +28,7 @@ class clsDist {
 
  private:
   void LoadRegistrySection(const std::string& section);
+  int unsaved_ = 0;  // registry values of the load that could not be saved
   void LoadMapSection(const std::string& section, int32_t use);
 
   IRegistryStore& store_;

@@ -188,6 +188,14 @@ TEST_F(FileSafety, AFileSizeLimitFailsTheRunAndKeepsTheOldFiles) {
   EXPECT_EQ(s.status, 2);
   EXPECT_NE(s.err.find("registry.db: cannot read the settings database"), std::string::npos) << s.err;
   EXPECT_EQ(Hifx({"settings", "get", "RouteMap"}).out, "Before\n");
+  // A distribution load whose settings can't all be written says how many
+  // were lost and is not called loaded.
+  const auto d = RunProgram("/bin/bash",
+                            {"-c", "trap '' XFSZ; ulimit -f 64; exec \"$0\" \"$@\"", HIFX_BINARY, "--site",
+                             (dir / "fresh").string(), "dist", "load", kExamples + "site.dst"},
+                            dir);
+  EXPECT_EQ(d.status, 1);
+  EXPECT_NE(d.err.find(" settings of " + kExamples + "site.dst could not be saved\n"), std::string::npos) << d.err;
   for (const auto& entry : fs::directory_iterator(dir.path())) {
     EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
   }
