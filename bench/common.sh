@@ -42,7 +42,7 @@ make_big_reading() {
   echo "reading HIF: $(du -k "$work/reading.pdb" | cut -f1) KB, $(pdb_records "$work/reading.pdb") records"
 }
 
-# Writes FILE: a fixed-column route file of 32,767 meters in 100 routes, in
+# Writes FILE: a fixed-column route file of 30,000 meters in 100 routes, in
 # the example layout (see the map Billing): route, sequence, tag, type,
 # digits, decimals, previous, high, low, read type, last date, utility,
 # address, name, account, serial, message, user 1.
@@ -50,10 +50,10 @@ big_route_file() {
   awk 'BEGIN {
     split("MAIN OAK ELM PINE MAPLE CEDAR BIRCH ASH", streets, " ");
     split("SMITH JONES GARCIA NGUYEN BROWN DAVIS MILLER WILSON", names, " ");
-    for (i = 0; i < 32767; i++) {
-      route = int(i / 328) + 1;
+    for (i = 0; i < 30000; i++) {
+      route = int(i / 300) + 1;
       printf "%04d%06d%08d%s%d%d%010d%010d%010d%s%08d%02d%-30s%-30s%-12s%-12s%-30s%-10s\r\n",
-        route, i % 328 + 1, 1000000 + i, "W", 6, 0, i * 7 % 900000, i * 7 % 900000 + 5000,
+        route, i % 300 + 1, 1000000 + i, "W", 6, 0, i * 7 % 900000, i * 7 % 900000 + 5000,
         i * 7 % 900000 + 1, "R", 20240131, 1,
         sprintf("%d %s ST", i % 997 + 1, streets[i % 8 + 1]),
         sprintf("%s %s %d", names[i % 8 + 1], names[(i * 3) % 8 + 1], i % 50),

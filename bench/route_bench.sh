@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Times `hifx route` on a generated fixed-column route file of 32,767 meters
-# in 100 routes, indexes on, through the example site's map "Billing".
+# Times `hifx route` on a generated fixed-column route file of 30,000 meters
+# in 100 routes, indexes on, through the example site's map "Billing"; the
+# meters, their indexes and the code lists fit a file of 32,767 records.
 # Prints the wall time and peak memory of each run. Not a test: figures only.
 #
 #   bench/route_bench.sh [RUNS]

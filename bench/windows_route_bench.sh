@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Times `hifx.exe route` of the Windows build under Wine on the generated
-# route file of bench/route_bench.sh (32,767 meters in 100 routes, indexes
+# route file of bench/route_bench.sh (30,000 meters in 100 routes, indexes
 # on), beside the Linux build on the same file, and checks that the two HIFs
 # are the same bytes. Needs scripts/test-windows.sh to have run once (the
 # Windows build and its Wine prefix). Not a test: figures only.
