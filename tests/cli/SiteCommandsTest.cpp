@@ -96,8 +96,9 @@ TEST(SettingsCommands, TwoProcessesSettingAtOnceLoseNothing) {
   EXPECT_EQ(failuresA, 0);
   EXPECT_EQ(failuresB, 0);
   const auto show = RunHifx(At(site, {"settings"}), dir);
-  EXPECT_NE(show.out.find("RouteSource=RouteSource200\n"), std::string::npos) << show.out;
-  EXPECT_NE(show.out.find("ReadingDestination=ReadingDestination200\n"), std::string::npos) << show.out;
+  const std::string last = std::to_string(kSets) + "\n";
+  EXPECT_NE(show.out.find("RouteSource=RouteSource" + last), std::string::npos) << show.out;
+  EXPECT_NE(show.out.find("ReadingDestination=ReadingDestination" + last), std::string::npos) << show.out;
 }
 
 TEST(SiteCommands, ShowListsEverySection) {
