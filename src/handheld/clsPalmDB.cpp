@@ -260,6 +260,14 @@ std::string clsPalmDB::GetString(int16_t& ordinal) const {
 Value clsPalmDB::ReadField(int16_t index) {
   if (index == 0) return Value::Null();
   const SchemaField& field = schema_[static_cast<size_t>(index)];
+  // A number past the record's end is said as the read's failure would say
+  // it, without raising one: a damaged file of many short records costs a
+  // message a field, not an unwinding.
+  const size_t width = field.type == kFieldInt8 ? 1 : field.type == kFieldInt16 ? 2 : field.type == kFieldInt32 ? 4 : 0;
+  if (width > 0 && (field.position < 0 || static_cast<size_t>(field.position) + width > buffer_.size())) {
+    shell_.MsgBox(StandardDescription(fail::kSubscript));
+    return Value();
+  }
   try {
     switch (field.type) {
       case kFieldText: {
