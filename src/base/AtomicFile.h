@@ -62,7 +62,6 @@ class OutputFile {
   // Everything written put in place of the old file; raises, naming the
   // file, when any step fails, and the old file then stays as it was.
   void Commit();
-  const std::filesystem::path& Path() const { return replacement_.Target(); }
   bool Failed() const { return failed_ || file_.Failed(); }
 
  private:

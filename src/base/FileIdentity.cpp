@@ -6,6 +6,10 @@ namespace hifx {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// The name with every symbolic link resolved, its own last one included even
+// when it points at nothing yet, made absolute.
 fs::path ResolvedName(const fs::path& path) {
   std::error_code ec;
   fs::path name = fs::absolute(path, ec);
@@ -20,6 +24,8 @@ fs::path ResolvedName(const fs::path& path) {
   fs::path resolved = fs::weakly_canonical(name, ec);
   return ec ? name.lexically_normal() : resolved;
 }
+
+}  // namespace
 
 bool SameFile(const fs::path& a, const fs::path& b) {
   std::error_code ec;

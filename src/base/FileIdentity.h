@@ -11,10 +11,6 @@ namespace hifx {
 
 bool SameFile(const std::filesystem::path& a, const std::filesystem::path& b);
 
-// The name with every symbolic link resolved, its own last one included even
-// when it points at nothing yet, made absolute.
-std::filesystem::path ResolvedName(const std::filesystem::path& path);
-
 // Whether the name is free for a new file or holds a plain file (through any
 // links): a device, a pipe or a folder is never replaced.
 bool IsReplaceable(const std::filesystem::path& path);
