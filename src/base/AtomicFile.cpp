@@ -58,7 +58,7 @@ void FileReplacement::Commit() {
   if (Device().Rename(written_, target_) != 0) {
     const int err = errno;
     Abandon();
-    throw WriteFailure(fail::kPathAccess, "Could not replace " + target_.string() + ": " + std::strerror(err));
+    throw WriteFailure(fail::kPathAccess, "Could not replace", target_, std::strerror(err));
   }
   written_.clear();
   SyncFolder(target_.parent_path());

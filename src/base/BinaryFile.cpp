@@ -26,15 +26,16 @@ namespace {
 // A file that can't be opened for writing, by its name and the system's
 // reason, under the number the system has always given that reason.
 WriteFailure OpenFailure(int err, const std::filesystem::path& path) {
-  const std::string words = "Could not open " + path.string() + " for writing: " + std::strerror(err);
+  int number = fail::kPathAccess;
   switch (err) {
-    case ENOENT: return WriteFailure(fail::kFileNotFound, words);
+    case ENOENT: number = fail::kFileNotFound; break;
     case ENOSPC:
-    case EFBIG: return WriteFailure(fail::kDiskFull, words);
+    case EFBIG: number = fail::kDiskFull; break;
     case EACCES:
-    case EPERM: return WriteFailure(fail::kPermissionDenied, words);
-    default: return WriteFailure(fail::kPathAccess, words);
+    case EPERM: number = fail::kPermissionDenied; break;
+    default: break;
   }
+  return WriteFailure(number, "Could not open {} for writing", path, std::strerror(err));
 }
 
 }  // namespace
@@ -111,8 +112,8 @@ BinaryFile BinaryFile::Open(const std::filesystem::path& path, bool createNew, b
 
 void BinaryFile::Fail(const char* what, int err) {
   failed_ = true;
-  throw WriteFailure(err == ENOSPC || err == EFBIG ? fail::kDiskFull : fail::kPathAccess,
-                std::string("Could not ") + what + " " + path_.string() + ": " + std::strerror(err));
+  throw WriteFailure(err == ENOSPC || err == EFBIG ? fail::kDiskFull : fail::kPathAccess, std::string("Could not ") + what,
+                     path_, std::strerror(err));
 }
 
 void BinaryFile::WriteAt(uint64_t offset, std::string_view bytes) {
@@ -136,7 +137,7 @@ void BinaryFile::Finish() {
   if (fd_ < 0) return;
   if (failed_) {
     Close();
-    throw WriteFailure(fail::kPathAccess, "Could not write " + path_.string() + ": an earlier write failed");
+    throw WriteFailure(fail::kPathAccess, "Could not write", path_, "an earlier write failed");
   }
   Unmap();
   const int handle = std::exchange(fd_, -1);
@@ -158,17 +159,17 @@ void CheckReadableFile(const std::filesystem::path& path) {
   std::error_code ec;
   const auto status = std::filesystem::status(path, ec);
   if (ec || !std::filesystem::exists(status)) {
-    throw Failure(fail::kFileNotFound, "File not found: " + path.string());
+    throw Failure(FailureKind::MissingInput, fail::kFileNotFound, "File not found:", path);
   }
   if (!std::filesystem::is_regular_file(status)) {
-    throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+    throw Failure(FailureKind::BadInput, fail::kPathAccess, "Path/File access error:", path);
   }
 }
 
 std::string ReadFileHead(const std::filesystem::path& path, size_t count) {
   CheckReadableFile(path);
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
+  if (!in) throw Failure(FailureKind::MissingInput, fail::kPermissionDenied, "Permission denied:", path);
   std::string head(count, '\0');
   in.read(head.data(), static_cast<std::streamsize>(count));
   head.resize(static_cast<size_t>(in.gcount()));
@@ -179,7 +180,7 @@ std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize) {
   CheckReadableFile(path);
   std::error_code ec;
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
+  if (!in) throw Failure(FailureKind::MissingInput, fail::kPermissionDenied, "Permission denied:", path);
   std::string data;
   const auto expected = std::filesystem::file_size(path, ec);
   if (!ec && expected <= maxSize) data.reserve(static_cast<size_t>(expected));
@@ -188,11 +189,11 @@ std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize) {
     in.read(chunk, sizeof chunk);
     const auto got = static_cast<size_t>(in.gcount());
     if (data.size() + got > maxSize) {
-      throw Failure(fail::kOutOfMemory, "File too large to read: " + path.string());
+      throw Failure(FailureKind::BadInput, fail::kOutOfMemory, "File too large to read:", path);
     }
     data.append(chunk, got);
   }
-  if (in.bad()) throw Failure(fail::kPathAccess, "Path/File access error: " + path.string());
+  if (in.bad()) throw Failure(FailureKind::BadInput, fail::kPathAccess, "Path/File access error:", path);
   return data;
 }
 

@@ -30,6 +30,29 @@ Failure::Failure(int number) : Failure(number, StandardDescription(number)) {}
 Failure::Failure(int number, const std::string& description)
     : std::runtime_error(description), number_(number) {}
 
+namespace {
+
+// The file goes where "{}" stands in what failed, else after it.
+std::string FileWords(const std::string& what, const std::filesystem::path& file, const std::string& reason) {
+  std::string words = what;
+  if (const size_t at = words.find("{}"); at != std::string::npos) {
+    words.replace(at, 2, file.string());
+  } else if (!file.empty()) {
+    words += (words.empty() ? "" : " ") + file.string();
+  }
+  if (!reason.empty()) words += (words.empty() ? "" : ": ") + reason;
+  return words;
+}
+
+}  // namespace
+
+Failure::Failure(FailureKind kind, int number, const std::string& what, const std::filesystem::path& file,
+                 const std::string& reason)
+    : std::runtime_error(FileWords(what, file, reason)), number_(number), kind_(kind), file_(file), reason_(reason) {}
+
+Failure::Failure(FailureKind kind, const std::string& description)
+    : std::runtime_error(description), number_(fail::kInvalidCall), kind_(kind) {}
+
 std::string Describe(const std::exception& failure) {
   if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr) {
     return "Not enough memory to go on: the run needs more than the system gives it";

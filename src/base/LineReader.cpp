@@ -12,7 +12,7 @@ LineReader::LineReader(const std::filesystem::path& path) {
   std::error_code ec;
   size_ = std::filesystem::file_size(path, ec);
   in_.open(path, std::ios::binary);
-  if (!in_) throw Failure(fail::kPermissionDenied, "Permission denied: " + path.string());
+  if (!in_) throw Failure(FailureKind::MissingInput, fail::kPermissionDenied, "Permission denied:", path);
 }
 
 bool LineReader::Fill() {

@@ -1,60 +1,61 @@
-// The commands of the hifx command line, one family a file. Each takes the
-// run's context and its own arguments, and returns the exit status.
+// The commands of the hifx command line, one family a file. Each family
+// defines its commands once: their words, options and help on the one
+// parser, and what runs when one is given. A run raises its usage problems
+// and failures; the command line says them and picks the exit code in one
+// place.
 #pragma once
 
-#include <filesystem>
-#include <optional>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "base/Clock.h"
-#include "cli/CliShell.h"
-#include "exchange/clsExchange.h"
+#include "app/Exit.h"
+#include "app/Session.h"
+#include "base/Failure.h"
+
+namespace CLI {
+class App;
+}
 
 namespace hifx::cli {
 
-inline constexpr int kExitOk = 0;
-inline constexpr int kExitNotComplete = 1;
-inline constexpr int kExitUsage = 2;
+using app::kExitNotComplete;
+using app::kExitOk;
+using app::kExitUsage;
+using Context = app::Session;
 
-struct Context {
-  CliShell& shell;
-  // The site folder: --site, else $HIFX_SITE, else $XDG_DATA_HOME/hifexchange,
-  // else ~/.local/share/hifexchange. Created by SiteFolder() on first use.
-  std::filesystem::path site;
-  std::vector<std::string> sets;  // --set FIELD=VALUE answers, in order
-  const IClock& clock;
+// What a command does once its line is parsed; returns the exit status.
+using Runner = std::function<int(Context&)>;
 
-  // The site folder, created when missing.
-  const std::filesystem::path& SiteFolder() const;
-  // The desktop sync root: $HIFX_SYNC_ROOT, else the site folder's "sync".
-  std::filesystem::path SyncRoot() const;
+class CommandTable {
+ public:
+  explicit CommandTable(CLI::App& root) : root_(root) {}
+
+  // A command of the line with its help words; its options and positionals
+  // are added to the definition returned.
+  CLI::App& Add(const std::string& name, const std::string& help, Runner run);
+  // The command the line gave, and its runner; nullptr when none.
+  const std::pair<CLI::App*, Runner>* Given() const;
+
+ private:
+  CLI::App& root_;
+  std::vector<std::pair<CLI::App*, Runner>> commands_;
 };
 
-using Args = std::vector<std::string>;
+// A command given wrongly in a way the parser can't see: exit 2.
+Failure UsageError(const std::string& words);
 
-// Writes "hifx: PROBLEM" and the usage to standard error; returns 2.
-int Usage(const std::string& problem);
+void AddHifCommands(CommandTable& table);         // dump, view
+void AddSortCommand(CommandTable& table);         // sort
+void AddMapCommands(CommandTable& table);         // map list|show|check
+void AddSiteCommands(CommandTable& table);        // settings, site, dist, registry
+void AddDeliveryCommands(CommandTable& table);    // users, install
+void AddConversionCommands(CommandTable& table);  // route, reread, reading
+void AddReportCommand(CommandTable& table);       // report
 
-// The site's settings store; nullptr, said on standard error, when it can't
-// be opened.
-std::unique_ptr<IRegistryStore> OpenStore(Context& context);
-// What a clsExchange of this run works with.
-ExchangeEnvironment Environment(Context& context, IRegistryStore& store);
-
-int RunDump(Context& context, const Args& args);
-int RunView(Context& context, const Args& args);
-int RunSort(Context& context, const Args& args);
-int RunMap(Context& context, const Args& args);
-int RunSettings(Context& context, const Args& args);
-int RunSite(Context& context, const Args& args);
-int RunDist(Context& context, const Args& args);
-int RunRegistry(Context& context, const Args& args);
-int RunRoute(Context& context, const Args& args);
-int RunReRead(Context& context, const Args& args);
-int RunReading(Context& context, const Args& args);
-int RunUsers(Context& context, const Args& args);
-int RunInstall(Context& context, const Args& args);
-int RunReport(Context& context, const Args& args);
+// The whole command line: parses it, runs the command, says any failure;
+// returns the exit status.
+int Main(int argc, const char* const* argv);
 
 }  // namespace hifx::cli

@@ -1,4 +1,6 @@
 // users and install: handheld delivery through the desktop sync folders.
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -14,65 +16,69 @@
 
 namespace hifx::cli {
 
-int RunUsers(Context& context, const Args& args) {
-  if (!args.empty()) return Usage("users takes no arguments");
+namespace {
+
+int Users(Context& context) {
   const SyncFolders library(context.SyncRoot());
-  try {
-    const clsPalmUsers users(library);
-    for (const PalmUser& user : users.Users()) {
-      std::fwrite(user.UserName.data(), 1, user.UserName.size(), stdout);
-      std::fputc('\n', stdout);
+  const clsPalmUsers users = [&] {
+    try {
+      return clsPalmUsers(library);
+    } catch (const Failure& failure) {
+      throw Failure(FailureKind::BadSite, failure.Number(), failure.Description());
     }
-    if (users.UserCount() == 0) {
-      std::fprintf(stderr, "hifx: users: no handheld users in %s\n", library.Root().string().c_str());
-    }
-  } catch (const Failure& failure) {
-    std::fprintf(stderr, "hifx: users: %s\n", failure.Description().c_str());
-    return kExitUsage;
+  }();
+  for (const PalmUser& user : users.Users()) {
+    std::fwrite(user.UserName.data(), 1, user.UserName.size(), stdout);
+    std::fputc('\n', stdout);
+  }
+  if (users.UserCount() == 0) {
+    std::fprintf(stderr, "hifx: users: no handheld users in %s\n", library.Root().string().c_str());
   }
   return kExitOk;
 }
 
-int RunInstall(Context& context, const Args& args) {
-  std::optional<std::string> file;
+struct InstallOptions {
+  std::string file;
   std::optional<std::string> unit;
-  for (size_t i = 0; i < args.size(); ++i) {
-    if (args[i] == "--unit") {
-      if (i + 1 >= args.size()) return Usage("install: --unit needs a NAME");
-      unit = args[++i];
-    } else if (!file) {
-      file = args[i];
-    } else {
-      return Usage("install takes one FILE");
-    }
-  }
-  if (!file) return Usage("install takes one FILE");
-  if (unit && !IsUserName(*unit)) return Usage("install: not a unit name: " + *unit);
-  std::error_code ec;
-  if (!std::filesystem::is_regular_file(*file, ec)) {
-    std::fprintf(stderr, "hifx: install: cannot read %s\n", file->c_str());
-    return kExitUsage;
-  }
+};
 
-  const std::unique_ptr<IRegistryStore> store = OpenStore(context);
-  if (!store) return kExitUsage;
+int Install(Context& context, const InstallOptions& options) {
+  const std::string& file = options.file;
+  const std::optional<std::string>& unit = options.unit;
+  if (unit && !IsUserName(*unit)) throw UsageError("not a unit name: " + *unit);
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(file, ec)) {
+    throw Failure(FailureKind::MissingInput, fail::kFileNotFound, "cannot read", file);
+  }
   const std::filesystem::path syncRoot = context.SyncRoot();
-  clsExchange exchange(Environment(context, *store));
+  // A fresh exchange object: the stored install settings are not the run's.
+  clsExchange exchange(context.Environment());
   // The unit is the one named, or asked for; the file given is never deleted.
   exchange.AutoInstallUnit = unit.value_or("");
   exchange.AutoInstallPrompt = false;
   exchange.AutoInstallLeave = true;
   // A relative FILE is taken from the current folder, never from the site's.
-  if (exchange.InstallPRC(std::filesystem::absolute(*file))) return kExitOk;
+  if (exchange.InstallPRC(std::filesystem::absolute(file))) return kExitOk;
   if (exchange.AutoInstallUnit.empty()) {
     if (SyncFolders(syncRoot).UmGetUserCount() == 0) {
       std::fprintf(stderr, "hifx: install: no handheld users in %s; name one with --unit\n",
                    syncRoot.string().c_str());
     } else {
-      std::fprintf(stderr, "hifx: install: no unit chosen; %s was not queued\n", file->c_str());
+      std::fprintf(stderr, "hifx: install: no unit chosen; %s was not queued\n", file.c_str());
     }
   }
   return kExitNotComplete;
+}
+
+}  // namespace
+
+void AddDeliveryCommands(CommandTable& table) {
+  table.Add("users", "the handheld users of the desktop sync folders", Users);
+  auto options = std::make_shared<InstallOptions>();
+  CLI::App& install = table.Add("install", "queue FILE for a handheld unit's next sync",
+                                [options](Context& context) { return Install(context, *options); });
+  install.add_option("file", options->file, "the file to queue")->type_name("FILE")->required();
+  install.add_option("--unit", options->unit, "the handheld unit; asked for when not named")->type_name("NAME");
 }
 
 }  // namespace hifx::cli

@@ -1,6 +1,9 @@
 // dump and view: what a HIF file holds, for scripts and for people.
 #include <cstdio>
-#include <cstdlib>
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <optional>
 
 #include "base/Failure.h"
 #include "cli/Commands.h"
@@ -38,95 +41,92 @@ void PrintRow(const std::vector<std::string>& cells) {
   std::fwrite(line.data(), 1, line.size(), stdout);
 }
 
-// Whether the file's structure holds as the handheld's own readers want it;
-// says what is wrong when it doesn't.
-bool Sound(const char* command, const std::string& file) {
+// Raises a failure of the file, saying what is wrong, when its structure does
+// not hold as the handheld's own readers want it.
+void CheckSound(const std::string& file) {
   // A file that can't be read at all is said so by the reading itself.
   std::error_code ec;
-  if (!std::filesystem::is_regular_file(file, ec)) return true;
+  if (!std::filesystem::is_regular_file(file, ec)) return;
   const std::string damage = PalmFileDamage(file);
-  if (damage.empty()) return true;
-  std::fprintf(stderr, "hifx: %s: %s: damaged handheld file: %s\n", command, file.c_str(), damage.c_str());
-  return false;
+  if (!damage.empty()) {
+    throw Failure(FailureKind::BadInput, fail::kPathAccess, {}, file, "damaged handheld file: " + damage);
+  }
+}
+
+int Dump(const std::string& file) {
+  // Fields past the end of a short record come out as null rather than as
+  // one message a field.
+  SilentShell quiet;
+  CheckSound(file);
+  const int16_t version = ReadFileVersion(quiet, file);
+  clsHIF hif(quiet);
+  if (version >= 0) hif.SetVersion(version);
+  if (version < 0 || hif.OpenHIF(file)) {
+    throw Failure(FailureKind::BadInput, fail::kFileNotFound, "could not read HIF file", file);
+  }
+  std::string out;
+  int record = 0;
+  try {
+    while (hif.ReadData()) {
+      out += RecordToJson(hif);
+      out.push_back('\n');
+      ++record;
+      if (out.size() > (1u << 16)) {
+        std::fwrite(out.data(), 1, out.size(), stdout);
+        out.clear();
+      }
+    }
+  } catch (const Failure& failure) {
+    // What was read before the damage is shown, then where it is.
+    std::fwrite(out.data(), 1, out.size(), stdout);
+    throw Failure(FailureKind::BadInput, failure.Number(), {}, file,
+                  "record " + std::to_string(record) + ": " + failure.Description());
+  }
+  std::fwrite(out.data(), 1, out.size(), stdout);
+  return kExitOk;
+}
+
+int View(Context& context, const std::string& file, std::optional<int32_t> route) {
+  CheckSound(file);
+  HifView view(context.Shell());
+  if (!view.Display(file)) {
+    context.Shell().MsgBox("Unable to display file", {}, MsgButtons::OK, MsgIcon::None);
+    return kExitUsage;
+  }
+  const TextTable table = route ? view.Meters(*route) : view.Routes();
+  PrintRow(table.columns);
+  for (const auto& row : table.rows) PrintRow(row);
+  return kExitOk;
+}
+
+// A failure of reading the file is a fault of the file.
+template <typename Body>
+int ReadingFile(const std::string& file, Body body) {
+  try {
+    return body();
+  } catch (const Failure& failure) {
+    if (failure.Kind() != FailureKind::Run) throw;
+    throw Failure(FailureKind::BadInput, failure.Number(), {}, file, failure.Description());
+  }
 }
 
 }  // namespace
 
-int RunDump(Context&, const Args& args) {
-  if (args.size() != 1) return Usage("dump takes one FILE");
-  const std::string& file = args[0];
-  // Fields past the end of a short record come out as null rather than as
-  // one message a field.
-  SilentShell quiet;
-  try {
-    if (!Sound("dump", file)) return kExitUsage;
-    const int16_t version = ReadFileVersion(quiet, file);
-    clsHIF hif(quiet);
-    if (version < 0 || (hif.SetVersion(version), hif.OpenHIF(file))) {
-      std::fprintf(stderr, "hifx: dump: could not read HIF file %s\n", file.c_str());
-      return kExitUsage;
-    }
-    std::string out;
-    int record = 0;
-    try {
-      while (hif.ReadData()) {
-        out += RecordToJson(hif);
-        out.push_back('\n');
-        ++record;
-        if (out.size() > (1u << 16)) {
-          std::fwrite(out.data(), 1, out.size(), stdout);
-          out.clear();
-        }
-      }
-    } catch (const Failure& failure) {
-      std::fwrite(out.data(), 1, out.size(), stdout);
-      std::fflush(stdout);
-      std::fprintf(stderr, "hifx: dump: %s: record %d: %s\n", file.c_str(), record,
-                   failure.Description().c_str());
-      return kExitUsage;
-    }
-    std::fwrite(out.data(), 1, out.size(), stdout);
-  } catch (const Failure& failure) {
-    std::fprintf(stderr, "hifx: dump: %s: %s\n", file.c_str(), failure.Description().c_str());
-    return kExitUsage;
-  }
-  return kExitOk;
-}
+void AddHifCommands(CommandTable& table) {
+  auto file = std::make_shared<std::string>();
+  CLI::App& dump = table.Add("dump", "every record of a HIF as one JSON object per line", [file](Context&) {
+    return ReadingFile(*file, [&] { return Dump(*file); });
+  });
+  dump.add_option("file", *file, "the HIF file")->type_name("FILE")->required();
 
-int RunView(Context& context, const Args& args) {
-  std::string file;
-  std::optional<int32_t> route;
-  for (size_t i = 0; i < args.size(); ++i) {
-    if (args[i] == "--route") {
-      if (i + 1 >= args.size()) return Usage("--route needs a number");
-      char* end = nullptr;
-      const long n = std::strtol(args[i + 1].c_str(), &end, 10);
-      if (end == args[i + 1].c_str() || *end != '\0') return Usage("--route needs a number");
-      route = static_cast<int32_t>(n);
-      ++i;
-    } else if (file.empty()) {
-      file = args[i];
-    } else {
-      return Usage("view takes one FILE");
-    }
-  }
-  if (file.empty()) return Usage("view takes one FILE");
-  try {
-    if (!Sound("view", file)) return kExitUsage;
-    HifView view(context.shell);
-    if (!view.Display(file)) {
-      context.shell.MsgBox("Unable to display file", {}, MsgButtons::OK, MsgIcon::None);
-      return kExitUsage;
-    }
-    const TextTable table = route ? view.Meters(*route) : view.Routes();
-    PrintRow(table.columns);
-    for (const auto& row : table.rows) PrintRow(row);
-  } catch (const Failure& failure) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "hifx: view: %s: %s\n", file.c_str(), failure.Description().c_str());
-    return kExitUsage;
-  }
-  return kExitOk;
+  auto viewed = std::make_shared<std::string>();
+  auto route = std::make_shared<std::optional<int32_t>>();
+  CLI::App& view = table.Add("view", "the routes, or the meters of route N, tab-separated",
+                             [viewed, route](Context& context) {
+                               return ReadingFile(*viewed, [&] { return View(context, *viewed, *route); });
+                             });
+  view.add_option("file", *viewed, "the HIF file")->type_name("FILE")->required();
+  view.add_option("--route", *route, "the route whose meters are shown")->type_name("N");
 }
 
 }  // namespace hifx::cli

@@ -1,5 +1,8 @@
 // map list, map show NAME, map check NAME: the map files of the site folder.
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
+#include <memory>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -7,6 +10,7 @@
 #include <vector>
 
 #include "base/CaseBlind.h"
+#include "base/Failure.h"
 #include "base/Value.h"
 #include "cli/Commands.h"
 #include "maps/MapCatalogues.h"
@@ -57,11 +61,7 @@ int List(const Context& context) {
     std::error_code typeError;
     if (UseOfName(name) != 0 && entry.is_regular_file(typeError)) names.push_back(name);
   }
-  if (ec) {
-    std::fprintf(stderr, "hifx: map: cannot read the site folder %s\n",
-                 context.site.string().c_str());
-    return kExitUsage;
-  }
+  if (ec) throw Failure(FailureKind::BadSite, fail::kPathAccess, "cannot read the site folder", context.SiteFolderName());
   std::sort(names.begin(), names.end());
   for (const auto& name : names) Print(name);
   return kExitOk;
@@ -101,37 +101,47 @@ void PrintMessages(std::string_view messages) {
   }
 }
 
-}  // namespace
-
-int RunMap(Context& context, const Args& args) {
-  if (args.empty()) return Usage("map takes list, show NAME or check NAME");
-  const std::string& action = args[0];
-  if (action == "list") {
-    if (args.size() != 1) return Usage("map list takes no arguments");
-    return List(context);
-  }
-  if (action != "show" && action != "check") return Usage("unknown map command: " + action);
-  if (args.size() != 2) return Usage("map " + action + " takes one NAME");
-  const std::string& name = args[1];
+// The map NAME of a show or check, loaded from the site folder.
+clsExchMap LoadNamedMap(Context& context, const std::string& name) {
   if (name.find_first_of("/\\") != std::string::npos) {
-    return Usage("a map NAME is a file name in the site folder");
+    throw UsageError("a map NAME is a file name in the site folder");
   }
   const int32_t use = UseOfName(name);
-  if (use == 0) return Usage("a map NAME ends in .hcm, .hrm or .hom");
-
+  if (use == 0) throw UsageError("a map NAME ends in .hcm, .hrm or .hom");
   clsExchMap map(context.SiteFolder());
-  if (!map.LoadMap(name, use)) {
-    std::fprintf(stderr, "hifx: map: could not load %s\n", name.c_str());
-    return kExitUsage;
-  }
-  if (action == "show") {
-    Show(map);
-    return kExitOk;
-  }
+  if (!map.LoadMap(name, use)) throw Failure(FailureKind::MissingInput, fail::kFileNotFound, "could not load", name);
+  return map;
+}
+
+int Check(Context& context, const std::string& name) {
   std::string messages;
-  const bool valid = map.ValidateMap(messages);
+  const bool valid = LoadNamedMap(context, name).ValidateMap(messages);
   PrintMessages(messages);
   return valid ? kExitOk : kExitNotComplete;
+}
+
+}  // namespace
+
+void AddMapCommands(CommandTable& table) {
+  struct Given {
+    CLI::App* list = nullptr;
+    CLI::App* show = nullptr;
+    std::string name;
+  };
+  auto given = std::make_shared<Given>();
+  CLI::App& map = table.Add("map", "the site folder's map files; show or validate map NAME", [given](Context& context) {
+    if (given->list->parsed()) return List(context);
+    if (!given->show->parsed()) return Check(context, given->name);
+    Show(LoadNamedMap(context, given->name));
+    return kExitOk;
+  });
+  map.require_subcommand(1);
+  given->list = map.add_subcommand("list", "the map files of the site folder");
+  given->show = map.add_subcommand("show", "map NAME: its settings and fields");
+  CLI::App* check = map.add_subcommand("check", "map NAME validated, its messages one a line");
+  for (CLI::App* named : {given->show, check}) {
+    named->add_option("name", given->name, "the map file's name with its extension")->type_name("NAME")->required();
+  }
 }
 
 }  // namespace hifx::cli

@@ -1,7 +1,11 @@
 // report: the meter reports of a reading HIF, as PDF files or on a printer.
 // Several types make one report each, in the order the main window prints
 // them: Exception, Reading, Orphan, Missed.
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,9 +20,6 @@
 namespace hifx::cli {
 namespace {
 
-constexpr const char* kReportUsage =
-    "report --type reading|exception|missed|orphan[,...] (--pdf OUT | --printer NAME) [--title T] FILE";
-
 struct ReportKind {
   const char* word;
   int32_t type;
@@ -29,9 +30,9 @@ constexpr ReportKind kKinds[] = {{"exception", kReportException},
                                  {"orphan", kReportOrphan},
                                  {"missed", kReportMissed}};
 
-// The types named in a --type list, added to `mask`; false for a word that
-// names none.
-bool ParseTypes(const std::string& list, int32_t& mask, std::string& problem) {
+// The types named in a --type list; a word that names none is said.
+int32_t ParseTypes(const std::string& list) {
+  int32_t mask = 0;
   size_t start = 0;
   for (;;) {
     const size_t comma = list.find(',', start);
@@ -43,11 +44,8 @@ bool ParseTypes(const std::string& list, int32_t& mask, std::string& problem) {
         known = true;
       }
     }
-    if (!known) {
-      problem = "unknown report type: " + word;
-      return false;
-    }
-    if (comma == std::string::npos) return true;
+    if (!known) throw UsageError("unknown report type: " + word);
+    if (comma == std::string::npos) return mask;
     start = comma + 1;
   }
 }
@@ -61,77 +59,76 @@ std::filesystem::path ReportFileName(const std::filesystem::path& out, const cha
   return file;
 }
 
-}  // namespace
+struct ReportOptions {
+  std::string types, pdf, printer, file;
+  std::optional<std::string> title;
+};
 
-int RunReport(Context& context, const Args& args) {
-  int32_t mask = 0;
-  std::string pdf, printer, title, file;
-  bool titled = false;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    const bool hasValue = i + 1 < args.size();
-    std::string problem;
-    if (a == "--type" && hasValue) {
-      if (!ParseTypes(args[++i], mask, problem)) return Usage(problem + "\n" + kReportUsage);
-    } else if (a == "--pdf" && hasValue) {
-      pdf = args[++i];
-    } else if (a == "--printer" && hasValue) {
-      printer = args[++i];
-    } else if (a == "--title" && hasValue) {
-      title = args[++i];
-      titled = true;
-    } else if (a.starts_with("--") || !file.empty()) {
-      return Usage(std::string(kReportUsage));
-    } else {
-      file = a;
-    }
-  }
-  if (mask == 0 || file.empty() || pdf.empty() == printer.empty()) return Usage(std::string(kReportUsage));
-  const bool several = (mask & (mask - 1)) != 0;
-  // A report never takes the place of the file it reports on, nor of
-  // anything but a plain file.
+// A report never takes the place of the file it reports on, nor of anything
+// but a plain file.
+void CheckReportFiles(const ReportOptions& options, int32_t mask, bool several) {
   for (const ReportKind& kind : kKinds) {
-    if (pdf.empty() || (mask & kind.type) == 0) continue;
-    const std::filesystem::path out = ReportFileName(pdf, kind.word, several);
-    if (SameFile(out, file)) {
-      std::fprintf(stderr, "hifx: report: %s is the same file as the reading file %s\n", out.string().c_str(),
-                   file.c_str());
-      return kExitUsage;
+    if (options.pdf.empty() || (mask & kind.type) == 0) continue;
+    const std::filesystem::path out = ReportFileName(options.pdf, kind.word, several);
+    if (SameFile(out, options.file)) {
+      throw UsageError(out.string() + " is the same file as the reading file " + options.file);
     }
-    if (!IsReplaceable(out)) {
-      std::fprintf(stderr, "hifx: report: %s is not a plain file\n", out.string().c_str());
-      return kExitUsage;
-    }
+    if (!IsReplaceable(out)) throw UsageError(out.string() + " is not a plain file");
   }
+}
 
+int Report(Context& context, const ReportOptions& options) {
+  const int32_t mask = ParseTypes(options.types);
+  if (options.pdf.empty() == options.printer.empty()) throw UsageError("takes --pdf OUT or --printer NAME");
+  const bool several = (mask & (mask - 1)) != 0;
+  CheckReportFiles(options, mask, several);
 #ifndef HIFX_HAVE_QT
   (void)context;
-  (void)titled;
-  std::fputs("hifx: report: PDF and printed reports need the Qt build of hifx\n", stderr);
-  return kExitUsage;
+  throw UsageError("PDF and printed reports need the Qt build of hifx");
 #else
   const QtReportSession session;
   QtUserSettings settings;
   try {
     for (const ReportKind& kind : kKinds) {
       if ((mask & kind.type) == 0) continue;
-      std::unique_ptr<QtPrinters> printers =
-          pdf.empty() ? QtPrinters::ToDefaultPrinter() : QtPrinters::ToPdf(ReportFileName(pdf, kind.word, several));
-      clsReport report(context.shell, context.clock, *printers, settings);
-      if (!printer.empty() && !report.Engine().SetPrinter(printer)) {
-        std::fprintf(stderr, "hifx: report: no printer's name holds \"%s\"\n", printer.c_str());
-        return kExitUsage;
+      std::unique_ptr<QtPrinters> printers = options.pdf.empty()
+                                                 ? QtPrinters::ToDefaultPrinter()
+                                                 : QtPrinters::ToPdf(ReportFileName(options.pdf, kind.word, several));
+      clsReport report(context.Shell(), context.Clock(), *printers, settings);
+      if (!options.printer.empty() && !report.Engine().SetPrinter(options.printer)) {
+        throw UsageError("no printer's name holds \"" + options.printer + "\"");
       }
       // Each report is titled with its own name, as the main window prints it.
-      if (!report.Begin(false, file, kind.type, titled ? title : ReportTitle(kind.type))) return kExitUsage;
+      if (!report.Begin(false, options.file, kind.type, options.title.value_or(ReportTitle(kind.type)))) {
+        return kExitUsage;
+      }
       printers->Finish();
     }
   } catch (const Failure& failure) {
-    context.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
+    context.Shell().MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
     return kExitNotComplete;
   }
   return kExitOk;
 #endif
+}
+
+}  // namespace
+
+void AddReportCommand(CommandTable& table) {
+  auto options = std::make_shared<ReportOptions>();
+  CLI::App& report = table.Add("report", "the meter reports of a reading HIF; several types: one file each",
+                               [options](Context& context) { return Report(context, *options); });
+  report.add_option("--type", options->types, "the reports, comma-separated")
+      ->type_name("reading|exception|missed|orphan[,...]")
+      ->required();
+  CLI::Option* pdf = report.add_option("--pdf", options->pdf, "the PDF file; for several types, OUT-TYPE.pdf each")
+                         ->type_name("OUT");
+  CLI::Option* printer = report.add_option("--printer", options->printer, "the printer whose name holds NAME")
+                             ->type_name("NAME");
+  pdf->excludes(printer);
+  printer->excludes(pdf);
+  report.add_option("--title", options->title, "the title of every page")->type_name("T");
+  report.add_option("file", options->file, "the reading HIF")->type_name("FILE")->required();
 }
 
 }  // namespace hifx::cli

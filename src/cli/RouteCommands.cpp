@@ -1,137 +1,125 @@
-// route and reread: the conversions that make a route HIF for the handheld.
-#include <cstdio>
-#include <functional>
-#include <memory>
+// route, reread and reading: the conversions, with the stored settings and
+// the run's own options over them. Nothing of the options is saved.
+#include <CLI/CLI.hpp>
 
-#include "base/Failure.h"
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
 #include "cli/Commands.h"
-#include "config/SiteRegistry.h"
 #include "exchange/clsExchange.h"
 
 namespace hifx::cli {
 namespace {
 
-struct Overrides {
+struct RouteOptions {
   std::optional<std::string> source, dest, map, format;
 };
 
-// Reads --source, --dest, --map, --format; false on anything else.
-bool ParseOverrides(const Args& args, Overrides& o, std::string& problem) {
-  for (size_t i = 0; i < args.size(); ++i) {
-    std::optional<std::string>* slot = nullptr;
-    if (args[i] == "--source") slot = &o.source;
-    if (args[i] == "--dest") slot = &o.dest;
-    if (args[i] == "--map") slot = &o.map;
-    if (args[i] == "--format") slot = &o.format;
-    if (slot == nullptr) {
-      problem = "unknown option " + args[i];
-      return false;
-    }
-    if (i + 1 >= args.size()) {
-      problem = args[i] + " needs a value";
-      return false;
-    }
-    *slot = args[++i];
-  }
-  if (o.format && *o.format != "PDB" && *o.format != "PRC" && *o.format != "VFS") {
-    problem = "--format takes PDB, PRC or VFS";
-    return false;
-  }
-  return true;
+// The options of route and reread: which of the exchange's settings each
+// stands for this run.
+struct RouteSettings {
+  std::string clsExchange::*source;
+  std::string clsExchange::*destination;
+  std::string clsExchange::*map;
+  std::string clsExchange::*format;
+};
+
+void AddRouteOptions(CLI::App& command, RouteOptions& options) {
+  command.add_option("--source", options.source, "the route file")->type_name("F");
+  command.add_option("--dest", options.dest, "the HIF file to make")->type_name("F");
+  command.add_option("--map", options.map, "the map, by its file name")->type_name("NAME");
+  command.add_option("--format", options.format, "the HIF's form")
+      ->type_name("PDB|PRC|VFS")
+      ->check(CLI::Validator(
+          [](const std::string& v) { return v == "PDB" || v == "PRC" || v == "VFS" ? "" : "takes PDB, PRC or VFS"; },
+          ""));
 }
 
-// Loads the stored settings, applies the run's overrides (nothing is saved)
-// and runs the conversion.
-int RunConversion(Context& context, const Args& args, const char* usage,
-                  const std::function<void(clsExchange&, const Overrides&)>& apply,
-                  const std::function<bool(clsExchange&)>& convert) {
-  Overrides overrides;
-  std::string problem;
-  if (!ParseOverrides(args, overrides, problem)) return Usage(problem + "\n" + usage);
-  const std::unique_ptr<IRegistryStore> store = OpenStore(context);
-  if (!store) return kExitUsage;
-  clsExchange exchange(Environment(context, *store));
-  exchange.LoadSettings();
-  apply(exchange, overrides);
-  return convert(exchange) ? kExitOk : kExitNotComplete;
+void AddRouteConversion(CommandTable& table, const std::string& name, const std::string& help,
+                        RouteSettings settings, bool (clsExchange::*convert)()) {
+  auto options = std::make_shared<RouteOptions>();
+  CLI::App& command = table.Add(name, help, [options, settings, convert](Context& context) {
+    clsExchange& exchange = context.Exchange();
+    if (options->source) exchange.*settings.source = *options->source;
+    if (options->dest) exchange.*settings.destination = *options->dest;
+    if (options->map) exchange.*settings.map = *options->map;
+    if (options->format) exchange.*settings.format = *options->format;
+    return (exchange.*convert)() ? kExitOk : kExitNotComplete;
+  });
+  AddRouteOptions(command, *options);
+}
+
+// What each option of reading does to the settings of the run. They take
+// effect in the order given, so a later one wins over an earlier.
+using ReadingChange = std::function<void(clsExchange&, const std::string&)>;
+
+const std::map<std::string, ReadingChange>& ReadingChanges() {
+  static const std::map<std::string, ReadingChange> changes = {
+      {"--source", [](clsExchange& e, const std::string& v) { e.ReadingSource = v; }},
+      {"--dest", [](clsExchange& e, const std::string& v) { e.ReadingDestination = v; }},
+      {"--map", [](clsExchange& e, const std::string& v) { e.ReadingMap = v; }},
+      {"--orphans",
+       [](clsExchange& e, const std::string& v) {
+         e.OrphanDestination = v;
+         e.OrphanConvert = -1;
+       }},
+      {"--orphan-map", [](clsExchange& e, const std::string& v) { e.OrphanMap = v; }},
+      {"--orphan-replace", [](clsExchange& e, const std::string&) { e.OrphanReplace = -1; }},
+      {"--orphan-append", [](clsExchange& e, const std::string&) { e.OrphanReplace = 0; }},
+      {"--reread",
+       [](clsExchange& e, const std::string& v) {
+         e.ReReadDestination = v;
+         e.AutoReRead = true;
+       }},
+      {"--no-orphans", [](clsExchange& e, const std::string&) { e.OrphanConvert = 0; }},
+      {"--no-reread", [](clsExchange& e, const std::string&) { e.AutoReRead = false; }},
+  };
+  return changes;
+}
+
+int Reading(Context& context, const CLI::App& command) {
+  clsExchange& exchange = context.Exchange();
+  for (const CLI::Option* option : command.parse_order()) {
+    const std::string value = option->get_type_size_max() > 0 ? option->as<std::string>() : std::string();
+    ReadingChanges().at(option->get_name())(exchange, value);
+  }
+  return exchange.ConvertReading() ? kExitOk : kExitNotComplete;
+}
+
+void AddReadingConversion(CommandTable& table) {
+  auto command = std::make_shared<CLI::App*>();
+  CLI::App& reading = table.Add("reading", "reading conversion: billing file, orphan file, re-read file",
+                                [command](Context& context) { return Reading(context, **command); });
+  *command = &reading;
+  reading.add_option("--source", "the reading HIF")->type_name("F");
+  reading.add_option("--dest", "the billing file to write")->type_name("F");
+  reading.add_option("--map", "the reading map, by its file name")->type_name("NAME");
+  reading.add_option("--orphans", "the orphan file to write")->type_name("F");
+  reading.add_option("--orphan-map", "the orphan map, by its file name")->type_name("NAME");
+  CLI::Option* replace = reading.add_flag("--orphan-replace")->description("the orphan file replaced");
+  CLI::Option* append = reading.add_flag("--orphan-append")->description("the orphans added to the orphan file");
+  replace->excludes(append);
+  append->excludes(replace);
+  reading.add_option("--reread", "the re-read file to write")->type_name("F");
+  reading.add_flag("--no-orphans")->description("no orphan file");
+  reading.add_flag("--no-reread")->description("no re-read file");
 }
 
 }  // namespace
 
-int RunRoute(Context& context, const Args& args) {
-  return RunConversion(
-      context, args, "route [--source F] [--dest F] [--map NAME] [--format PDB|PRC|VFS]",
-      [](clsExchange& e, const Overrides& o) {
-        if (o.source) e.RouteSource = *o.source;
-        if (o.dest) e.RouteDestination = *o.dest;
-        if (o.map) e.RouteMap = *o.map;
-        if (o.format) e.RouteHIFType = *o.format;
-      },
-      [](clsExchange& e) { return e.ConvertRoute(); });
-}
-
-int RunReRead(Context& context, const Args& args) {
-  return RunConversion(
-      context, args, "reread [--source F] [--dest F] [--map NAME] [--format PDB|PRC|VFS]",
-      [](clsExchange& e, const Overrides& o) {
-        if (o.source) e.ReReadSource = *o.source;
-        if (o.dest) e.ReReadDestination = *o.dest;
-        if (o.map) e.ReReadMap = *o.map;
-        if (o.format) e.ReReadHIFType = *o.format;
-      },
-      [](clsExchange& e) { return e.ConvertReRead(); });
-}
-
-int RunReading(Context& context, const Args& args) {
-  static const char* kUsage =
-      "reading [--source F] [--dest F] [--map NAME] [--orphans F] [--orphan-map NAME] "
-      "[--orphan-replace | --orphan-append] [--reread F] [--no-orphans] [--no-reread]";
-  // The run's options; nothing is saved.
-  std::vector<std::function<void(clsExchange&)>> apply;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    auto value = [&](std::string& out) {
-      if (i + 1 >= args.size()) return false;
-      out = args[++i];
-      return true;
-    };
-    std::string v;
-    if (a == "--source" && value(v)) {
-      apply.push_back([v](clsExchange& e) { e.ReadingSource = v; });
-    } else if (a == "--dest" && value(v)) {
-      apply.push_back([v](clsExchange& e) { e.ReadingDestination = v; });
-    } else if (a == "--map" && value(v)) {
-      apply.push_back([v](clsExchange& e) { e.ReadingMap = v; });
-    } else if (a == "--orphans" && value(v)) {
-      apply.push_back([v](clsExchange& e) {
-        e.OrphanDestination = v;
-        e.OrphanConvert = -1;
-      });
-    } else if (a == "--orphan-map" && value(v)) {
-      apply.push_back([v](clsExchange& e) { e.OrphanMap = v; });
-    } else if (a == "--orphan-replace") {
-      apply.push_back([](clsExchange& e) { e.OrphanReplace = -1; });
-    } else if (a == "--orphan-append") {
-      apply.push_back([](clsExchange& e) { e.OrphanReplace = 0; });
-    } else if (a == "--reread" && value(v)) {
-      apply.push_back([v](clsExchange& e) {
-        e.ReReadDestination = v;
-        e.AutoReRead = true;
-      });
-    } else if (a == "--no-orphans") {
-      apply.push_back([](clsExchange& e) { e.OrphanConvert = 0; });
-    } else if (a == "--no-reread") {
-      apply.push_back([](clsExchange& e) { e.AutoReRead = false; });
-    } else {
-      return Usage(std::string(kUsage));
-    }
-  }
-  const std::unique_ptr<IRegistryStore> store = OpenStore(context);
-  if (!store) return kExitUsage;
-  clsExchange exchange(Environment(context, *store));
-  exchange.LoadSettings();
-  for (const auto& change : apply) change(exchange);
-  return exchange.ConvertReading() ? kExitOk : kExitNotComplete;
+void AddConversionCommands(CommandTable& table) {
+  AddRouteConversion(table, "route", "route conversion with the stored settings",
+                     {&clsExchange::RouteSource, &clsExchange::RouteDestination, &clsExchange::RouteMap,
+                      &clsExchange::RouteHIFType},
+                     &clsExchange::ConvertRoute);
+  AddRouteConversion(table, "reread", "re-read conversion with the stored settings",
+                     {&clsExchange::ReReadSource, &clsExchange::ReReadDestination, &clsExchange::ReReadMap,
+                      &clsExchange::ReReadHIFType},
+                     &clsExchange::ConvertReRead);
+  AddReadingConversion(table);
 }
 
 }  // namespace hifx::cli

@@ -1,8 +1,12 @@
 // settings, site, dist and registry: the site's configuration from the
 // command line.
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "base/Failure.h"
 #include "config/RegistryRoot.h"
@@ -11,6 +15,7 @@
 #include "config/clsDist.h"
 #include "config/clsRegistry.h"
 #include "cli/Commands.h"
+#include "exchange/ExchangeSettings.h"
 #include "exchange/clsExchange.h"
 
 namespace hifx::cli {
@@ -21,181 +26,61 @@ void PrintLine(const std::string& line) {
   std::fputc('\n', stdout);
 }
 
-// Runs body with the site's registry store, or says why it can't be opened.
-int WithStore(Context& context, const std::function<int(IRegistryStore&)>& body) {
-  std::unique_ptr<IRegistryStore> store = OpenStore(context);
-  if (!store) return kExitUsage;
-  try {
-    return body(*store);
-  } catch (const WriteFailure& failure) {
-    // The command ran and its file could not be written: the old one stays.
-    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
-    return kExitNotComplete;
-  } catch (const Failure& failure) {
-    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
-    return kExitUsage;
+// A value of the command line for a setting, in the form the registry
+// stores; nothing when the words don't fit its kind.
+std::optional<std::string> StoredWords(const ExchangeSetting& setting, const std::string& value) {
+  if (setting.IsText()) return value;
+  if (setting.IsFlag()) {
+    const std::string v = UpperCase(value);
+    if (v == "Y" || v == "YES" || v == "TRUE" || v == "1" || v == "-1") return "Y";
+    if (v == "N" || v == "NO" || v == "FALSE" || v == "0") return "N";
+    return std::nullopt;
   }
+  char* end = nullptr;
+  const long n = std::strtol(value.c_str(), &end, 10);
+  if (value.empty() || *end != '\0' || n < -32768 || n > 32767) return std::nullopt;
+  return std::to_string(n);
 }
 
-enum class Kind { Text, Flag, Integer };
-
-struct Setting {
-  const char* name;
-  const char* section;  // where the registry keeps it
-  const char* key;
-  Kind kind;
-  std::string clsExchange::*text = nullptr;
-  bool clsExchange::*flag = nullptr;
-  int16_t clsExchange::*integer = nullptr;
-};
-
-Setting Text(const char* name, const char* section, const char* key, std::string clsExchange::*member) {
-  return {name, section, key, Kind::Text, member};
-}
-Setting Flag(const char* name, const char* section, const char* key, bool clsExchange::*member) {
-  return {name, section, key, Kind::Flag, nullptr, member};
-}
-Setting Integer(const char* name, const char* section, const char* key, int16_t clsExchange::*member) {
-  return {name, section, key, Kind::Integer, nullptr, nullptr, member};
+const ExchangeSetting& NamedSetting(const std::string& name) {
+  const ExchangeSetting* setting = FindExchangeSetting(name);
+  if (setting == nullptr) throw UsageError("no setting named " + name);
+  return *setting;
 }
 
-// The twenty settings in the order they are loaded.
-const std::vector<Setting>& Settings() {
-  static const std::vector<Setting> settings = {
-      Text("RouteSource", "Route", "Source", &clsExchange::RouteSource),
-      Text("RouteDestination", "Route", "Destination", &clsExchange::RouteDestination),
-      Text("RouteMap", "Route", "Map", &clsExchange::RouteMap),
-      Text("RouteHIFType", "Route", "HIFType", &clsExchange::RouteHIFType),
-      Text("ReReadSource", "ReRead", "Source", &clsExchange::ReReadSource),
-      Text("ReReadDestination", "ReRead", "Destination", &clsExchange::ReReadDestination),
-      Text("ReReadMap", "ReRead", "Map", &clsExchange::ReReadMap),
-      Text("ReReadHIFType", "ReRead", "HIFType", &clsExchange::ReReadHIFType),
-      Text("ReadingSource", "Reading", "Source", &clsExchange::ReadingSource),
-      Text("ReadingDestination", "Reading", "Destination", &clsExchange::ReadingDestination),
-      Text("ReadingMap", "Reading", "Map", &clsExchange::ReadingMap),
-      Flag("AutoReRead", "Reading", "AutoReRead", &clsExchange::AutoReRead),
-      Text("OrphanDestination", "Orphan", "Destination", &clsExchange::OrphanDestination),
-      Text("OrphanMap", "Orphan", "Map", &clsExchange::OrphanMap),
-      Integer("OrphanConvert", "Orphan", "Convert", &clsExchange::OrphanConvert),
-      Integer("OrphanReplace", "Orphan", "Replace", &clsExchange::OrphanReplace),
-      Flag("AutoInstall", "PRCInstall", "AutoInstall", &clsExchange::AutoInstall),
-      Text("AutoInstallUnit", "PRCInstall", "Unit", &clsExchange::AutoInstallUnit),
-      Flag("AutoInstallPrompt", "PRCInstall", "Prompt", &clsExchange::AutoInstallPrompt),
-      Flag("AutoInstallLeave", "PRCInstall", "Leave", &clsExchange::AutoInstallLeave),
-  };
-  return settings;
-}
-
-const Setting* FindSetting(const std::string& name) {
-  for (const Setting& s : Settings()) {
-    if (EqualsCaseBlind(s.name, name)) return &s;
+int ShowSettings(Context& context) {
+  clsExchange& exchange = context.Exchange();
+  for (const ExchangeSetting& s : ExchangeSettings()) {
+    PrintLine(std::string(s.name) + "=" + StoredForm(exchange, s));
   }
-  return nullptr;
+  return kExitOk;
 }
 
-std::string Show(const clsExchange& exchange, const Setting& s) {
-  switch (s.kind) {
-    case Kind::Text: return exchange.*s.text;
-    case Kind::Flag: return exchange.*s.flag ? "Y" : "N";
-    case Kind::Integer: return std::to_string(exchange.*s.integer);
+int SetSetting(Context& context, const std::string& name, const std::string& value) {
+  const ExchangeSetting& setting = NamedSetting(name);
+  const std::optional<std::string> expected = StoredWords(setting, value);
+  if (!expected) {
+    throw UsageError(std::string(setting.name) + (setting.IsFlag() ? " takes Y or N" : " takes a whole number"));
   }
-  return {};
+  clsExchange& exchange = context.Exchange();
+  // Only this setting is written: another process may be setting another.
+  if (!exchange.SaveParm(setting.key, setting.valueName, *expected)) {
+    throw Failure(FailureKind::WriteFailed, fail::kPathAccess, std::string(setting.name) + " could not be saved");
+  }
+  // A failed write is silent in the engine, and an empty value reads back as
+  // the default; a script wants to know either way.
+  exchange.LoadSettings();
+  const std::string stored = StoredForm(exchange, setting);
+  if (stored != *expected) {
+    throw Failure(FailureKind::Run, fail::kPathAccess,
+                  std::string(setting.name) + " reads back as \"" + stored + "\"");
+  }
+  return kExitOk;
 }
 
-bool Assign(clsExchange& exchange, const Setting& s, const std::string& value) {
-  switch (s.kind) {
-    case Kind::Text: exchange.*s.text = value; return true;
-    case Kind::Flag: {
-      const std::string v = UpperCase(value);
-      if (v == "Y" || v == "YES" || v == "TRUE" || v == "1" || v == "-1") {
-        exchange.*s.flag = true;
-      } else if (v == "N" || v == "NO" || v == "FALSE" || v == "0") {
-        exchange.*s.flag = false;
-      } else {
-        return false;
-      }
-      return true;
-    }
-    case Kind::Integer: {
-      char* end = nullptr;
-      const long n = std::strtol(value.c_str(), &end, 10);
-      if (value.empty() || *end != '\0' || n < -32768 || n > 32767) return false;
-      exchange.*s.integer = static_cast<int16_t>(n);
-      return true;
-    }
-  }
-  return false;
-}
-
-}  // namespace
-
-std::unique_ptr<IRegistryStore> OpenStore(Context& context) {
-  try {
-    return OpenSiteRegistry(context.SiteFolder());
-  } catch (const Failure& failure) {
-    std::fprintf(stderr, "hifx: %s\n", failure.Description().c_str());
-    return nullptr;
-  }
-}
-
-ExchangeEnvironment Environment(Context& context, IRegistryStore& store) {
-  return {store, context.shell, context.clock, context.SiteFolder(), context.SyncRoot()};
-}
-
-int RunSettings(Context& context, const Args& args) {
-  const std::string verb = args.empty() ? "show" : args[0];
-  if (verb == "show" && args.size() <= 1) {
-    return WithStore(context, [&](IRegistryStore& store) {
-      clsExchange exchange(Environment(context, store));
-      exchange.LoadSettings();
-      for (const Setting& s : Settings()) PrintLine(std::string(s.name) + "=" + Show(exchange, s));
-      return kExitOk;
-    });
-  }
-  if (verb == "get" && args.size() == 2) {
-    const Setting* setting = FindSetting(args[1]);
-    if (setting == nullptr) return Usage("no setting named " + args[1]);
-    return WithStore(context, [&](IRegistryStore& store) {
-      clsExchange exchange(Environment(context, store));
-      exchange.LoadSettings();
-      PrintLine(Show(exchange, *setting));
-      return kExitOk;
-    });
-  }
-  if (verb == "set" && args.size() == 3) {
-    const Setting* setting = FindSetting(args[1]);
-    if (setting == nullptr) return Usage("no setting named " + args[1]);
-    return WithStore(context, [&](IRegistryStore& store) {
-      clsExchange exchange(Environment(context, store));
-      exchange.LoadSettings();
-      if (!Assign(exchange, *setting, args[2])) {
-        return Usage(std::string(setting->name) +
-                     (setting->kind == Kind::Flag ? " takes Y or N" : " takes a whole number"));
-      }
-      const std::string expected = Show(exchange, *setting);
-      // Only this setting is written: another process may be setting another.
-      if (!exchange.SaveParm(setting->section, setting->key, expected)) {
-        std::fprintf(stderr, "hifx: settings: %s could not be saved\n", setting->name);
-        return kExitNotComplete;
-      }
-      // A failed write is silent in the engine, and an empty value reads
-      // back as the default; a script wants to know either way.
-      exchange.LoadSettings();
-      const std::string stored = Show(exchange, *setting);
-      if (stored != expected) {
-        std::fprintf(stderr, "hifx: settings: %s reads back as \"%s\"\n", setting->name, stored.c_str());
-        return kExitNotComplete;
-      }
-      return kExitOk;
-    });
-  }
-  return Usage("settings [show] | settings get NAME | settings set NAME VALUE");
-}
-
-int RunSite(Context& context, const Args& args) {
-  if (args.size() != 1 || args[0] != "show") return Usage("site show");
-  return WithStore(context, [](IRegistryStore& store) {
-    clsAdvanced advanced(store);
+int ShowSite(Context& context) {
+  {
+    clsAdvanced advanced(context.Store());
     std::string a, b, c;
     auto walk = [&](const char* section, const std::function<int16_t(int16_t)>& get,
                     const std::function<std::string()>& line) {
@@ -245,29 +130,64 @@ int RunSite(Context& context, const Args& args) {
     PrintLine("AlertOutOfBounds=" + std::to_string(advanced.AlertOutOfBounds()));
     PrintLine("AlertRollover=" + std::to_string(advanced.AlertRollover()));
     PrintLine("AlertTamper=" + std::to_string(advanced.AlertTamper()));
-    return kExitOk;
-  });
-}
-
-int RunDist(Context& context, const Args& args) {
-  if (args.size() != 2 || (args[0] != "load" && args[0] != "write")) {
-    return Usage("dist load FILE | dist write FILE");
   }
-  return WithStore(context, [&](IRegistryStore& store) {
-    clsDist dist(store, context.shell, context.SiteFolder());
-    if (args[0] == "write") return dist.WriteDist(args[1]) ? kExitOk : kExitNotComplete;
-    return dist.LoadDist(args[1]) ? kExitOk : kExitNotComplete;
-  });
+  return kExitOk;
 }
 
-int RunRegistry(Context& context, const Args& args) {
-  if (args.size() != 1 || args[0] != "dump") return Usage("registry dump");
-  return WithStore(context, [&](IRegistryStore& store) {
-    const std::string dump = clsRegistry(store).GetKeyInfo(
-        {std::string(kRootHive), std::string(kRootPath)}, context.shell);
-    std::fwrite(dump.data(), 1, dump.size(), stdout);
-    return dump == "Error opening key." ? kExitNotComplete : kExitOk;
+int RegistryDump(Context& context) {
+  const std::string dump = clsRegistry(context.Store()).GetKeyInfo(
+      {std::string(kRootHive), std::string(kRootPath)}, context.Shell());
+  std::fwrite(dump.data(), 1, dump.size(), stdout);
+  return dump == "Error opening key." ? kExitNotComplete : kExitOk;
+}
+
+}  // namespace
+
+void AddSiteCommands(CommandTable& table) {
+  struct Given {
+    CLI::App* get = nullptr;
+    CLI::App* set = nullptr;
+    CLI::App* write = nullptr;
+    std::string name, value, file;
+  };
+  auto given = std::make_shared<Given>();
+  CLI::App& settings = table.Add("settings", "the exchange settings", [given](Context& context) {
+    if (given->get->parsed()) {
+      const ExchangeSetting& setting = NamedSetting(given->name);
+      PrintLine(StoredForm(context.Exchange(), setting));
+      return kExitOk;
+    }
+    if (given->set->parsed()) return SetSetting(context, given->name, given->value);
+    return ShowSettings(context);
   });
+  settings.require_subcommand(0, 1);
+  settings.add_subcommand("show", "every setting as NAME=VALUE");
+  given->get = settings.add_subcommand("get", "the value of setting NAME");
+  given->set = settings.add_subcommand("set", "setting NAME saved as VALUE, alone");
+  for (CLI::App* named : {given->get, given->set}) {
+    named->add_option("name", given->name, "a setting's name, such as RouteSource")->type_name("NAME")->required();
+  }
+  given->set->add_option("value", given->value, "the new value; Y or N for a flag")->type_name("VALUE")->required();
+
+  CLI::App& site = table.Add("site", "every site list, one section each", ShowSite);
+  site.require_subcommand(1);
+  site.add_subcommand("show", "every site list, one section each");
+
+  CLI::App& dist = table.Add("dist", "distribution files", [given](Context& context) {
+    clsDist distribution(context.Store(), context.Shell(), context.SiteFolder());
+    const bool done = given->write->parsed() ? distribution.WriteDist(given->file) : distribution.LoadDist(given->file);
+    return done ? kExitOk : kExitNotComplete;
+  });
+  dist.require_subcommand(1);
+  CLI::App* load = dist.add_subcommand("load", "the site's settings and maps set from FILE");
+  given->write = dist.add_subcommand("write", "the site's settings and maps written to FILE");
+  for (CLI::App* filed : {load, given->write}) {
+    filed->add_option("file", given->file, "the distribution file")->type_name("FILE")->required();
+  }
+
+  CLI::App& registry = table.Add("registry", "the settings tree as a distribution file carries it", RegistryDump);
+  registry.require_subcommand(1);
+  registry.add_subcommand("dump", "the settings tree as a distribution file carries it");
 }
 
 }  // namespace hifx::cli

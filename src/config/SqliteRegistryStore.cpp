@@ -54,7 +54,7 @@ struct ResetOnExit {
 };
 
 Failure OpenFailure(const std::filesystem::path& file, const std::string& why) {
-  return Failure(fail::kPathAccess, file.string() + ": " + why);
+  return Failure(FailureKind::BadSite, fail::kPathAccess, {}, file, why);
 }
 
 }  // namespace

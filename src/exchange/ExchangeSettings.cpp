@@ -1,4 +1,9 @@
 // The exchange settings and their place in the registry.
+#include "exchange/ExchangeSettings.h"
+
+#include <algorithm>
+
+#include "base/CaseBlind.h"
 #include "base/Failure.h"
 #include "base/Numbers.h"
 #include "config/RegistryRoot.h"
@@ -8,20 +13,74 @@
 namespace hifx {
 namespace {
 
-// Only exactly "Y" is true.
-bool DecodeFlag(const Value& v) { return v.IsText() && v.Text() == "Y"; }
-std::string EncodeFlag(bool flag) { return flag ? "Y" : "N"; }
-
-int16_t DecodeInteger(const Value& v) {
+int16_t DecodeInteger(const std::string& text) {
   try {
-    return ToInt16(NumericPrefix(v.IsText() ? v.Text() : v.ToText()));
+    return ToInt16(NumericPrefix(text));
   } catch (const Failure&) {
     return 0;
   }
 }
 
+// Route and PRCInstall are written in an order of their own: a new tree is
+// made in it.
+const std::vector<ExchangeSetting> kSettings = {
+    {"RouteSource", &clsExchange::RouteSource, "", "Route", "Source", 0},
+    {"RouteDestination", &clsExchange::RouteDestination, "RouteHIF.pdb", "Route", "Destination", 1},
+    {"RouteMap", &clsExchange::RouteMap, "", "Route", "Map", 3},
+    {"RouteHIFType", &clsExchange::RouteHIFType, "PDB", "Route", "HIFType", 2},
+    {"ReReadSource", &clsExchange::ReReadSource, "", "ReRead", "Source", 4},
+    {"ReReadDestination", &clsExchange::ReReadDestination, "RouteHIF.pdb", "ReRead", "Destination", 5},
+    {"ReReadMap", &clsExchange::ReReadMap, "", "ReRead", "Map", 7},
+    {"ReReadHIFType", &clsExchange::ReReadHIFType, "PDB", "ReRead", "HIFType", 6},
+    {"ReadingSource", &clsExchange::ReadingSource, "ReadingHIF.pdb", "Reading", "Source", 8},
+    {"ReadingDestination", &clsExchange::ReadingDestination, "", "Reading", "Destination", 9},
+    {"ReadingMap", &clsExchange::ReadingMap, "", "Reading", "Map", 10},
+    {"AutoReRead", &clsExchange::AutoReRead, "", "Reading", "AutoReRead", 11},
+    {"OrphanDestination", &clsExchange::OrphanDestination, "", "Orphan", "Destination", 12},
+    {"OrphanMap", &clsExchange::OrphanMap, "", "Orphan", "Map", 13},
+    {"OrphanConvert", &clsExchange::OrphanConvert, "", "Orphan", "Convert", 14},
+    {"OrphanReplace", &clsExchange::OrphanReplace, "", "Orphan", "Replace", 15},
+    {"AutoInstall", &clsExchange::AutoInstall, "", "PRCInstall", "AutoInstall", 16},
+    {"AutoInstallUnit", &clsExchange::AutoInstallUnit, "", "PRCInstall", "Unit", 19},
+    {"AutoInstallPrompt", &clsExchange::AutoInstallPrompt, "", "PRCInstall", "Prompt", 17},
+    {"AutoInstallLeave", &clsExchange::AutoInstallLeave, "", "PRCInstall", "Leave", 18},
+};
+
+// The settings in the order SaveSettings writes them.
+std::vector<const ExchangeSetting*> InSaveOrder() {
+  std::vector<const ExchangeSetting*> order;
+  for (const ExchangeSetting& s : kSettings) order.push_back(&s);
+  std::sort(order.begin(), order.end(), [](auto* a, auto* b) { return a->saveRank < b->saveRank; });
+  return order;
+}
 
 }  // namespace
+
+const std::vector<ExchangeSetting>& ExchangeSettings() { return kSettings; }
+
+const ExchangeSetting* FindExchangeSetting(std::string_view name) {
+  for (const ExchangeSetting& s : kSettings) {
+    if (EqualsCaseBlind(s.name, name)) return &s;
+  }
+  return nullptr;
+}
+
+std::string StoredForm(const clsExchange& exchange, const ExchangeSetting& setting) {
+  if (setting.IsText()) return exchange.*std::get<0>(setting.member);
+  if (setting.IsFlag()) return exchange.*std::get<1>(setting.member) ? "Y" : "N";
+  return std::to_string(exchange.*std::get<2>(setting.member));
+}
+
+void Decode(clsExchange& exchange, const ExchangeSetting& setting, const std::string& stored) {
+  if (setting.IsText()) {
+    exchange.*std::get<0>(setting.member) = stored;
+  } else if (setting.IsFlag()) {
+    // Only exactly "Y" is true.
+    exchange.*std::get<1>(setting.member) = stored == "Y";
+  } else {
+    exchange.*std::get<2>(setting.member) = DecodeInteger(stored);
+  }
+}
 
 std::string DefaultFileExtension(int16_t type) {
   switch (type) {
@@ -66,51 +125,14 @@ bool clsExchange::SaveParm(std::string_view section, std::string_view valueName,
 }
 
 void clsExchange::LoadSettings() {
-  RouteSource = TextOf(GetParm("Route", "Source", ""));
-  RouteDestination = TextOf(GetParm("Route", "Destination", "RouteHIF.pdb"));
-  RouteMap = TextOf(GetParm("Route", "Map", ""));
-  RouteHIFType = TextOf(GetParm("Route", "HIFType", "PDB"));
-  ReReadSource = TextOf(GetParm("ReRead", "Source", ""));
-  ReReadDestination = TextOf(GetParm("ReRead", "Destination", "RouteHIF.pdb"));
-  ReReadMap = TextOf(GetParm("ReRead", "Map", ""));
-  ReReadHIFType = TextOf(GetParm("ReRead", "HIFType", "PDB"));
-  ReadingSource = TextOf(GetParm("Reading", "Source", "ReadingHIF.pdb"));
-  ReadingDestination = TextOf(GetParm("Reading", "Destination", ""));
-  ReadingMap = TextOf(GetParm("Reading", "Map", ""));
-  AutoReRead = DecodeFlag(GetParm("Reading", "AutoReRead", ""));
-  OrphanDestination = TextOf(GetParm("Orphan", "Destination", ""));
-  OrphanMap = TextOf(GetParm("Orphan", "Map", ""));
-  OrphanConvert = DecodeInteger(GetParm("Orphan", "Convert", ""));
-  OrphanReplace = DecodeInteger(GetParm("Orphan", "Replace", ""));
-  AutoInstall = DecodeFlag(GetParm("PRCInstall", "AutoInstall", ""));
-  AutoInstallUnit = TextOf(GetParm("PRCInstall", "Unit", ""));
-  AutoInstallPrompt = DecodeFlag(GetParm("PRCInstall", "Prompt", ""));
-  AutoInstallLeave = DecodeFlag(GetParm("PRCInstall", "Leave", ""));
+  for (const ExchangeSetting& s : kSettings) {
+    Decode(*this, s, TextOf(GetParm(s.key, s.valueName, Value(std::string(s.defaultValue)))));
+  }
 }
 
 void clsExchange::SaveSettings() {
-  // The order differs from the load's in places; a new tree is written in
-  // this order.
-  SaveParm("Route", "Source", RouteSource);
-  SaveParm("Route", "Destination", RouteDestination);
-  SaveParm("Route", "HIFType", RouteHIFType);
-  SaveParm("Route", "Map", RouteMap);
-  SaveParm("ReRead", "Source", ReReadSource);
-  SaveParm("ReRead", "Destination", ReReadDestination);
-  SaveParm("ReRead", "HIFType", ReReadHIFType);
-  SaveParm("ReRead", "Map", ReReadMap);
-  SaveParm("Reading", "Source", ReadingSource);
-  SaveParm("Reading", "Destination", ReadingDestination);
-  SaveParm("Reading", "Map", ReadingMap);
-  SaveParm("Reading", "AutoReRead", EncodeFlag(AutoReRead));
-  SaveParm("Orphan", "Destination", OrphanDestination);
-  SaveParm("Orphan", "Map", OrphanMap);
-  SaveParm("Orphan", "Convert", std::to_string(OrphanConvert));
-  SaveParm("Orphan", "Replace", std::to_string(OrphanReplace));
-  SaveParm("PRCInstall", "AutoInstall", EncodeFlag(AutoInstall));
-  SaveParm("PRCInstall", "Prompt", EncodeFlag(AutoInstallPrompt));
-  SaveParm("PRCInstall", "Leave", EncodeFlag(AutoInstallLeave));
-  SaveParm("PRCInstall", "Unit", AutoInstallUnit);
+  static const std::vector<const ExchangeSetting*> order = InSaveOrder();
+  for (const ExchangeSetting* s : order) SaveParm(s->key, s->valueName, StoredForm(*this, *s));
 }
 
 }  // namespace hifx

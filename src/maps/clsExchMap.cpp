@@ -373,10 +373,10 @@ void clsExchMap::DeleteMap() const {
   if (file.empty()) throw Failure(fail::kBadFileName);
   std::error_code ec;
   if (!std::filesystem::is_regular_file(file, ec)) {
-    throw Failure(fail::kFileNotFound, "File not found: " + file.string());
+    throw Failure(FailureKind::MissingInput, fail::kFileNotFound, "File not found:", file);
   }
   if (!std::filesystem::remove(file, ec) || ec) {
-    throw Failure(fail::kPathAccess, "Path/File access error: " + file.string());
+    throw Failure(FailureKind::BadInput, fail::kPathAccess, "Path/File access error:", file);
   }
 }
 

@@ -1,0 +1,258 @@
+// The command line as a whole: the global options, one parser for every
+// command, usage lines made from the same definitions, and the one place
+// where a failure becomes words on standard error and an exit code.
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <new>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/CliShell.h"
+#include "cli/Commands.h"
+
+namespace hifx::cli {
+namespace {
+
+constexpr const char* kCommandArgs = "COMMAND [ARGS]";
+
+// An option as the usage line shows it: "--map NAME", "--yes".
+std::string OptionUsage(const CLI::Option& option) {
+  std::string words = option.get_name(false, true);
+  if (option.get_positional()) return option.get_type_name();
+  if (option.get_type_size_max() > 0 && !option.get_type_name().empty()) words += " " + option.get_type_name();
+  return words;
+}
+
+// The usage line of a command, from its definition: options in brackets
+// unless required, options that exclude each other joined with "|",
+// positionals, then the commands under it.
+std::string UsageLine(const CLI::App& command, const std::string& path) {
+  std::string line = path;
+  std::vector<const CLI::Option*> shown;
+  for (const CLI::Option* option : command.get_options([](const CLI::Option* o) { return o->nonpositional(); })) {
+    if (option->get_name() == "--help") continue;
+    bool joined = false;
+    for (const CLI::Option* other : option->get_excludes()) {
+      for (const CLI::Option* done : shown) joined = joined || done == other;
+    }
+    shown.push_back(option);
+    const std::string words = OptionUsage(*option);
+    if (joined) {
+      line.insert(line.size() - 1, " | " + words);
+    } else {
+      line += option->get_required() ? " " + words : " [" + words + "]";
+    }
+    if (option->get_expected_max() > 1) line += "...";
+  }
+  for (const CLI::Option* option : command.get_options([](const CLI::Option* o) { return o->get_positional(); })) {
+    line += " " + OptionUsage(*option);
+  }
+  std::vector<std::string> below;
+  for (const CLI::App* sub : command.get_subcommands([](const CLI::App*) { return true; })) {
+    below.push_back(UsageLine(*sub, sub->get_name()));
+  }
+  if (&command == command.get_parent() || command.get_parent() == nullptr) return line + " " + kCommandArgs;
+  if (!below.empty()) {
+    std::string choices;
+    for (const std::string& b : below) choices += (choices.empty() ? "" : " | ") + b;
+    line += command.get_require_subcommand_min() > 0 ? " " + choices : " [" + choices + "]";
+  }
+  return line;
+}
+
+class UsageFormatter : public CLI::Formatter {
+ public:
+  UsageFormatter() { label("Subcommands", "Commands"); }
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    return "usage: " + UsageLine(*app, name) + "\n";
+  }
+  // An option's value as the usage line shows it, and nothing more: the
+  // usage line says which exclude each other.
+  std::string make_option_opts(const CLI::Option* option) const override {
+    if (option->get_type_size_max() == 0 || option->get_type_name().empty()) return {};
+    return " " + option->get_type_name() + (option->get_expected_max() > 1 ? " ..." : "");
+  }
+};
+
+// The deepest command the line reached.
+const CLI::App& Deepest(const CLI::App& root) {
+  const CLI::App* at = &root;
+  while (!at->get_subcommands().empty()) at = at->get_subcommands().front();
+  return *at;
+}
+
+std::string PathOf(const CLI::App& command) {
+  std::string path = command.get_name();
+  for (const CLI::App* up = command.get_parent(); up != nullptr; up = up->get_parent()) {
+    path = up->get_name() + " " + path;
+  }
+  return path;
+}
+
+// What a command takes, said from its positionals: "sort takes one FILE".
+std::string TakesWords(const CLI::App& command) {
+  std::string path = PathOf(command);
+  path = path.substr(path.find(' ') + 1);
+  std::vector<std::string> names;
+  for (const CLI::Option* p : command.get_options([](const CLI::Option* o) { return o->get_positional(); })) {
+    names.push_back(p->get_type_name());
+  }
+  if (names.empty()) return path + " takes no arguments";
+  if (names.size() == 1) return path + " takes one " + names[0];
+  std::string all;
+  for (const std::string& n : names) all += (all.empty() ? "" : " ") + n;
+  return path + " takes " + all;
+}
+
+// Whether the parser's words are about an option of the whole line.
+bool AboutGlobalOption(const CLI::App& root, const std::string& words) {
+  for (const CLI::Option* option : root.get_options()) {
+    const std::string name = option->get_name();
+    if (words.rfind(name + ":", 0) == 0 || words.rfind(name + " ", 0) == 0) return true;
+  }
+  return false;
+}
+
+// A problem the parser found, in the words of this command line.
+std::string ProblemOf(const CLI::App& root, const CLI::App& command, const CLI::ParseError& error) {
+  if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) {
+    // "--site: needs a folder" said as "--site needs a folder".
+    std::string words = error.what();
+    if (const size_t colon = words.find(": "); colon != std::string::npos && words.rfind("--", 0) == 0) {
+      words.erase(colon, 1);
+    }
+    return words;
+  }
+  if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+    // "Could not convert: --route = one"
+    const std::string words = error.what();
+    const size_t name = words.find(": "), equals = words.find(" = ");
+    if (name != std::string::npos && equals != std::string::npos && equals > name) {
+      const std::string option = words.substr(name + 2, equals - name - 2);
+      const CLI::Option* known = command.get_option_no_throw(option);
+      const std::string kind = known != nullptr ? known->get_type_name() : "a value";
+      return option + " takes " + kind + ", not \"" + words.substr(equals + 3) + "\"";
+    }
+  }
+  if (const auto* extras = dynamic_cast<const CLI::ExtrasError*>(&error)) {
+    const std::string what = extras->what();
+    const std::string first = what.substr(what.find(": ") + 2);
+    if (&command == &root) return first.rfind('-', 0) == 0 ? "unknown option: " + first : "unknown command: " + first;
+    if (first.rfind('-', 0) == 0) return "unknown option: " + first;
+    return TakesWords(command);
+  }
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    if (&command == &root) return root.remaining().empty() ? "no command" : "unknown command: " + root.remaining().front();
+    for (const CLI::Option* p : command.get_options([](const CLI::Option* o) { return o->get_positional(); })) {
+      if (p->count() == 0) return TakesWords(command);
+    }
+  }
+  return error.what();
+}
+
+// "hifx: PROBLEM" and the usage of the command the line reached; 2.
+int SayUsage(const CLI::App& root, const CLI::App& command, const std::string& problem) {
+  std::fprintf(stderr, "hifx: %s\n", problem.c_str());
+  if (&command == &root) {
+    std::fputs(root.help().c_str(), stderr);
+  } else {
+    std::fprintf(stderr, "usage: %s\nSee: hifx %s --help\n", UsageLine(command, PathOf(command)).c_str(),
+                 PathOf(command).substr(PathOf(command).find(' ') + 1).c_str());
+  }
+  return kExitUsage;
+}
+
+struct GlobalOptions {
+  std::optional<std::string> site;
+  bool yes = false;
+  bool no = false;
+  std::vector<std::string> sets;
+};
+
+void AddGlobalOptions(CLI::App& root, GlobalOptions& global) {
+  root.add_option("--site", global.site, "the site folder: map files and the settings")
+      ->type_name("DIR")
+      ->check([](const std::string& v) { return v.empty() ? std::string("needs a folder") : std::string(); });
+  CLI::Option* yes = root.add_flag("--yes", global.yes, "answer every yes/no question of the run with Yes");
+  CLI::Option* no = root.add_flag("--no", global.no, "answer every yes/no question of the run with No");
+  yes->excludes(no);
+  no->excludes(yes);
+  root.add_option("--set", global.sets, "the answer to a run-time prompt")
+      ->type_name("FIELD=VALUE")
+      ->check([](const std::string& v) {
+        return v.find('=') == std::string::npos ? std::string("needs FIELD=VALUE") : std::string();
+      });
+}
+
+// Runs the command; a failure no command frame took is said here.
+int Run(const CLI::App& command, const Runner& run, Context& session) {
+  try {
+    return run(session);
+  } catch (const std::bad_alloc&) {
+    // Said without asking for memory, of which there is none to be had.
+    std::fflush(stdout);
+    std::fputs("hifx: not enough memory to go on: the run needs more than the system gives it\n", stderr);
+    return kExitNotComplete;
+  } catch (const std::exception& failure) {
+    std::fflush(stdout);
+    const app::FailureReport report = app::ReportOf(failure);
+    std::fprintf(stderr, "hifx: %s: %s\n", command.get_name().c_str(), report.words.c_str());
+    return report.exitCode;
+  }
+}
+
+}  // namespace
+
+CLI::App& CommandTable::Add(const std::string& name, const std::string& help, Runner run) {
+  CLI::App* command = root_.add_subcommand(name, help);
+  commands_.emplace_back(command, std::move(run));
+  return *command;
+}
+
+const std::pair<CLI::App*, Runner>* CommandTable::Given() const {
+  for (const auto& command : commands_) {
+    if (command.first->parsed()) return &command;
+  }
+  return nullptr;
+}
+
+Failure UsageError(const std::string& words) { return Failure(FailureKind::Usage, words); }
+
+int Main(int argc, const char* const* argv) {
+  UseBinaryStandardStreams();
+  CLI::App root("hifx: route files to handheld files and readings back, by the site's maps and settings", "hifx");
+  root.formatter(std::make_shared<UsageFormatter>());
+  root.require_subcommand(1);
+  GlobalOptions global;
+  AddGlobalOptions(root, global);
+  CommandTable table(root);
+  AddHifCommands(table);
+  AddSortCommand(table);
+  AddMapCommands(table);
+  AddSiteCommands(table);
+  AddDeliveryCommands(table);
+  AddConversionCommands(table);
+  AddReportCommand(table);
+
+  try {
+    root.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    std::fputs(root.help().c_str(), stdout);
+    return kExitOk;
+  } catch (const CLI::ParseError& error) {
+    const CLI::App& command = AboutGlobalOption(root, error.what()) ? root : Deepest(root);
+    return SayUsage(root, command, ProblemOf(root, command, error));
+  }
+  const auto* given = table.Given();
+  if (given == nullptr) return SayUsage(root, root, "no command");
+
+  std::optional<bool> answer;
+  if (global.yes || global.no) answer = global.yes;
+  CliShell shell(answer, IsTerminal(0), IsTerminal(2), global.sets);
+  Context session(shell, global.site ? std::filesystem::path(*global.site) : app::DefaultSiteFolder());
+  return Run(*given->first, given->second, session);
+}
+
+}  // namespace hifx::cli
