@@ -94,14 +94,6 @@ TEST(RouteDriver, ALogOfAGoodRunAndItsFile) {
   EXPECT_EQ(site.Exchange().RouteNames, (std::vector<std::string>{"", "7", "8"}));
 }
 
-TEST(RouteDriver, TheRecordTableHasRoomForTheCodeAndIndexRecords) {
-  RouteSite site;
-  site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "A", "B"), FixedLine("2", 2, 12, 'W', 'R', "A", "B"),
-              FixedLine("1", 3, 13, 'W', 'R', "A", "B")});
-  ASSERT_TRUE(site.Exchange().ConvertRoute());
-  EXPECT_EQ(BigEndianAt(ReadBytes(site.dir / "route.pdb"), 78, 4), 78u + 8 * (3 + 2 + 2 + 2100));
-}
-
 TEST(RouteDriver, IndexControlDecidesTheIndexRecords) {
   for (const auto& [control, answer, expected] :
        {std::tuple{0, MsgAnswer::Yes, 0}, std::tuple{1, MsgAnswer::No, 3}, std::tuple{2, MsgAnswer::Yes, 3},
