@@ -2,13 +2,12 @@
 
 #include <thread>
 
-#include "support/RunHifx.h"
-#include "support/TempDir.h"
+#include "support/ExampleSite.h"
 
 namespace hifx::test {
 namespace {
 
-const std::string kExampleSite = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/site.dst";
+const std::string kExampleSite = kExamples + "site.dst";
 
 std::vector<std::string> At(const std::filesystem::path& site, std::vector<std::string> args) {
   args.insert(args.begin(), {"--site", site.string()});
