@@ -24,12 +24,12 @@ TEST_P(VfsTypeTest, FirstWordsMustBeARecordLengthUpTo65535) {
 
 INSTANTIATE_TEST_SUITE_P(
     Starts, VfsTypeTest,
-    testing::Values(TypeCase{"empty", "", false}, TypeCase{"length5", Hex("00000005"), true},
-                    TypeCase{"high_word", Hex("00010000"), false},
-                    TypeCase{"length65535", Hex("0000FFFF"), true},
-                    TypeCase{"zero_length", Hex("00000000 41"), false},
-                    TypeCase{"two_bytes", Hex("0000"), false},
-                    TypeCase{"pdb_name", "RouteHIF", false}),
+    testing::Values(TypeCase{"Empty", "", false}, TypeCase{"Length5", Hex("00000005"), true},
+                    TypeCase{"HighWord", Hex("00010000"), false},
+                    TypeCase{"Length65535", Hex("0000FFFF"), true},
+                    TypeCase{"ZeroLength", Hex("00000000 41"), false},
+                    TypeCase{"TwoBytes", Hex("0000"), false},
+                    TypeCase{"PdbName", "RouteHIF", false}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(VfsContainer, RecordsAreLengthPrefixedAndReadInSequence) {
