@@ -5,19 +5,16 @@
 #include "base/Numbers.h"
 
 #include <cmath>
+#include <utility>
 
 namespace hifx::test {
 namespace {
 
 TEST(Rounding, HalvesGoToTheEvenNeighbour) {
-  EXPECT_EQ(RoundHalfEven(0.5), 0.0);
-  EXPECT_EQ(RoundHalfEven(1.5), 2.0);
-  EXPECT_EQ(RoundHalfEven(2.5), 2.0);
-  EXPECT_EQ(RoundHalfEven(3.5), 4.0);
-  EXPECT_EQ(RoundHalfEven(-2.5), -2.0);
-  EXPECT_EQ(RoundHalfEven(-3.5), -4.0);
-  EXPECT_EQ(RoundHalfEven(2.4999), 2.0);
-  EXPECT_EQ(RoundHalfEven(2.5001), 3.0);
+  for (const auto& [value, rounded] : {std::pair{0.5, 0.0}, {1.5, 2.0}, {2.5, 2.0}, {3.5, 4.0}, {-2.5, -2.0},
+                                       {-3.5, -4.0}, {2.4999, 2.0}, {2.5001, 3.0}}) {
+    EXPECT_EQ(RoundHalfEven(value), rounded) << value;
+  }
 }
 
 TEST(Rounding, SixteenAndThirtyTwoBitLimitsOverflow) {
@@ -31,35 +28,20 @@ TEST(Rounding, SixteenAndThirtyTwoBitLimitsOverflow) {
   EXPECT_EQ(FailureNumber([] { ToInt32(0.0 / 0.0); }), fail::kOverflow);
 }
 
-struct PrefixCase {
-  const char* text;
-  double value;
-};
-
-class NumericPrefixTest : public testing::TestWithParam<PrefixCase> {};
-
-TEST_P(NumericPrefixTest, ReadsTheLeadingNumber) {
-  EXPECT_DOUBLE_EQ(NumericPrefix(GetParam().text), GetParam().value) << GetParam().text;
+TEST(NumericPrefix, ReadsTheLeadingNumber) {
+  const std::pair<const char*, double> cases[] = {
+      {"", 0},      {"abc", 0},   {"  12abc", 12}, {"\t7", 7},     {"-3.5e2x", -350}, {"1e", 1},   {"1E+3", 1000},
+      {".5", 0.5},  {"+7", 7},    {"1.2.3", 1.2},  {"12 34", 12},  {"-", 0},          {"0042", 42}, {"5.", 5}};
+  for (const auto& [text, value] : cases) EXPECT_DOUBLE_EQ(NumericPrefix(text), value) << '"' << text << '"';
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, NumericPrefixTest,
-    testing::Values(PrefixCase{"", 0}, PrefixCase{"abc", 0}, PrefixCase{"  12abc", 12},
-                    PrefixCase{"\t7", 7}, PrefixCase{"-3.5e2x", -350}, PrefixCase{"1e", 1},
-                    PrefixCase{"1E+3", 1000}, PrefixCase{".5", 0.5}, PrefixCase{"+7", 7},
-                    PrefixCase{"1.2.3", 1.2}, PrefixCase{"12 34", 12}, PrefixCase{"-", 0},
-                    PrefixCase{"0042", 42}, PrefixCase{"5.", 5}));
 
 // A decimal reads as the double nearest to it, as the compiler reads the same
 // literal, with every platform's maths library: 0.3 is not 3 times 0.1.
 TEST(NumericPrefix, DecimalsAreTheNearestDouble) {
-  EXPECT_EQ(NumericPrefix("0.3"), 0.3);
-  EXPECT_EQ(NumericPrefix("1.1"), 1.1);
-  EXPECT_EQ(NumericPrefix("0.25"), 0.25);
-  EXPECT_EQ(NumericPrefix("123.456"), 123.456);
-  EXPECT_EQ(NumericPrefix("9.99"), 9.99);
-  EXPECT_EQ(NumericPrefix("12345.6789"), 12345.6789);
-  EXPECT_EQ(NumericPrefix("2.5e-3"), 2.5e-3);
+  for (const auto& [text, value] : {std::pair{"0.3", 0.3}, {"1.1", 1.1}, {"0.25", 0.25}, {"123.456", 123.456},
+                                    {"9.99", 9.99}, {"12345.6789", 12345.6789}, {"2.5e-3", 2.5e-3}}) {
+    EXPECT_EQ(NumericPrefix(text), value) << text;
+  }
   EXPECT_EQ(PowerOfTen(22), 1e22);
   EXPECT_EQ(PowerOfTen(-2), 0.01);
   EXPECT_EQ(PowerOfTen(-7), 1e-7);

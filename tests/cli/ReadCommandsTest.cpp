@@ -136,25 +136,25 @@ TEST_P(DamagedFileTest, DumpAndViewSayWhatIsWrong) {
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::Values(
-    DamagedCase{"missing", nullptr, "ould not read HIF file"},
-    DamagedCase{"empty", [](std::string) { return std::string(); }, "0 bytes long, too short for the 78-byte header"},
-    DamagedCase{"header_only", [](std::string b) { return b.substr(0, 50); }, "too short for the 78-byte header"},
-    DamagedCase{"truncated", [](std::string b) { return b.substr(0, b.size() - 150); },
+    DamagedCase{"Missing", nullptr, "ould not read HIF file"},
+    DamagedCase{"Empty", [](std::string) { return std::string(); }, "0 bytes long, too short for the 78-byte header"},
+    DamagedCase{"HeaderOnly", [](std::string b) { return b.substr(0, 50); }, "too short for the 78-byte header"},
+    DamagedCase{"Truncated", [](std::string b) { return b.substr(0, b.size() - 150); },
                 ", past the end of the file ("},
     // Record 2 starts far past the end.
-    DamagedCase{"past_end", [](std::string b) { return b.replace(78 + 8 * 2 + 2, 1, "\x7F"); },
+    DamagedCase{"PastEnd", [](std::string b) { return b.replace(78 + 8 * 2 + 2, 1, "\x7F"); },
                 "record 2 starts at offset 32627, past the end of the file (868 bytes)"},
     // Record 3 starts before record 2.
-    DamagedCase{"out_of_order", [](std::string b) { return b.replace(78 + 8 * 3, 4, Hex("00000060")); },
+    DamagedCase{"OutOfOrder", [](std::string b) { return b.replace(78 + 8 * 3, 4, Hex("00000060")); },
                 "record 3 starts at offset 96, inside the header or the record list"},
-    DamagedCase{"count_32768", [](std::string b) { return WithCount(b, 0x80, 0); }, "32768 records, more than"},
-    DamagedCase{"count_32767", [](std::string b) { return WithCount(b, 0x7F, 0xFF); },
+    DamagedCase{"Count32768", [](std::string b) { return WithCount(b, 0x80, 0); }, "32768 records, more than"},
+    DamagedCase{"Count32767", [](std::string b) { return WithCount(b, 0x7F, 0xFF); },
                 "32767 records, and their list runs past the end of the file"},
-    DamagedCase{"count_past_list", [](std::string b) { return WithCount(b, 0, 8); },
+    DamagedCase{"CountPastList", [](std::string b) { return WithCount(b, 0, 8); },
                 "record 7 starts at offset 0, inside the header or the record list"},
-    DamagedCase{"unnamed", [](std::string b) { return b.replace(0, 32, std::string(32, 'N')); },
+    DamagedCase{"Unnamed", [](std::string b) { return b.replace(0, 32, std::string(32, 'N')); },
                 "the database name has no terminating NUL"},
-    DamagedCase{"vfs_bad_length", [](std::string) { return Hex("00000005 0001") + "xxx" + Hex("7FFFFFFF"); },
+    DamagedCase{"VfsBadLength", [](std::string) { return Hex("00000005 0001") + "xxx" + Hex("7FFFFFFF"); },
                 "record 1 at offset 9 claims 2147483647 bytes, past the end of the file"}),
     [](const auto& info) { return std::string(info.param.name); });
 // clang-format on

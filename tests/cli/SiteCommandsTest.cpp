@@ -2,13 +2,12 @@
 
 #include <thread>
 
-#include "support/RunHifx.h"
-#include "support/TempDir.h"
+#include "support/ExampleSite.h"
 
 namespace hifx::test {
 namespace {
 
-const std::string kExampleSite = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/site.dst";
+const std::string kExampleSite = kExamples + "site.dst";
 
 std::vector<std::string> At(const std::filesystem::path& site, std::vector<std::string> args) {
   args.insert(args.begin(), {"--site", site.string()});
@@ -114,38 +113,32 @@ TEST(SiteCommands, ShowListsEverySection) {
 }
 
 #ifndef _WIN32
-// The settings file of a machine without a registry.
-TEST(SiteCommands, ARegistryFileThatIsNotADatabaseIsLeftAlone) {
-  TempDir dir;
-  const auto site = dir / "site";
-  std::filesystem::create_directories(site);
-  WriteBytes(site / "registry.db", "this is not a database, it is a letter");
-  for (const std::vector<std::string>& command :
-       {std::vector<std::string>{"settings"}, {"site", "show"}, {"registry", "dump"},
-        {"dist", "load", kExampleSite}}) {
-    const auto r = RunHifx(At(site, command), dir);
-    EXPECT_EQ(r.status, 2) << command[0];
-    EXPECT_NE(r.err.find("registry.db"), std::string::npos) << r.err;
+// The settings file of a machine without a registry, when it is no database
+// or one damaged inside: an error naming it, never the defaults, and the file
+// stays as it was.
+TEST(SiteCommands, ARegistryThatIsNoDatabaseOrIsDamagedIsAnErrorAndStaysAsItWas) {
+  for (const bool damaged : {false, true}) {
+    SCOPED_TRACE(damaged ? "damaged" : "not a database");
+    TempDir dir;
+    const auto site = dir / "site";
+    std::filesystem::create_directories(site);
+    std::string bytes = "this is not a database, it is a letter";
+    if (damaged) {
+      ASSERT_EQ(RunHifx(At(site, {"dist", "load", kExampleSite}), dir).status, 0);
+      bytes = ReadBytes(site / "registry.db");
+      ASSERT_GT(bytes.size(), 3u * 4096);
+      for (size_t at = 4096 + 8; at < 3 * 4096; at += 7) bytes[at] = static_cast<char>(0xA5);
+    }
+    WriteBytes(site / "registry.db", bytes);
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"settings"}, {"site", "show"}, {"registry", "dump"}, {"dist", "load", kExampleSite},
+          {"settings", "set", "RouteMap", "x"}}) {
+      const auto r = RunHifx(At(site, command), dir);
+      EXPECT_EQ(r.status, 2) << command[0] << r.out;
+      EXPECT_NE(r.err.find((site / "registry.db").string() + ": "), std::string::npos) << r.err;
+    }
+    EXPECT_EQ(ReadBytes(site / "registry.db"), bytes);
   }
-  EXPECT_EQ(ReadBytes(site / "registry.db"), "this is not a database, it is a letter");
-}
-
-// A settings database damaged inside is an error, never the defaults.
-TEST(SiteCommands, ADamagedRegistryIsAnErrorAndStaysAsItWas) {
-  TempDir dir;
-  const auto site = dir / "site";
-  ASSERT_EQ(RunHifx(At(site, {"dist", "load", kExampleSite}), dir).status, 0);
-  std::string bytes = ReadBytes(site / "registry.db");
-  ASSERT_GT(bytes.size(), 3u * 4096);
-  for (size_t at = 4096 + 8; at < 3 * 4096; at += 7) bytes[at] = static_cast<char>(0xA5);
-  WriteBytes(site / "registry.db", bytes);
-  for (const std::vector<std::string>& command :
-       {std::vector<std::string>{"settings"}, {"site", "show"}, {"settings", "set", "RouteMap", "x"}}) {
-    const auto r = RunHifx(At(site, command), dir);
-    EXPECT_EQ(r.status, 2) << command[0] << r.out;
-    EXPECT_NE(r.err.find((site / "registry.db").string() + ": "), std::string::npos) << r.err;
-  }
-  EXPECT_EQ(ReadBytes(site / "registry.db"), bytes);
 }
 #endif
 

@@ -150,19 +150,19 @@ TEST_P(LookupMessageTest, BuildsTheHandheldText) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, LookupMessageTest,
     testing::Values(
-        LookupCase{"nothing", "", "", "", "", ""},
-        LookupCase{"billing_only", "Call first", "", "", "", "Billing: Call first"},
-        LookupCase{"route_message_wins_over_any", "", "A1", "", "", "Supervisor: Dog"},
-        LookupCase{"any_route", "", "A2", "", "", "Supervisor: Gate"},
-        LookupCase{"blank_account_not_looked_up", "", "  ", "", "", ""},
-        LookupCase{"two_messages", "", "A1", "S1", "", "Supervisor: Account: Dog; SerialNbr: Meter inside"},
-        LookupCase{"three_messages", "", "A2", "S1", "T1",
+        LookupCase{"Nothing", "", "", "", "", ""},
+        LookupCase{"BillingOnly", "Call first", "", "", "", "Billing: Call first"},
+        LookupCase{"RouteMessageWinsOverAny", "", "A1", "", "", "Supervisor: Dog"},
+        LookupCase{"AnyRoute", "", "A2", "", "", "Supervisor: Gate"},
+        LookupCase{"BlankAccountNotLookedUp", "", "  ", "", "", ""},
+        LookupCase{"TwoMessages", "", "A1", "S1", "", "Supervisor: Account: Dog; SerialNbr: Meter inside"},
+        LookupCase{"ThreeMessages", "", "A2", "S1", "T1",
                    "Supervisor: Account: Gate; SerialNbr: Meter inside; TagNbr: Lockedup"},
         // 3 (011) and 3 (011) share bits: both parts.
-        LookupCase{"lengths_sharing_a_bit", "Bil", "A1", "", "", "Billing: Bil\nSupervisor: Dog"},
+        LookupCase{"LengthsSharingABit", "Bil", "A1", "", "", "Billing: Bil\nSupervisor: Dog"},
         // 4 (100) and 8 (1000) share none: the supervisor text is lost.
-        LookupCase{"lengths_sharing_no_bit", "Call", "", "S9", "T1", "Billing: Call"},
-        LookupCase{"unknown_ids", "", "A9", "S9", "T9", ""}),
+        LookupCase{"LengthsSharingNoBit", "Call", "", "S9", "T1", "Billing: Call"},
+        LookupCase{"UnknownIds", "", "A9", "S9", "T9", ""}),
     [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

@@ -76,17 +76,5 @@ TEST_F(ExchangeSettings, StoredFormsAreDecodedLiterally) {
   EXPECT_EQ(exchange.GetParm("Route", "Nothing", Value("dflt")), Value("dflt"));
 }
 
-TEST(ExchangeTypes, ExtensionsAndWords) {
-  EXPECT_EQ(MapExtension(1), ".hcm");
-  EXPECT_EQ(MapExtension(2), ".hcm");
-  EXPECT_EQ(MapExtension(3), ".hrm");
-  EXPECT_EQ(MapExtension(99), ".hom");
-  EXPECT_EQ(MapExtension(4), "");
-  EXPECT_EQ(DefaultFileExtension(99), ".txt");
-  EXPECT_EQ(DefaultFileExtension(0), "");
-  EXPECT_EQ(TypeDescr(2), "ReRead");
-  EXPECT_EQ(TypeDescr(4), "");
-}
-
 }  // namespace
 }  // namespace hifx::test

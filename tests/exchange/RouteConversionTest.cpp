@@ -81,9 +81,6 @@ TEST(RouteDriver, ALogOfAGoodRunAndItsFile) {
   // 9 stays 9.
   // clang-format off
   for (const auto& [at, field, value] : std::vector<std::tuple<size_t, const char*, Value>>{
-           {0, "RouteNbr", Value::Long(2)}, {0, "Sequence", Value::Long(20240229)},
-           {0, "MeterTagNbr", Value::Long(1305)}, {0, "MeterType", Value::Integer(3)},
-           {0, "PrvReading", Value::Long(3)}, {0, "Initials", Value("HIF loaded from route.txt")},
            {1, "Initials", Value("7")}, {1, "PrvReading", Value::Long(2)}, {2, "ResponseText", Value("8")},
            {5, "RouteNbr", Value::Long(1)}, {3, "MeterType", Value::Integer('W')}, {4, "MeterType", Value::Integer(4)},
            {5, "MeterType", Value::Integer(66)}, {3, "ReadType", Value::Integer(1)}, {4, "ReadType", Value::Integer(2)},
@@ -92,14 +89,6 @@ TEST(RouteDriver, ALogOfAGoodRunAndItsFile) {
   }
   // clang-format on
   EXPECT_EQ(site.Exchange().RouteNames, (std::vector<std::string>{"", "7", "8"}));
-}
-
-TEST(RouteDriver, TheRecordTableHasRoomForTheCodeAndIndexRecords) {
-  RouteSite site;
-  site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "A", "B"), FixedLine("2", 2, 12, 'W', 'R', "A", "B"),
-              FixedLine("1", 3, 13, 'W', 'R', "A", "B")});
-  ASSERT_TRUE(site.Exchange().ConvertRoute());
-  EXPECT_EQ(BigEndianAt(ReadBytes(site.dir / "route.pdb"), 78, 4), 78u + 8 * (3 + 2 + 2 + 2100));
 }
 
 TEST(RouteDriver, IndexControlDecidesTheIndexRecords) {

@@ -7,6 +7,7 @@
 
 #include "config/clsDist.h"
 #include "hif/SortHIF.h"
+#include "support/ExampleSite.h"
 #include "support/FaultDevice.h"
 #include "support/RouteSite.h"
 
@@ -14,8 +15,6 @@ namespace hifx::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-const std::string kExamples = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/";
 
 struct Writer {
   const char* name;

@@ -88,16 +88,6 @@ TEST_F(SmallSchema, ShortRecordReadShowsTheFailureAndGivesEmpty) {
   EXPECT_EQ(shell.questions[0].text, "Subscript out of range");
 }
 
-TEST_F(SmallSchema, GetValuesKeysEveryFieldByName) {
-  db.SetItem("Word", Value::Long(7));
-  db.SetItem("Second", Value("x"));
-  const auto values = db.GetValues();
-  ASSERT_EQ(values.Count(), 5u);
-  EXPECT_EQ(values.Item("word"), Value::Long(7));
-  EXPECT_EQ(values.Item("SECOND"), Value("x"));
-  EXPECT_EQ(values.Key(3), "Byte");
-}
-
 TEST(PalmDB, HandBuiltRecordsGrowBySetInt16AndAppendString) {
   TestShell shell;
   clsPalmDB db(shell);

@@ -33,6 +33,14 @@ std::string Header(std::string name, int count) {
 
 class PdbContainer : public testing::Test {
  protected:
+  // One read of record `number` (-1: the next), as "ok|no NUMBER DATA".
+  std::string Read(clsPalmFilePDB& from, int32_t number) {
+    std::string data = "x";
+    const bool ok = from.ReadRecord(number, data);
+    return (ok ? "ok " : "no ") + std::to_string(number) + " " + data;
+  }
+  std::string Read(int32_t number) { return Read(reader, number); }
+
   TempDir dir;
   clsPalmFilePDB reader;
 };
@@ -43,13 +51,9 @@ TEST_F(PdbContainer, TwoRecordsInThreeSlotsMake107Bytes) {
       Header("T", 2) + Hex("00000066 00 00 0000  00000068 00 00 0001  0000000000000000") + "ABCDE";
   ASSERT_EQ(expected.size(), 107u);
   EXPECT_EQ(ReadBytes(dir / "two.pdb"), expected);
-
   ASSERT_EQ(reader.OpenFile(dir / "two.pdb"), 0);
   EXPECT_EQ(reader.RecordCount(), 2);
-  int32_t number = 1;
-  std::string data;
-  EXPECT_TRUE(reader.ReadRecord(number, data));
-  EXPECT_EQ(data, "CDE");
+  EXPECT_EQ(Read(1), "ok 1 CDE");
   EXPECT_EQ(reader.Title(), "T");
 }
 
@@ -90,42 +94,24 @@ TEST_F(PdbContainer, EveryRecordIsOnDiskBeforeTheNextOne) {
     clsPalmFilePDB other;
     ASSERT_EQ(other.OpenFile(path), 0);
     ASSERT_EQ(other.RecordCount(), i + 1);
-    int32_t number = i;
-    std::string data;
-    ASSERT_TRUE(other.ReadRecord(number, data));
-    EXPECT_EQ(data, record);
+    EXPECT_EQ(Read(other, i), "ok " + std::to_string(i) + " " + record);
   }
 }
 
 TEST_F(PdbContainer, SequentialAndNumberedReadsMoveThePosition) {
   WritePdb(dir / "r.pdb", 3, {"A", "B", "C"});
   ASSERT_EQ(reader.OpenFile(dir / "r.pdb"), 0);
-  std::string data;
-  int32_t number = -1;
-  ASSERT_TRUE(reader.ReadRecord(number, data));
-  EXPECT_EQ(number, 0);
-  EXPECT_EQ(data, "A");
+  EXPECT_EQ(Read(-1), "ok 0 A");
   // A read by number leaves the position on that record: the next
   // sequential read gives it again.
-  number = 2;
-  ASSERT_TRUE(reader.ReadRecord(number, data));
-  number = -1;
-  ASSERT_TRUE(reader.ReadRecord(number, data));
-  EXPECT_EQ(data, "C");
+  EXPECT_EQ(Read(2), "ok 2 C");
+  EXPECT_EQ(Read(-1), "ok 2 C");
   EXPECT_EQ(reader.Position255(), 382);  // 3 * 255 / 2 = 382.5, to the even 382, not clamped
-  number = -1;
-  EXPECT_FALSE(reader.ReadRecord(number, data));
-  EXPECT_EQ(number, -1);
-  EXPECT_EQ(data, "");
+  EXPECT_EQ(Read(-1), "no -1 ");
   // A number at or above the count fails and still moves the position.
-  number = 7;
-  data = "x";
-  EXPECT_FALSE(reader.ReadRecord(number, data));
-  EXPECT_EQ(data, "");
+  EXPECT_EQ(Read(7), "no 7 ");
   reader.Rewind();
-  number = -1;
-  ASSERT_TRUE(reader.ReadRecord(number, data));
-  EXPECT_EQ(data, "A");
+  EXPECT_EQ(Read(-1), "ok 0 A");
   EXPECT_EQ(reader.Position255(), 128);  // 1 * 255 / 2 = 127.5, to the even 128
 }
 
@@ -177,13 +163,10 @@ TEST_F(PdbContainer, BadTablesFailCleanly) {
   // Record 0 ends before it starts; record 1 runs past the end of the file.
   WriteBytes(dir / "bad.pdb", Header("X", 2) + Hex("00000070 00000000 00000060 00000001") + "ABCDEFGHIJ");
   WriteBytes(dir / "past.pdb", Header("X", 2) + Hex("0000005E 00000000 7FFFFFF0 00000001") + "AB");
-  std::string data;
-  int32_t number = 0;
   ASSERT_EQ(reader.OpenFile(dir / "bad.pdb"), 0);
-  EXPECT_THROW(reader.ReadRecord(number, data), Failure);
+  EXPECT_THROW(Read(0), Failure);
   ASSERT_EQ(reader.OpenFile(dir / "past.pdb"), 0);
-  number = 0;
-  EXPECT_EQ(FailureNumber([&] { reader.ReadRecord(number, data); }), fail::kPastEnd);
+  EXPECT_EQ(FailureNumber([&] { Read(0); }), fail::kPastEnd);
 }
 
 TEST_F(PdbContainer, WritingPastTheTableFailsAfterTheDataIsOut) {

@@ -73,7 +73,8 @@ TEST_P(SchemaVersionTest, FixedPartMatchesTheLayout) {
   EXPECT_EQ(hif.RawData(), std::string(static_cast<size_t>(fixed[version] + db.TextCount()), '\0'));
 }
 
-INSTANTIATE_TEST_SUITE_P(Versions, SchemaVersionTest, testing::Values(0, 1, 2, 3));
+INSTANTIATE_TEST_SUITE_P(Versions, SchemaVersionTest, testing::Values(0, 1, 2, 3),
+                         [](const auto& info) { return "Version" + std::to_string(info.param); });
 
 TEST(Schema, TextsFollowInTheirOrderAndLaterVersionsGiveThree) {
   TestShell shell;

@@ -42,7 +42,6 @@ TEST_P(CatalogueTest, NewMapBuildsTheUsesFieldsInOrder) {
   EXPECT_EQ(Names(map), c.names);
   EXPECT_EQ(Names(map, true), c.required);
   EXPECT_EQ(map.MapTerminator(), c.terminator);
-  EXPECT_TRUE(map.Dirty()) << "a new map is offered for saving";
   for (int32_t i = 1; i <= map.FieldCount(); ++i) EXPECT_EQ(map.MapOption(i), kOptionDoNotMap);
 }
 
@@ -88,35 +87,14 @@ TEST(Catalogue, LimitsPromptsAndWhatNewMapLeaves) {
   EXPECT_EQ(map.FieldName(29) + map.Prompt("Nope"), "");
 }
 
-TEST(Properties, EverySetRaisesDirtyButSetMapping) {
-  // Every field property is set through one path; the header's each have their own.
-  // clang-format off
-  const std::vector<Change> sets = {
-      [](clsExchMap& m) { m.SetMapName("x"); }, [](clsExchMap& m) { m.SetMapType(1); },
-      [](clsExchMap& m) { m.SetMapUse(1); }, [](clsExchMap& m) { m.SetMapDelimiter(","); },
-      [](clsExchMap& m) { m.SetMapQuote(""); }, [](clsExchMap& m) { m.SetMapFilter(0); },
-      [](clsExchMap& m) { m.SetMapLength(0); }, [](clsExchMap& m) { m.SetMapTerminator(0); },
-      [](clsExchMap& m) { m.SetMapOptions(0, ""); }, [](clsExchMap& m) { m.SetMapPad(1, 0); }};
-  // clang-format on
+TEST(Properties, MappingsIndexesDelimiterAndNumberedOptions) {
   clsExchMap map(".");
   map.NewMap("r.hcm", kUseRoute);
-  for (size_t i = 0; i < sets.size(); ++i) {
-    map.SetDirty(false);
-    sets[i](map);
-    EXPECT_TRUE(map.Dirty()) << "set number " << i;
-  }
-  map.SetDirty(false);
   EXPECT_TRUE(map.SetMapping("metertype", "C", "W1", "", "", ""));
   EXPECT_FALSE(map.SetMapping("meternbr", "N", "", "", "", ""));
   EXPECT_EQ(map.MapConstant(4), "W1");
   EXPECT_EQ(FailureNumber([&] { map.SetMapOption("Nope", 2); }), fail::kSubscript);
   EXPECT_EQ(FailureNumber([&] { (void)map.DataType(0); }), fail::kSubscript);
-  EXPECT_FALSE(map.Dirty());
-}
-
-TEST(Properties, IndexesDelimiterAndNumberedOptions) {
-  clsExchMap map(".");
-  map.NewMap("r.hcm", kUseRoute);
   map.SetDataPosition("SEQUENCE", 7);
   EXPECT_EQ(map.DataPosition(2), 7);
   EXPECT_EQ(map.FindItem(28), 28);
@@ -171,7 +149,6 @@ TEST(MapFile, SaveWritesEveryOptionsLineAndReloadsInTheUsesTerms) {
   clsExchMap saved(dir.path());
   FillOrphanMap(saved);
   ASSERT_TRUE(saved.SaveMap());
-  EXPECT_FALSE(saved.Dirty());
   EXPECT_EQ(ReadBytes(dir / "Orphans.hom"),
             "HIF=1.1\r\nMAPNAME=Orphans.hom\r\nMAPTYPE=1\r\nMAPFILTER=2\r\n"
             "MAPDELIMITER=<tab>\r\nMAPQUOTE=<none>\r\nMAPOPTIONS=1:Y\r\n"
@@ -183,7 +160,6 @@ TEST(MapFile, SaveWritesEveryOptionsLineAndReloadsInTheUsesTerms) {
 
   clsExchMap map(dir.path());
   ASSERT_TRUE(map.LoadMap("Orphans.hom", kUseOrphan));
-  EXPECT_FALSE(map.Dirty());
   EXPECT_EQ(map.MapQuote(), "") << "<none> loads as no quote";
   ASSERT_TRUE(map.SaveMap());
   const std::string again = ReadBytes(dir / "Orphans.hom");
@@ -249,7 +225,6 @@ TEST_P(LoadTest, Reads) {
   ASSERT_TRUE(map.LoadMap("Test.map", GetParam().use));
   EXPECT_EQ(Describe(map, GetParam().field), GetParam().expected);
   EXPECT_EQ(map.MapName(), "Test.map");
-  EXPECT_FALSE(map.Dirty());
 }
 
 // clang-format off

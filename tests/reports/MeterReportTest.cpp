@@ -9,6 +9,7 @@
 
 #include "reports/clsReport.h"
 #include "reports/RecordingDevice.h"
+#include "support/HifImage.h"
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
@@ -61,30 +62,19 @@ std::vector<Row> Rows() {
 
 void WriteReadingFile(const std::filesystem::path& path, const std::vector<Row>& rows) {
   TestShell quiet;
-  clsHIF hif(quiet);
-  hif.SetVersion(3);
-  hif.CreateHIF(path, kFilePDB, static_cast<int32_t>(rows.size()) + 4);
-  hif.AddNew();
-  hif.SetItem("RecType", L(kRecFileHeader));
-  hif.SetItem("RouteNbr", L(2));
-  hif.SetItem("MeterType", L(3));
-  hif.SetItem("ResponseText", Value("UNIT7"));
-  hif.WriteData();
+  test::HifWriter w(quiet, path, 3, kFilePDB, static_cast<int32_t>(rows.size()) + 4);
+  w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"MeterType", 3}, {"ResponseText", "UNIT7"}});
   for (const int32_t route : {1, 2}) {
-    hif.AddNew();
-    hif.SetItem("RecType", L(kRecRouteHeader));
-    hif.SetItem("RouteNbr", L(route));
-    hif.SetItem("Initials", Value(route == 1 ? "AB" : "CD"));
-    hif.WriteData();
+    w.Add({{"RecType", kRecRouteHeader}, {"RouteNbr", route}, {"Initials", route == 1 ? "AB" : "CD"}});
   }
   for (const Row& row : rows) {
-    hif.AddNew();
-    hif.SetItem("RecType", L(row.recType));
-    hif.SetItem("RouteNbr", L(1));
-    hif.SetItem("MeterTagNbr", L(row.tag));
-    hif.SetItem("Initials", Value("JQ"));
-    for (const auto& [name, value] : row.fields) hif.SetItem(name, value);
-    hif.WriteData();
+    w.hif.AddNew();
+    w.hif.SetItem("RecType", L(row.recType));
+    w.hif.SetItem("RouteNbr", L(1));
+    w.hif.SetItem("MeterTagNbr", L(row.tag));
+    w.hif.SetItem("Initials", Value("JQ"));
+    for (const auto& [name, value] : row.fields) w.hif.SetItem(name, value);
+    w.Write();
   }
 }
 

@@ -11,6 +11,7 @@
 #include "reports/clsDrawBarcode.h"
 #include "reports/clsReport.h"
 #include "reports/qt/QtRptDevice.h"
+#include "support/ExampleSite.h"
 #include "support/FaultDevice.h"
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
@@ -79,7 +80,7 @@ TEST_F(QtDeviceTest, ArialAndCourierNewMeasureAsTheyShould) {
 TEST_F(QtDeviceTest, AReportPageRendered) {
   const auto pdf = dir / "reading.pdf";
   const auto result = test::RunHifx(
-      {"report", "--type", "reading", "--pdf", pdf.string(), std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/reading.pdb"},
+      {"report", "--type", "reading", "--pdf", pdf.string(), test::kExamples + "reading.pdb"},
       dir, {{"SOURCE_DATE_EPOCH", "1710000000"}, {"TZ", "UTC"}, {"XDG_CONFIG_HOME", (dir / "config").string()}});
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
@@ -104,7 +105,7 @@ TEST_F(QtDeviceTest, APdfThatCannotBeWrittenLeavesTheOldFile) {
     QtUserSettings settings;
     const auto printers = QtPrinters::ToPdf(pdf);
     clsReport report(shell, clock, *printers, settings);
-    ASSERT_TRUE(report.Begin(false, std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/reading.pdb", 4, "Reading"));
+    ASSERT_TRUE(report.Begin(false, test::kExamples + "reading.pdb", 4, "Reading"));
     test::FaultDevice device(at, "report.pdf", 1000);
     ScopedFileDevice faulty(device);
     try {
@@ -117,7 +118,7 @@ TEST_F(QtDeviceTest, APdfThatCannotBeWrittenLeavesTheOldFile) {
   }
   // From the command line: a folder that isn't there, and the reading file
   // itself, are refused with a word and a non-zero exit.
-  const std::string reading = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/reading.pdb";
+  const std::string reading = test::kExamples + "reading.pdb";
   const test::Env env{{"XDG_CONFIG_HOME", (dir / "config").string()}};
   const auto missing = test::RunHifx({"report", "--type", "reading", "--pdf", (dir / "no" / "r.pdf").string(), reading},
                                      dir, env);

@@ -248,7 +248,8 @@ TEST_P(FillReadingsSeeds, FillsTheMetersAndAppendsTheOrphans) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, FillReadingsSeeds, ::testing::Values(0u, 1u, 2u, 9u, 77u, 4294967295u));
+INSTANTIATE_TEST_SUITE_P(Seeds, FillReadingsSeeds, ::testing::Values(0u, 1u, 2u, 9u, 77u, 4294967295u),
+                         [](const auto& info) { return "Seed" + std::to_string(info.param); });
 
 TEST(FillReadings, SameSeedSameBytesAnotherSeedOthers) {
   TempDir dir;
