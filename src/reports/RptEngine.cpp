@@ -405,7 +405,7 @@ std::string RptEngine::WraptoWidth(std::string_view source, float width) const {
     size_t n = text.size();
     // Halving first spares measuring every length of a long text.
     while (n >= 11 && device.TextWidth(std::string_view(text).substr(0, n)) > 2.0 * width) {
-      n = static_cast<size_t>(RoundHalfEven(n / 2.0));
+      n = static_cast<size_t>(RoundHalfEven(static_cast<double>(n) / 2.0));
     }
     while (n > 0 && !fits(n)) --n;
     if (n < text.size() && text.substr(0, n).find_first_of(" ,") != std::string::npos) {
