@@ -25,13 +25,13 @@ std::string OptionUsage(const CLI::Option& option) {
   return words;
 }
 
-// The usage line of a command, from its definition: options in brackets
-// unless required, options that exclude each other joined with "|",
-// positionals, then the commands under it.
+// The usage line of a command, from its definition: options and positionals
+// in the order defined, options in brackets unless required, options that
+// exclude each other joined with "|", then the commands under it.
 std::string UsageLine(const CLI::App& command, const std::string& path) {
   std::string line = path;
   std::vector<const CLI::Option*> shown;
-  for (const CLI::Option* option : command.get_options([](const CLI::Option* o) { return o->nonpositional(); })) {
+  for (const CLI::Option* option : command.get_options()) {
     if (option->get_name() == "--help") continue;
     bool joined = false;
     for (const CLI::Option* other : option->get_excludes()) {
@@ -42,23 +42,16 @@ std::string UsageLine(const CLI::App& command, const std::string& path) {
     if (joined) {
       line.insert(line.size() - 1, " | " + words);
     } else {
-      line += option->get_required() ? " " + words : " [" + words + "]";
+      line += option->get_required() || option->get_positional() ? " " + words : " [" + words + "]";
     }
     if (option->get_expected_max() > 1) line += "...";
   }
-  for (const CLI::Option* option : command.get_options([](const CLI::Option* o) { return o->get_positional(); })) {
-    line += " " + OptionUsage(*option);
-  }
-  std::vector<std::string> below;
+  if (command.get_parent() == nullptr) return line + " " + kCommandArgs;
+  std::string choices;
   for (const CLI::App* sub : command.get_subcommands([](const CLI::App*) { return true; })) {
-    below.push_back(UsageLine(*sub, sub->get_name()));
+    choices += (choices.empty() ? "" : " | ") + UsageLine(*sub, sub->get_name());
   }
-  if (&command == command.get_parent() || command.get_parent() == nullptr) return line + " " + kCommandArgs;
-  if (!below.empty()) {
-    std::string choices;
-    for (const std::string& b : below) choices += (choices.empty() ? "" : " | ") + b;
-    line += command.get_require_subcommand_min() > 0 ? " " + choices : " [" + choices + "]";
-  }
+  if (!choices.empty()) line += command.get_require_subcommand_min() > 0 ? " " + choices : " [" + choices + "]";
   return line;
 }
 

@@ -1,0 +1,90 @@
+// The start-up both front ends share: where the site is, what is made on
+// first use, and the exit code a failure ends a run with.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+#include <optional>
+
+#include "app/Exit.h"
+#include "app/Session.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx::test {
+namespace {
+
+#ifndef _WIN32
+// Sets a variable for the test's length, and puts back what was there.
+class ScopedVariable {
+ public:
+  ScopedVariable(const char* name, const std::string& value) : name_(name) {
+    if (const char* old = std::getenv(name)) old_ = old;
+    value.empty() ? ::unsetenv(name) : ::setenv(name, value.c_str(), 1);
+  }
+  ~ScopedVariable() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
+
+ private:
+  const char* name_;
+  std::optional<std::string> old_;
+};
+
+TEST(Session, TheSiteFolderFollowsTheEnvironmentInItsOrder) {
+  ScopedVariable site("HIFX_SITE", "/srv/site"), data("XDG_DATA_HOME", "/data"), home("HOME", "/home/clerk");
+  EXPECT_EQ(app::DefaultSiteFolder(), "/srv/site");
+  {
+    ScopedVariable none("HIFX_SITE", "");
+    EXPECT_EQ(app::DefaultSiteFolder(), "/data/hifexchange");
+    ScopedVariable noData("XDG_DATA_HOME", "");
+    EXPECT_EQ(app::DefaultSiteFolder(), "/home/clerk/.local/share/hifexchange");
+  }
+}
+
+TEST(Session, ANewSiteFolderIsItsOwnersAloneAndHoldsTheSyncRoot) {
+  TempDir dir;
+  TestShell shell;
+  ScopedVariable sync("HIFX_SYNC_ROOT", "");
+  app::Session session(shell, dir / "new" / "site");
+  EXPECT_FALSE(std::filesystem::exists(dir / "new"));  // nothing is made until it is used
+  EXPECT_EQ(session.SyncRoot(), dir / "new" / "site" / "sync");
+  EXPECT_EQ(std::filesystem::status(dir / "new" / "site").permissions() & std::filesystem::perms::all,
+            std::filesystem::perms::owner_all);
+}
+
+TEST(Session, ADamagedStoreIsAFailureOfTheSite) {
+  TempDir dir;
+  TestShell shell;
+  WriteBytes(dir / "registry.db", std::string(4096, 'x'));
+  app::Session session(shell, dir.path());
+  try {
+    session.Exchange();
+    FAIL() << "a damaged settings store was opened";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Kind(), FailureKind::BadSite);
+    EXPECT_EQ(failure.File(), dir / "registry.db");
+    EXPECT_EQ(app::ReportOf(failure).exitCode, app::kExitUsage);
+  }
+}
+
+TEST(Session, TheExchangeIsMadeOnceWithTheStoredSettings) {
+  TempDir dir;
+  TestShell shell;
+  app::Session session(shell, dir.path());
+  ASSERT_TRUE(session.Exchange().SaveParm("Route", "Map", "Water.hcm"));
+  EXPECT_EQ(session.Exchange().RouteMap, "");  // the object of the run keeps what it loaded
+  app::Session next(shell, dir.path());
+  EXPECT_EQ(next.Exchange().RouteMap, "Water.hcm");
+}
+#endif
+
+TEST(Session, AFailureEndsTheRunByItsKind) {
+  EXPECT_EQ(app::ReportOf(WriteFailure(fail::kDiskFull, "Could not write", "out.txt", "No space left on device")).words,
+            "Could not write out.txt: No space left on device");
+  EXPECT_EQ(app::ExitCodeOf(FailureKind::WriteFailed), app::kExitNotComplete);
+  EXPECT_EQ(app::ExitCodeOf(FailureKind::Run), app::kExitNotComplete);
+  EXPECT_EQ(app::ExitCodeOf(FailureKind::MissingInput), app::kExitUsage);
+  EXPECT_EQ(app::ReportOf(std::bad_alloc()).exitCode, app::kExitNotComplete);
+}
+
+}  // namespace
+}  // namespace hifx::test
