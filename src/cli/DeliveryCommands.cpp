@@ -59,15 +59,11 @@ int Install(Context& context, const InstallOptions& options) {
   exchange.AutoInstallLeave = true;
   // A relative FILE is taken from the current folder, never from the site's.
   if (exchange.InstallPRC(std::filesystem::absolute(file))) return kExitOk;
-  if (exchange.AutoInstallUnit.empty()) {
-    if (SyncFolders(syncRoot).UmGetUserCount() == 0) {
-      std::fprintf(stderr, "hifx: install: no handheld users in %s; name one with --unit\n",
-                   syncRoot.string().c_str());
-    } else {
-      std::fprintf(stderr, "hifx: install: no unit chosen; %s was not queued\n", file.c_str());
-    }
+  if (!exchange.AutoInstallUnit.empty()) return kExitNotComplete;  // the install step said why
+  if (SyncFolders(syncRoot).UmGetUserCount() == 0) {
+    throw Failure(FailureKind::Run, fail::kFileNotFound, "no handheld users in {}; name one with --unit", syncRoot);
   }
-  return kExitNotComplete;
+  throw Failure(FailureKind::Run, fail::kInvalidCall, "no unit chosen; {} was not queued", file);
 }
 
 }  // namespace
