@@ -12,6 +12,8 @@
 # NAME: hif_read map_load dist_load route_flat route_reread route_mvrs e5k_read
 #       reading report registry_values
 # The seed corpora in fuzz/corpus/ are made by fuzz/make-corpus.sh.
+# HIFX_FUZZ_TIMEOUT: seconds one input may take before it counts as a hang
+# (default 10); give more on a machine busy with other work.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -60,7 +62,7 @@ for name in "${names[@]}"; do
     [ -e "$seed" ] || continue
     [ -e "$corpus/$(basename "$seed")" ] || cp "$seed" "$corpus/"
   done
-  options=(-max_total_time="$seconds" -rss_limit_mb=512 -max_len=65536 -timeout=10
+  options=(-max_total_time="$seconds" -rss_limit_mb=512 -max_len=65536 -timeout="${HIFX_FUZZ_TIMEOUT:-10}"
            -artifact_prefix="$artifacts/" -print_final_stats=1)
   case "$name" in
     hif_read|reading|report) options+=(-dict=fuzz/hif.dict) ;;

@@ -41,7 +41,7 @@ class AdvancedList {
   AdvancedItem& At(int16_t position) { return items_[static_cast<size_t>(position - lower_)]; }
   void MarkDeleted(int16_t position);
   int16_t LowerBound() const { return lower_; }
-  int16_t UpperBound() const { return static_cast<int16_t>(lower_ + items_.size() - 1); }
+  int16_t UpperBound() const { return static_cast<int16_t>(static_cast<size_t>(lower_) + items_.size() - 1); }
   std::vector<AdvancedItem>& Items() { return items_; }
 
  private:

@@ -245,7 +245,7 @@ std::string clsPalmDB::GetString(int16_t& ordinal) const {
   if (ordinal >= 2) {
     const size_t wanted = static_cast<size_t>(ordinal - 1);
     if (nuls.size() < wanted) {
-      ordinal = static_cast<int16_t>(ordinal - nuls.size());
+      ordinal = static_cast<int16_t>(static_cast<size_t>(ordinal) - nuls.size());
       return {};
     }
     begin = nuls[wanted - 1] + 1;

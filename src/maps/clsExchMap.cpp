@@ -103,7 +103,7 @@ void clsExchMap::SetMapTerminator(int32_t terminator) {
 
 std::string clsExchMap::MapOptions(int32_t index) const {
   if (index > 0) {
-    return static_cast<size_t>(index) <= mapOptions_.size() ? mapOptions_[index - 1]
+    return static_cast<size_t>(index) <= mapOptions_.size() ? mapOptions_[static_cast<size_t>(index - 1)]
                                                             : std::string();
   }
   if (index < 0) return {};
@@ -120,8 +120,8 @@ void clsExchMap::SetMapOptions(int32_t index, std::string_view value) {
   if (index < 0 || index > kMaxMapOptions) throw Failure(fail::kSubscript);
   dirty_ = true;
   if (index > 0) {
-    if (mapOptions_.size() < static_cast<size_t>(index)) mapOptions_.resize(index);
-    mapOptions_[index - 1] = std::string(value);
+    if (mapOptions_.size() < static_cast<size_t>(index)) mapOptions_.resize(static_cast<size_t>(index));
+    mapOptions_[static_cast<size_t>(index - 1)] = std::string(value);
     return;
   }
   std::string_view rest = value;
@@ -159,14 +159,14 @@ int32_t clsExchMap::FindItem(MapIndex index) const {
 std::string clsExchMap::FieldName(MapIndex index, bool withRequired) const {
   const int32_t at = FindItem(index);
   if (at == 0) return {};
-  const MapField& field = fields_[at - 1];
+  const MapField& field = fields_[static_cast<size_t>(at - 1)];
   return field.FieldName + (withRequired && field.Required ? "(Required)" : "");
 }
 
 std::string clsExchMap::Prompt(MapIndex index, bool withRequired) const {
   const int32_t at = FindItem(index);
   if (at == 0) return {};
-  const MapField& field = fields_[at - 1];
+  const MapField& field = fields_[static_cast<size_t>(at - 1)];
   return (field.Prompt.empty() ? field.FieldName : field.Prompt) +
          (withRequired && field.Required ? "(Required)" : "");
 }
@@ -174,14 +174,14 @@ std::string clsExchMap::Prompt(MapIndex index, bool withRequired) const {
 const MapField& clsExchMap::Field(MapIndex index) const {
   const int32_t at = FindItem(index);
   if (at == 0) throw Failure(fail::kSubscript);
-  return fields_[at - 1];
+  return fields_[static_cast<size_t>(at - 1)];
 }
 
 MapField& clsExchMap::MutableField(MapIndex index) {
   const int32_t at = FindItem(index);
   if (at == 0) throw Failure(fail::kSubscript);
   dirty_ = true;
-  return fields_[at - 1];
+  return fields_[static_cast<size_t>(at - 1)];
 }
 
 void clsExchMap::SetDataType(MapIndex index, int32_t value) {
@@ -227,7 +227,7 @@ bool clsExchMap::SetMapping(std::string_view name, std::string_view p1, std::str
                             std::string_view p3, std::string_view p4, std::string_view p5) {
   const int32_t at = FindItem(name);
   if (at == 0) return false;
-  MapField& field = fields_[at - 1];
+  MapField& field = fields_[static_cast<size_t>(at - 1)];
   auto mapWithoutSource = [&field](int32_t option, std::string_view constant) {
     field.DataPosition = 0;
     field.DataWidth = 0;
@@ -386,7 +386,7 @@ bool clsExchMap::MappedOK(MapIndex index, std::string& messages) const {
   if (at == 0) {
     problem = "Mapping of " + index.Text() + " not complete";
   } else {
-    const MapField& f = fields_[at - 1];
+    const MapField& f = fields_[static_cast<size_t>(at - 1)];
     const int32_t option = f.MapOption;
     const bool fromFile = option == kOptionSource || option == kOptionDestination;
     if (f.Required && option != kOptionSource && option != kOptionConstant &&
