@@ -185,6 +185,12 @@ class clsExchange {
 
  private:
   bool AskIndexes();
+  // The steps of ConvertRouteE5K, which keep its state in an E5kRouteRun.
+  struct E5kRouteRun;
+  void CountE5kRoutes(E5kRouteRun& run);
+  bool CreateE5kRouteFile(E5kRouteRun& run);
+  void ReadE5kMeters(E5kRouteRun& run);
+  void WriteE5kMeter(E5kRouteRun& run);
   void WriteFileHeader(const std::string& sourceName, int32_t meters, int16_t version);
   // One header a route; user1, where given, holds each route's User1 by its
   // index.
