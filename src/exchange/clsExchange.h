@@ -185,6 +185,21 @@ class clsExchange {
 
  private:
   bool AskIndexes();
+  // The steps of ConvertRoute. Each check logs its failure and gives false.
+  // The trimmed destination, checked with its source and map.
+  bool CheckRouteFiles(std::string& destination);
+  // RouteMap loaded as ActiveMap, and validated when its columns are the
+  // map's own.
+  bool LoadRouteMap();
+  // Logs the start and resets the route lists, counts and flags for a run
+  // that writes destination.
+  void StartRouteRun(const std::string& destination);
+  // The conversion of the map's format; true when its file was made.
+  bool ConvertRouteByMapType();
+  // What the conversion's result leaves: the file put in place and queued,
+  // or the run's word on why not. closingLine false skips the closing line.
+  void SettleRouteFile(bool& result, bool& closingLine);
+  void LogRouteClosing();
   // The steps of ConvertRouteE5K, which keep its state in an E5kRouteRun.
   struct E5kRouteRun;
   void CountE5kRoutes(E5kRouteRun& run);
