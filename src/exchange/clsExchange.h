@@ -200,6 +200,25 @@ class clsExchange {
   // or the run's word on why not. closingLine false skips the closing line.
   void SettleRouteFile(bool& result, bool& closingLine);
   void LogRouteClosing();
+  // The steps of ConvertReRead, which keep its state in a ReReadRun. Each
+  // check logs its failure and gives false.
+  struct ReReadRun;
+  // The trimmed source and destination, checked with the map.
+  bool CheckReReadFiles(ReReadRun& run);
+  bool LoadReReadMap();
+  // Logs the start, resets the route lists, counts and flags, and adds the
+  // one route.
+  void StartReReadRun(ReReadRun& run);
+  // The first pass: each line of the source one meter; the source then open
+  // again from its start.
+  void CountReReadLines(ReReadRun& run);
+  // The file with its header and route records; false when it would be too
+  // big or can't be made.
+  bool CreateReReadFile(const ReReadRun& run);
+  // A meter a line; false when a line's validation stops the run.
+  bool WriteReReadMeters();
+  // The run's last word, and the file put in place; the conversion's result.
+  bool FinishReRead();
   // The steps of ConvertRouteE5K, which keep its state in an E5kRouteRun.
   struct E5kRouteRun;
   void CountE5kRoutes(E5kRouteRun& run);
