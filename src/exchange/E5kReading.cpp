@@ -2,6 +2,7 @@
 // each route, the second to write an "A" line a route, "C" and "S" lines an
 // account, "D" and "E" lines a meter, and a closing "Z" line a route.
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/e5000/clsE5KUpload.h"
@@ -165,7 +166,7 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
   E5kUploadRun run(env_.shell);
-  run.upload.Open(Trim(ReadingDestination));
+  run.upload.Open(std::string(Trim(ReadingDestination)));
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/e5000/E5kCatalogue.h"
@@ -47,7 +48,7 @@ struct E5kMeter {
 
 std::string TextField(const clsRecType& record, std::string_view name) {
   const Value value = record.GetValue(name);
-  return value.IsText() ? Trim(value.Text()) : Trim(TextOf(value));
+  return std::string(value.IsText() ? Trim(value.Text()) : Trim(TextOf(value)));
 }
 
 // The parts joined by single blanks and trimmed as a whole: an empty part
@@ -60,7 +61,7 @@ std::string JoinTrimmed(std::initializer_list<const std::string*> parts) {
     joined += *part;
     first = false;
   }
-  return Trim(joined);
+  return std::string(Trim(joined));
 }
 
 // The HIF meter type of an E5000 meter type letter; 0 for a letter it
@@ -236,7 +237,7 @@ void clsExchange::WriteE5kMeter(E5kRouteRun& run) {
 }
 
 bool clsExchange::ConvertRouteE5K() {
-  E5kRouteRun run(env_.shell, Trim(RouteSource));
+  E5kRouteRun run(env_.shell, std::string(Trim(RouteSource)));
   if (!run.download.OpenFile(run.source)) return false;
   CountE5kRoutes(run);
   if (!CreateE5kRouteFile(run)) return false;

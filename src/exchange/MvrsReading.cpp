@@ -9,6 +9,7 @@
 #include "base/DateText.h"
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/mvrs/clsMVRSUpload.h"
@@ -164,7 +165,7 @@ void OpenReadingFile(MvrsReadingRun& run) {
 void SizeRouteTable(MvrsReadingRun& run, clsHIF& hif) {
   const int32_t routes = NumberOf(hif.Item("RouteNbr"));
   if (routes > 32767) {
-    throw Failure(fail::kOutOfMemory, "The file header of " + Trim(run.exchange.ReadingSource) + " counts " +
+    throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(run.exchange.ReadingSource)) + " counts " +
                                           std::to_string(routes) + " routes, more than a handheld file holds");
   }
   run.table.assign(static_cast<size_t>(std::max(routes, 0)), MvrsRouteTotals());
@@ -461,7 +462,7 @@ void WriteSpecialMessageLine(MvrsReadingRun& run, const MvrsReadMeter& meter, co
   clsRecType& line = *run.upload.SetupRecord("MTS");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
   line.SetValue("MeterNumber", Value(meterNumber));
-  line.SetValue("SpecialMessageText", Value(Trim(meter.SpecialMessage)));
+  line.SetValue("SpecialMessageText", Value(std::string(Trim(meter.SpecialMessage))));
   run.upload.WriteRecord(line);
 }
 
@@ -631,7 +632,7 @@ void WriteReadingFile(MvrsReadingRun& run) {
 bool clsExchange::ConvertReadingMVRS(int16_t version) {
   MvrsReadingRun run(*this, version);
   try {
-    run.upload.CreateFile(Trim(ReadingDestination));
+    run.upload.CreateFile(std::string(Trim(ReadingDestination)));
     CountRoutes(run);
     WriteReadingFile(run);
   } catch (const Aborted&) {

@@ -4,6 +4,7 @@
 // the five user fields.
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/mvrs/clsMVRSDownload.h"
@@ -231,10 +232,11 @@ void WriteMeterRecord(MvrsFold& fold) {
   hif.SetItem("InitPulseCount", Value::Long(0));
   hif.SetItem("InitTamperCount", Value::Long(0));
   hif.SetItem("Message", Value(fold.exchange.Advanced().LookupMessage(
-                             Trim(meter.SpecialMessageText), fold.routeNumber, Trim(customer.Account),
-                             Trim(meter.MeterNumber), Trim(tag))));
-  hif.SetItem("ServiceAddress", Value(Trim(customer.Address1 + customer.Address2 + customer.Address3)));
-  hif.SetItem("BillingName", Value(Trim(customer.Name + customer.Name2)));
+                             std::string(Trim(meter.SpecialMessageText)), fold.routeNumber,
+                             std::string(Trim(customer.Account)), std::string(Trim(meter.MeterNumber)),
+                             std::string(Trim(tag)))));
+  hif.SetItem("ServiceAddress", Value(std::string(Trim(customer.Address1 + customer.Address2 + customer.Address3))));
+  hif.SetItem("BillingName", Value(std::string(Trim(customer.Name + customer.Name2))));
   hif.SetItem("ServiceUniqueID", Value(customer.Account));
   hif.SetItem("MeterSerialNbr", Value(meter.MeterNumber));
   hif.SetItem("ReceiverData", Value(""));
@@ -410,7 +412,7 @@ std::string clsExchange::CombineUser(const std::vector<std::string>& values) {
 bool clsExchange::ConvertRouteMVRS() {
   HadWarnings = false;
   HadProblems = false;
-  const std::string source = Trim(RouteSource);
+  const std::string source(Trim(RouteSource));
   auto reader = std::make_unique<clsMVRSDownload>(&env_.shell);
   if (!reader->OpenFile(source)) return false;
   const MvrsRouteCounts counts = CountRoutes(*reader, env_.shell);

@@ -5,6 +5,7 @@
 
 #include "base/Failure.h"
 #include "base/FileNames.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "hif/FileVersion.h"
@@ -120,7 +121,7 @@ void clsExchange::WriteRouteHeaders(const std::vector<std::string>& user1) {
 }
 
 bool clsExchange::CheckRouteFiles(std::string& destination) {
-  const std::string source = Trim(RouteSource);
+  const std::string source(Trim(RouteSource));
   if (source.empty()) return Fail("Error: Route Source not specified");
   std::error_code ec;
   if (!std::filesystem::is_regular_file(source, ec)) return Fail("Error: Route Source does not exist");
