@@ -185,11 +185,11 @@ class clsExchange {
 
  private:
   bool AskIndexes();
-  // The steps of ConvertRoute. Each check logs its failure and gives false.
+
+  // The steps of ConvertRoute; a check that fails logs why and gives false.
   // The trimmed destination, checked with its source and map.
   bool CheckRouteFiles(std::string& destination);
-  // RouteMap loaded as ActiveMap, and validated when its columns are the
-  // map's own.
+  // RouteMap as ActiveMap, validated unless its format fixes the columns.
   bool LoadRouteMap();
   // Logs the start and resets the route lists, counts and flags for a run
   // that writes destination.
@@ -200,8 +200,9 @@ class clsExchange {
   // or the run's word on why not. closingLine false skips the closing line.
   void SettleRouteFile(bool& result, bool& closingLine);
   void LogRouteClosing();
-  // The steps of ConvertReRead, which keep its state in a ReReadRun. Each
-  // check logs its failure and gives false.
+
+  // The steps of ConvertReRead, which keep its state in a ReReadRun; a check
+  // that fails logs why and gives false.
   struct ReReadRun;
   // The trimmed source and destination, checked with the map.
   bool CheckReReadFiles(ReReadRun& run);
@@ -219,12 +220,14 @@ class clsExchange {
   bool WriteReReadMeters();
   // The run's last word, and the file put in place; the conversion's result.
   bool FinishReRead();
+
   // The steps of ConvertRouteE5K, which keep its state in an E5kRouteRun.
   struct E5kRouteRun;
   void CountE5kRoutes(E5kRouteRun& run);
   bool CreateE5kRouteFile(E5kRouteRun& run);
   void ReadE5kMeters(E5kRouteRun& run);
   void WriteE5kMeter(E5kRouteRun& run);
+
   void WriteFileHeader(const std::string& sourceName, int32_t meters, int16_t version);
   // One header a route; user1, where given, holds each route's User1 by its
   // index.
