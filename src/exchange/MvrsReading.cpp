@@ -280,8 +280,8 @@ void WriteRouteLine(MvrsReadingRun& run, const char* kind, int32_t index) {
   run.upload.WriteRecord(line);
 }
 
-// Pass 2, step 1: a meter of another route closes the current route with
-// "RTR" and opens its own with "RHD".
+// A meter of another route closes the current route with "RTR" and opens
+// its own with "RHD".
 void ChangeRoute(MvrsReadingRun& run, clsHIF& hif) {
   int32_t routeNbr = run.current;
   run.Step([&] { routeNbr = NumberOf(hif.Item("RouteNbr")); });
@@ -291,7 +291,7 @@ void ChangeRoute(MvrsReadingRun& run, clsHIF& hif) {
   run.current = routeNbr;
 }
 
-// Pass 2, step 2: the working customer, from the meter record.
+// The working customer, from the meter record.
 void FillCustomer(MvrsReadCustomer& customer, clsHIF& hif) {
   customer = MvrsReadCustomer();
   const std::string address = TextOf(hif.Item("ServiceAddress"));
@@ -346,8 +346,8 @@ void FillMeterCodes(MvrsReadMeter& meter, clsHIF& hif) {
   meter.SpecialMessage = Elements(hif.Item("User5"), 9)[0];
 }
 
-// Pass 2, step 2: the working meter, from the plain fields, the reading the
-// handheld added, and the user fields.
+// The working meter, from the plain fields, the reading the handheld added,
+// and the user fields.
 void FillMeter(MvrsReadRecord& record, clsHIF& hif) {
   MvrsReadMeter& meter = record.meter;
   meter = MvrsReadMeter();
@@ -379,7 +379,7 @@ void FillMeter(MvrsReadRecord& record, clsHIF& hif) {
   meter.NewReadMethod = record.status == 0 ? "N" : (method != nullptr ? method : "");
 }
 
-// Pass 2, step 3.
+// "CUS", the meter's customer.
 void WriteCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CUS");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
@@ -399,7 +399,7 @@ void WriteCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
   run.upload.WriteRecord(line);
 }
 
-// Pass 2, step 4.
+// "CSX", the customer's second name and third address line.
 void WriteExtraCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CSX");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
@@ -419,7 +419,7 @@ std::string LocationCode(const std::string& location) {
   return code;
 }
 
-// Pass 2, step 5: "MTR".
+// "MTR".
 void WriteMeterLine(MvrsReadingRun& run, const MvrsReadRecord& record, const std::string& meterNumber) {
   const MvrsReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("MTR");
@@ -457,7 +457,7 @@ void WriteMeterLine(MvrsReadingRun& run, const MvrsReadRecord& record, const std
   run.upload.WriteRecord(line);
 }
 
-// Pass 2, step 5: "MTS", for a meter with a special message.
+// "MTS", for a meter with a special message.
 void WriteSpecialMessageLine(MvrsReadingRun& run, const MvrsReadMeter& meter, const std::string& meterNumber) {
   clsRecType& line = *run.upload.SetupRecord("MTS");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
@@ -479,8 +479,7 @@ const char* ReadCodeOf(int32_t status, int32_t readType, int32_t curReading) {
   }
 }
 
-// Pass 2, step 6: "RDG", set in this order; later values stand over earlier
-// ones.
+// "RDG", set in this order; later values stand over earlier ones.
 void WriteReadingLine(MvrsReadingRun& run, const MvrsReadRecord& record) {
   const MvrsReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("RDG");
@@ -576,8 +575,8 @@ void WriteDeviceReadLine(MvrsReadingRun& run, const MvrsReadRecord& record) {
   run.upload.WriteRecord(line);
 }
 
-// Pass 2, step 7: the device line of the meter's read method. The route's
-// read method isn't carried back, so none of these runs.
+// The device line of the meter's read method. The route's read method isn't
+// carried back, so none of these runs.
 void WriteDeviceLines(MvrsReadingRun& run, const MvrsReadRecord& record) {
   const MvrsReadMeter& meter = record.meter;
   if (meter.ReadMethod == "P") {
