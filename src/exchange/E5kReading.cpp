@@ -2,6 +2,7 @@
 // each route, the second to write an "A" line a route, "C" and "S" lines an
 // account, "D" and "E" lines a meter, and a closing "Z" line a route.
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/e5000/clsE5KUpload.h"
@@ -36,13 +37,136 @@ size_t RouteOf(clsHIF& hif, size_t routes) {
   return static_cast<size_t>(route);
 }
 
+// What a conversion keeps from pass to pass.
+struct E5kUploadRun {
+  explicit E5kUploadRun(IShell& shell) : upload(&shell) {}
+
+  clsE5KUpload upload;
+  std::string processor;  // of the file header, for every route
+  std::string employer;
+  std::vector<E5kRouteSummary> summaries = std::vector<E5kRouteSummary>(1);
+  size_t current = 0;  // the route whose lines are being written; 0 before the first
+  std::string lastAccount;
+};
+
+// First pass, one record: the file header gives the file's processor and
+// employer numbers, a route header its account count, and a meter that
+// passes counts in its route. `routes` is the size of the route list.
+void SummariseRecord(E5kUploadRun& run, clsHIF& hif, int32_t recType, size_t routes) {
+  if (recType == kRecFileHeader) {
+    run.summaries.assign(routes, E5kRouteSummary());
+    run.processor = TextOf(hif.Item("Initials")).substr(0, 3);
+    const std::string response = TextOf(hif.Item("ResponseText"));
+    run.employer = response.substr(response.size() - std::min<size_t>(response.size(), 3));
+  } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
+    // The route conversion left the download's account count here.
+    run.summaries[RouteOf(hif, run.summaries.size())].accounts = NumberOf(hif.Item("User1"));
+  } else if (recType == kRecMeter && Passes(hif)) {
+    E5kRouteSummary& summary = run.summaries[RouteOf(hif, run.summaries.size())];
+    ++summary.meters;
+    if (summary.readDate.empty()) summary.readDate = From(TextOf(hif.Item("ReadingDate")), 2);
+    const int32_t sequence = NumberOf(hif.Item("Sequence"));
+    if (summary.firstSequence == 0) summary.firstSequence = sequence;
+    summary.lastSequence = sequence;
+  }
+}
+
+// The "A" line that opens a route, with the counts of the first pass.
+void WriteRouteStart(E5kUploadRun& run, const std::string& routeText, const E5kRouteSummary& summary) {
+  clsRecType& a = *run.upload.SetupRecord("A");
+  a.SetValue("Route", Value(routeText));
+  a.SetValue("NoofAccounts", Value::Long(summary.accounts));
+  a.SetValue("NoofMeters", Value::Long(summary.meters));
+  a.SetValue("ProcessorNumber", Value(run.processor));
+  a.SetValue("ReadDate", Value(summary.readDate));
+  a.SetValue("SurveyQuestionNumber", Value(""));
+  a.SetValue("BeginningSequenceNumber", Value::Long(summary.firstSequence));
+  a.SetValue("EndingSequenceNumber", Value::Long(summary.lastSequence));
+  a.SetValue("ResequenceFlag", Value("0"));
+  run.upload.WriteRecord(a);
+}
+
+// The "Z" line that closes a route.
+void WriteRouteEnd(E5kUploadRun& run, const std::string& routeText) {
+  clsRecType& z = *run.upload.SetupRecord("Z");
+  z.SetValue("Route", Value(routeText));
+  z.SetValue("ProcessorNumber", Value(run.processor));
+  z.SetValue("EmployerNumber", Value(run.employer));
+  run.upload.WriteRecord(z);
+}
+
+// The "C" line of a new account, and its "S" line when the meter has a
+// User1.
+void WriteAccountLines(E5kUploadRun& run, clsHIF& hif, const std::string& routeText, const std::string& account,
+                       const std::string& user1) {
+  clsRecType& c = *run.upload.SetupRecord("C");
+  c.SetValue("Route", Value(routeText));
+  c.SetValue("AccountNumber", Value(account));
+  c.SetValue("ReadingStatus", Value("2"));
+  c.SetValue("ResequenceFlag", Value("0"));
+  c.SetValue("ReadDate", Value(From(TextOf(hif.Item("ReadingDate")), 4)));
+  run.upload.WriteRecord(c);
+  if (!user1.empty()) {
+    clsRecType& s = *run.upload.SetupRecord("S");
+    s.SetValue("RecordCategory", Value("02"));
+    s.SetValue("PropertyVGKey", Value(user1));
+    run.upload.WriteRecord(s);
+  }
+}
+
+// The "D" and "E" lines of a meter.
+void WriteMeterLines(E5kUploadRun& run, clsHIF& hif, const std::string& user1) {
+  clsRecType& d = *run.upload.SetupRecord("D");
+  d.SetValue("RelativeMeterNumber", hif.Item("User2"));
+  d.SetValue("MeterNumber", hif.Item("MeterSerialNbr"));
+  d.SetValue("SpecialInstructionsCode2", Value(""));
+  d.SetValue("MeterConditionCode1", Value(""));
+  d.SetValue("MeterConditionCode2", Value(""));
+  d.SetValue("MeterSize", Value(user1));
+  d.SetValue("MeterChangedFlags", Value(""));
+  run.upload.WriteRecord(d);
+  clsRecType& e = *run.upload.SetupRecord("E");
+  e.SetValue("NumberofDials", Value::Long(0));
+  e.SetValue("CurrentReading", hif.Item("CurReading"));
+  e.SetValue("Decimals", Value::Long(0));
+  e.SetValue("ReadTime", hif.Item("ReadingTime"));
+  e.SetValue("ReadChangeFlags", Value(""));
+  e.SetValue("DisplayCode", Value(""));
+  e.SetValue("ReadCount", Value::Long(1));
+  e.SetValue("ReadVerifyFlag", Value::Long(0));
+  e.SetValue("NoReadCode", Value("00"));
+  run.upload.WriteRecord(e);
+}
+
+// Second pass, one meter that passes: the "Z" and "A" lines of a change of
+// route, the account's lines where the account differs from the meter
+// before, and the meter's own lines.
+void WriteMeter(E5kUploadRun& run, clsHIF& hif, const std::vector<std::string>& routeInitials) {
+  const size_t route = RouteOf(hif, run.summaries.size());
+  if (route != run.current) {
+    if (run.current != 0) WriteRouteEnd(run, routeInitials[run.current]);
+    WriteRouteStart(run, routeInitials[route], run.summaries[route]);
+    run.lastAccount.clear();
+    run.current = route;
+  }
+  // Accounts are told apart by the exact text; a route's first meter with
+  // no account text therefore opens none.
+  const std::string account = TextOf(hif.Item("ServiceUniqueID"));
+  const std::string user1 = TextOf(hif.Item("User1"));
+  if (account != run.lastAccount) {
+    WriteAccountLines(run, hif, routeInitials[route], account, user1);
+    run.lastAccount = account;
+  }
+  WriteMeterLines(run, hif, user1);
+}
+
 }  // namespace
 
 bool clsExchange::ConvertReadingE5K(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
-  clsE5KUpload upload(&env_.shell);
-  upload.Open(Trim(ReadingDestination));
+  E5kUploadRun run(env_.shell);
+  run.upload.Open(std::string(Trim(ReadingDestination)));
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
@@ -51,110 +175,24 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   // First pass: the file's processor and employer numbers, and each route's
   // name, account count, meters, read date and first and last sequence, in
   // file order.
-  std::string processor;
-  std::string employer;
-  std::vector<E5kRouteSummary> summaries(1);
   while (hif.ReadData()) {
     env_.shell.SetProgressButton(255, hif.Position255());
     const int32_t recType = NumberOf(hif.Item("RecType"));
-    if (recType == kRecFileHeader) {
+    if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       KeepRouteRecord(hif, recType);
-      summaries.assign(RouteInitials.size(), E5kRouteSummary());
-      processor = TextOf(hif.Item("Initials")).substr(0, 3);
-      const std::string response = TextOf(hif.Item("ResponseText"));
-      employer = response.substr(response.size() - std::min<size_t>(response.size(), 3));
-    } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
-      KeepRouteRecord(hif, recType);
-      // The route conversion left the download's account count here.
-      summaries[RouteOf(hif, summaries.size())].accounts = NumberOf(hif.Item("User1"));
-    } else if (recType == kRecMeter && Passes(hif)) {
-      E5kRouteSummary& summary = summaries[RouteOf(hif, summaries.size())];
-      ++summary.meters;
-      if (summary.readDate.empty()) summary.readDate = From(TextOf(hif.Item("ReadingDate")), 2);
-      const int32_t sequence = NumberOf(hif.Item("Sequence"));
-      if (summary.firstSequence == 0) summary.firstSequence = sequence;
-      summary.lastSequence = sequence;
     }
+    SummariseRecord(run, hif, recType, RouteInitials.size());
   }
 
-  // Second pass: the lines of the meters that pass, a route's "A" and "Z"
-  // lines around them, and an account's "C" and "S" lines wherever the
-  // account differs from the meter before.
-  const auto writeRouteEnd = [&](size_t route) {
-    clsRecType& z = *upload.SetupRecord("Z");
-    z.SetValue("Route", Value(RouteInitials[route]));
-    z.SetValue("ProcessorNumber", Value(processor));
-    z.SetValue("EmployerNumber", Value(employer));
-    upload.WriteRecord(z);
-  };
-  size_t current = 0;
-  std::string lastAccount;
+  // Second pass: the lines of the meters that pass.
   hif.Rewind();
   while (hif.ReadData()) {
-    if (NumberOf(hif.Item("RecType")) != kRecMeter || !Passes(hif)) continue;
-    const size_t route = RouteOf(hif, summaries.size());
-    if (route != current) {
-      if (current != 0) writeRouteEnd(current);
-      const E5kRouteSummary& summary = summaries[route];
-      clsRecType& a = *upload.SetupRecord("A");
-      a.SetValue("Route", Value(RouteInitials[route]));
-      a.SetValue("NoofAccounts", Value::Long(summary.accounts));
-      a.SetValue("NoofMeters", Value::Long(summary.meters));
-      a.SetValue("ProcessorNumber", Value(processor));
-      a.SetValue("ReadDate", Value(summary.readDate));
-      a.SetValue("SurveyQuestionNumber", Value(""));
-      a.SetValue("BeginningSequenceNumber", Value::Long(summary.firstSequence));
-      a.SetValue("EndingSequenceNumber", Value::Long(summary.lastSequence));
-      a.SetValue("ResequenceFlag", Value("0"));
-      upload.WriteRecord(a);
-      lastAccount.clear();
-      current = route;
-    }
-    // Accounts are told apart by the exact text; a route's first meter with
-    // no account text therefore opens none.
-    const std::string account = TextOf(hif.Item("ServiceUniqueID"));
-    const std::string user1 = TextOf(hif.Item("User1"));
-    if (account != lastAccount) {
-      clsRecType& c = *upload.SetupRecord("C");
-      c.SetValue("Route", Value(RouteInitials[route]));
-      c.SetValue("AccountNumber", Value(account));
-      c.SetValue("ReadingStatus", Value("2"));
-      c.SetValue("ResequenceFlag", Value("0"));
-      c.SetValue("ReadDate", Value(From(TextOf(hif.Item("ReadingDate")), 4)));
-      upload.WriteRecord(c);
-      if (!user1.empty()) {
-        clsRecType& s = *upload.SetupRecord("S");
-        s.SetValue("RecordCategory", Value("02"));
-        s.SetValue("PropertyVGKey", Value(user1));
-        upload.WriteRecord(s);
-      }
-      lastAccount = account;
-    }
-    clsRecType& d = *upload.SetupRecord("D");
-    d.SetValue("RelativeMeterNumber", hif.Item("User2"));
-    d.SetValue("MeterNumber", hif.Item("MeterSerialNbr"));
-    d.SetValue("SpecialInstructionsCode2", Value(""));
-    d.SetValue("MeterConditionCode1", Value(""));
-    d.SetValue("MeterConditionCode2", Value(""));
-    d.SetValue("MeterSize", Value(user1));
-    d.SetValue("MeterChangedFlags", Value(""));
-    upload.WriteRecord(d);
-    clsRecType& e = *upload.SetupRecord("E");
-    e.SetValue("NumberofDials", Value::Long(0));
-    e.SetValue("CurrentReading", hif.Item("CurReading"));
-    e.SetValue("Decimals", Value::Long(0));
-    e.SetValue("ReadTime", hif.Item("ReadingTime"));
-    e.SetValue("ReadChangeFlags", Value(""));
-    e.SetValue("DisplayCode", Value(""));
-    e.SetValue("ReadCount", Value::Long(1));
-    e.SetValue("ReadVerifyFlag", Value::Long(0));
-    e.SetValue("NoReadCode", Value("00"));
-    upload.WriteRecord(e);
+    if (NumberOf(hif.Item("RecType")) == kRecMeter && Passes(hif)) WriteMeter(run, hif, RouteInitials);
   }
   // The file always ends with a "Z" line: with no meter to upload it is the
   // only line, and names no route.
-  writeRouteEnd(current);
-  upload.Finish();
+  WriteRouteEnd(run, RouteInitials[run.current]);
+  run.upload.Finish();
   return true;
 }
 

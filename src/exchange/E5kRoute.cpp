@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/e5000/E5kCatalogue.h"
@@ -47,7 +48,7 @@ struct E5kMeter {
 
 std::string TextField(const clsRecType& record, std::string_view name) {
   const Value value = record.GetValue(name);
-  return value.IsText() ? Trim(value.Text()) : Trim(TextOf(value));
+  return std::string(value.IsText() ? Trim(value.Text()) : Trim(TextOf(value)));
 }
 
 // The parts joined by single blanks and trimmed as a whole: an empty part
@@ -60,7 +61,7 @@ std::string JoinTrimmed(std::initializer_list<const std::string*> parts) {
     joined += *part;
     first = false;
   }
-  return Trim(joined);
+  return std::string(Trim(joined));
 }
 
 // The HIF meter type of an E5000 meter type letter; 0 for a letter it
@@ -121,101 +122,127 @@ bool clsExchange::IsAllDigits(const std::string& text) {
   return true;
 }
 
-bool clsExchange::ConvertRouteE5K() {
-  const std::string source = Trim(RouteSource);
-  clsE5KDownload download(&env_.shell);
-  if (!download.OpenFile(source)) return false;
+// What the conversion keeps from step to step.
+struct clsExchange::E5kRouteRun {
+  E5kRouteRun(IShell& shell, std::string source) : download(&shell), source(std::move(source)) {}
 
-  // First pass: the routes of the "F" lines, the meters of the "H" and "I"
-  // lines under each, and the account count of each route's "Z" line.
-  std::vector<int32_t> accounts{0};
+  clsE5KDownload download;
+  const std::string source;
+  std::vector<int32_t> accounts{0};  // of each route's "Z" line, by route
   int32_t meters = 0;
-  size_t route = 0;
+  size_t route = 0;  // the route of the lines being read
+  E5kAccount account;
+  E5kMeter meter;
+};
+
+// First pass: the routes of the "F" lines, the meters of the "H" and "I"
+// lines under each, and the account count of each route's "Z" line.
+void clsExchange::CountE5kRoutes(E5kRouteRun& run) {
+  clsE5KDownload& download = run.download;
   while (const clsRecType* record = download.ReadNext()) {
     env_.shell.SetProgressButton(255, download.Position255());
     const std::string& kind = record->IDText;
     if (kind == "F") {
-      route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
-      accounts.resize(RouteNames.size(), 0);
+      run.route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
+      run.accounts.resize(RouteNames.size(), 0);
     } else if (kind == "H" || kind == "I") {
-      CountUp(RouteCounts[route]);
-      ++meters;
+      CountUp(RouteCounts[run.route]);
+      ++run.meters;
     } else if (kind == "Z") {
-      accounts[route] = NumberOf(record->GetValue("NumberofAccounts"));
+      run.accounts[run.route] = NumberOf(record->GetValue("NumberofAccounts"));
     } else if (kind == kE5kUnknownKind) {
       Log("Error: Unknown record type '" + TextOf(record->GetValue("RecID")) + "' at line " +
           std::to_string(download.LineNo()));
     }
   }
+}
 
-  if (!RecordsFit(meters)) return false;
-  const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
+// The route HIF with its file header and route headers; false, logged, when
+// it can't be made.
+bool clsExchange::CreateE5kRouteFile(E5kRouteRun& run) {
+  if (!RecordsFit(run.meters)) return false;
+  const int32_t records = run.meters + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
   if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
     return Fail("Error: Could not Create Route HIF File");
   }
-  WriteFileHeader(source, meters, ActiveHIF->Version());
+  WriteFileHeader(run.source, run.meters, ActiveHIF->Version());
   // The account count goes to the route header, where the reading
   // conversion finds it again.
   std::vector<std::string> accountTexts;
-  accountTexts.reserve(accounts.size());
-  for (const int32_t count : accounts) accountTexts.push_back(std::to_string(count));
+  accountTexts.reserve(run.accounts.size());
+  for (const int32_t count : run.accounts) accountTexts.push_back(std::to_string(count));
   WriteRouteHeaders(accountTexts);
+  return true;
+}
 
-  // Second pass: a meter is written when the line of the next one begins.
-  if (!download.OpenFile(source)) return false;
-  E5kAccount account;
-  E5kMeter meter;
-  route = 0;
-  const auto flush = [&] {
-    if (!meter.pending) return;
-    clsHIF& hif = *ActiveHIF;
-    const std::string& routeText = RouteNames[route];
-    const std::string& serial = meter.MeterSerialNumber;
-    // Set in the order of the record's fields.
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecMeter));
-    hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(route)));
-    hif.SetItem("Sequence", account.MeterSequenceNumber);
-    hif.SetItem("MeterTagNbr", Value::Double(NumericPrefix(serial)));
-    if (const int32_t type = HifMeterType(meter.MeterType); type != 0) hif.SetItem("MeterType", Value::Long(type));
-    hif.SetItem("Digits", meter.NumberofDials);
-    hif.SetItem("Decimals", meter.NoDecimals);
-    hif.SetItem("PrvReading", meter.PriorRead);
-    hif.SetItem("MaxReading", meter.MaximumRead);
-    hif.SetItem("MinReading", meter.MinimumRead);
-    hif.SetItem("Status", Value::Long(0));
-    hif.SetItem("ReadType", Value::Long(IsAllDigits(serial) ? 1 : 2));
-    const std::string billing = JoinTrimmed({&account.SpecialInstruction, &meter.SpecialInstructions,
-                                             &meter.MeterLocationDesc1, &meter.MeterLocationDesc2});
-    hif.SetItem("Message", Value(Advanced().LookupMessage(billing, routeText, account.AccountNumber, serial, "")));
-    hif.SetItem("ServiceAddress",
-                Value(JoinTrimmed({&account.Address, &account.CustomerAddressLotandPlan, &meter.Location})));
-    hif.SetItem("BillingName", Value(account.CustomerName));
-    hif.SetItem("ServiceUniqueID", Value(account.AccountNumber));
-    hif.SetItem("MeterSerialNbr", Value(serial));
-    hif.SetItem("ReceiverData", Value(""));
-    hif.SetItem("User1", Value(account.PropertyVGKey));
-    hif.SetItem("User5", Value(""));
-    // A repeated serial spoils the file, but the meter is written all the
-    // same. The line goes as text behind a blank.
-    if (CheckDuplicateTag(serial, routeText, " " + std::to_string(download.LineNo()))) HadProblems = true;
-    WriteIndexedMeter();
-    meter = E5kMeter();
-  };
+// Second pass: the lines of each meter gathered, and the meter written when
+// the line of the next one begins.
+void clsExchange::ReadE5kMeters(E5kRouteRun& run) {
+  clsE5KDownload& download = run.download;
+  run.route = 0;
   while (const clsRecType* record = download.ReadNext()) {
     env_.shell.SetProgressButton(255, download.Position255());
     const std::string& kind = record->IDText;
     if (kind == "F") {
-      flush();
-      route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
+      WriteE5kMeter(run);
+      run.route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
     } else if (kind == "A" || kind == "D" || kind == "H" || kind == "I") {
-      flush();
+      WriteE5kMeter(run);
     }
-    TakeAccountLine(*record, account);
-    TakeMeterLine(*record, meter);
+    TakeAccountLine(*record, run.account);
+    TakeMeterLine(*record, run.meter);
   }
-  flush();
+  WriteE5kMeter(run);
+}
+
+// The pending meter, if any, as one record of the route HIF.
+void clsExchange::WriteE5kMeter(E5kRouteRun& run) {
+  const E5kAccount& account = run.account;
+  E5kMeter& meter = run.meter;
+  if (!meter.pending) return;
+  clsHIF& hif = *ActiveHIF;
+  const std::string& routeText = RouteNames[run.route];
+  const std::string& serial = meter.MeterSerialNumber;
+  // Set in the order of the record's fields.
+  hif.AddNew();
+  hif.SetItem("RecType", Value::Long(kRecMeter));
+  hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(run.route)));
+  hif.SetItem("Sequence", account.MeterSequenceNumber);
+  hif.SetItem("MeterTagNbr", Value::Double(NumericPrefix(serial)));
+  if (const int32_t type = HifMeterType(meter.MeterType); type != 0) hif.SetItem("MeterType", Value::Long(type));
+  hif.SetItem("Digits", meter.NumberofDials);
+  hif.SetItem("Decimals", meter.NoDecimals);
+  hif.SetItem("PrvReading", meter.PriorRead);
+  hif.SetItem("MaxReading", meter.MaximumRead);
+  hif.SetItem("MinReading", meter.MinimumRead);
+  hif.SetItem("Status", Value::Long(0));
+  hif.SetItem("ReadType", Value::Long(IsAllDigits(serial) ? 1 : 2));
+  const std::string billing = JoinTrimmed({&account.SpecialInstruction, &meter.SpecialInstructions,
+                                           &meter.MeterLocationDesc1, &meter.MeterLocationDesc2});
+  hif.SetItem("Message", Value(Advanced().LookupMessage(billing, routeText, account.AccountNumber, serial, "")));
+  hif.SetItem("ServiceAddress",
+              Value(JoinTrimmed({&account.Address, &account.CustomerAddressLotandPlan, &meter.Location})));
+  hif.SetItem("BillingName", Value(account.CustomerName));
+  hif.SetItem("ServiceUniqueID", Value(account.AccountNumber));
+  hif.SetItem("MeterSerialNbr", Value(serial));
+  hif.SetItem("ReceiverData", Value(""));
+  hif.SetItem("User1", Value(account.PropertyVGKey));
+  hif.SetItem("User5", Value(""));
+  // A repeated serial spoils the file, but the meter is written all the
+  // same. The line goes as text behind a blank.
+  if (CheckDuplicateTag(serial, routeText, " " + std::to_string(run.download.LineNo()))) HadProblems = true;
+  WriteIndexedMeter();
+  meter = E5kMeter();
+}
+
+bool clsExchange::ConvertRouteE5K() {
+  E5kRouteRun run(env_.shell, std::string(Trim(RouteSource)));
+  if (!run.download.OpenFile(run.source)) return false;
+  CountE5kRoutes(run);
+  if (!CreateE5kRouteFile(run)) return false;
+  if (!run.download.OpenFile(run.source)) return false;
+  ReadE5kMeters(run);
   return !HadProblems;
 }
 

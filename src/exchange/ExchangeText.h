@@ -9,18 +9,6 @@
 
 namespace hifx {
 
-// Blanks off both ends, or off the right end only.
-inline std::string Trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return std::string(s);
-}
-
-inline std::string TrimRight(std::string_view s) {
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return std::string(s);
-}
-
 // Every occurrence of `from`, left to right, replaced by `to`; what a
 // replacement puts in is not searched again.
 inline void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {

@@ -4,6 +4,7 @@
 
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 
@@ -116,7 +117,7 @@ std::string clsExchange::FormatTime(const std::string& value, int32_t code) {
   if ((units & 2) && mask.size() >= 4) mask.insert(2, ":");
   const std::string blank = BlankForm(mask);
   if (NumericPrefix(value) == 0) return blank;
-  std::string digits = "000000" + Trim(value);
+  std::string digits = "000000" + std::string(Trim(value));
   digits = digits.substr(digits.size() - 6);
   const int hours = DigitsAt(digits, 0, 2);
   const int minutes = DigitsAt(digits, 2, 2);
@@ -180,7 +181,7 @@ std::string clsExchange::AssembleFixed(const KeyedCollection<Value>& values) {
       const auto width = static_cast<size_t>(std::max<int32_t>(field.DataWidth, 0));
       if (line.size() < position - 1) line.resize(position - 1, ' ');
       std::string value = OutputValue(values, field);
-      if (field.MapAlign == 1) value = Trim(value);
+      if (field.MapAlign == 1) value = std::string(Trim(value));
       if (value.size() > width) {
         // Texts, dates and times keep their left end, numbers their right.
         const bool text = field.DataType == kTypeText || field.DataType == kTypeDate || field.DataType == kTypeTime;
@@ -288,7 +289,7 @@ void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
   const int32_t route = NumberOf(hif.Item("RouteNbr"));
   if (recType == kRecFileHeader) {
     if (route < 0 || route > kMostRoutes) {
-      throw Failure(fail::kOutOfMemory, "The file header of " + Trim(ReadingSource) + " counts " + std::to_string(route) +
+      throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(ReadingSource)) + " counts " + std::to_string(route) +
                                             " routes, more than a handheld file holds");
     }
     RouteInitials.assign(static_cast<size_t>(route) + 1, std::string());
@@ -311,7 +312,7 @@ std::unique_ptr<OutputFile> OpenOutput(const std::string& path, bool append) {
 bool clsExchange::ConvertReadingFlat(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
-  Output = OpenOutput(Trim(ReadingDestination), false);
+  Output = OpenOutput(std::string(Trim(ReadingDestination)), false);
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
@@ -371,7 +372,7 @@ bool clsExchange::ConvertReadingFlat(int16_t version) {
 bool clsExchange::ConvertOrphanFlat(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
-  Output = OpenOutput(Trim(OrphanDestination), OrphanReplace == 0);
+  Output = OpenOutput(std::string(Trim(OrphanDestination)), OrphanReplace == 0);
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");

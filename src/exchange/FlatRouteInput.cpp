@@ -3,6 +3,7 @@
 // write each meter.
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 
@@ -46,12 +47,12 @@ void clsExchange::AddValue(KeyedCollection<Value>& values, const MapField& field
   }
   Value value;
   switch (field.DataType) {
-    case kTypeText: value = Value(trimBothEnds ? Trim(raw) : TrimRight(raw)); break;
+    case kTypeText: value = Value(std::string(trimBothEnds ? Trim(raw) : TrimRight(raw))); break;
     case kTypeInteger: value = Value::Integer(ToInt16(NumericPrefix(raw))); break;
     case kTypeLong: value = Value::Long(ToInt32(NumericPrefix(raw))); break;
     case kTypeNumber: value = Value::Double(NumericPrefix(raw)); break;
     case kTypeDate:
-    case kTypeTime: value = Value(TrimRight(raw)); break;
+    case kTypeTime: value = Value(std::string(TrimRight(raw))); break;
     default: return;
   }
   values.Add(field.FieldName, std::move(value));
@@ -163,7 +164,7 @@ KeyedCollection<Value> clsExchange::ParseRouteFixed(const std::string& line, boo
 }
 
 bool clsExchange::ConvertRouteFlat() {
-  const std::string source = Trim(RouteSource);
+  const std::string source(Trim(RouteSource));
   SourceFile = std::make_unique<LineReader>(source);
   // Progress counts 128-byte blocks: the first pass fills the first third,
   // the second pass the second.

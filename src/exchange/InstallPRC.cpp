@@ -4,25 +4,17 @@
 #include <system_error>
 
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "delivery/UnitInstall.h"
 #include "delivery/clsInstaller.h"
 #include "exchange/clsExchange.h"
 
 namespace hifx {
-namespace {
-
-std::string_view TrimSpaces(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
-
-}  // namespace
 
 bool clsExchange::InstallPRC(const std::filesystem::path& path) {
   IShell& shell = env_.shell;
   try {
-    std::string unit(TrimSpaces(AutoInstallUnit));
+    std::string unit(Trim(AutoInstallUnit));
     if (unit.empty() || AutoInstallPrompt) {
       // The answer stands in for the stored unit, a cancel included.
       AutoInstallUnit = PromptUnit(env_.syncRoot, shell);

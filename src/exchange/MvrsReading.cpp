@@ -9,6 +9,7 @@
 #include "base/DateText.h"
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/mvrs/clsMVRSUpload.h"
@@ -94,6 +95,438 @@ const char* ReadMethodOf(int32_t readType) {
   }
 }
 
+// One meter record of pass 2 as its lines take it.
+struct MvrsReadRecord {
+  MvrsReadCustomer customer;
+  MvrsReadMeter meter;
+  int32_t status = 0;
+  int32_t readType = 0;
+  int32_t responseCode = 0;
+};
+
+// What a conversion keeps from step to step.
+struct MvrsReadingRun {
+  MvrsReadingRun(clsExchange& exchange, int16_t version)
+      : exchange(exchange), shell(exchange.Environment().shell), version(version), upload(&shell) {}
+
+  // Every step runs under one frame: Abort ends the conversion, Retry runs
+  // the failed step again, Ignore goes on with the next one.
+  template <typename Action>
+  bool Step(Action&& action) {
+    for (;;) {
+      std::string description;
+      try {
+        action();
+        return true;
+      } catch (const Failure& failure) {
+        description = failure.Description();
+      } catch (const std::exception& failure) {
+        description = failure.what();
+      }
+      switch (shell.MsgBox(description, "Error", MsgButtons::AbortRetryIgnore, MsgIcon::Critical)) {
+        case MsgAnswer::Retry: continue;
+        case MsgAnswer::Ignore: return false;
+        default: throw Aborted{};
+      }
+    }
+  }
+
+  MvrsRouteTotals& Entry(int32_t route) {
+    if (route < 1 || static_cast<size_t>(route) > table.size()) throw Failure(fail::kSubscript);
+    return table[static_cast<size_t>(route - 1)];
+  }
+
+  // The next record; a record that can't be read ends the pass when the
+  // failure is ignored.
+  bool Next(bool& more) {
+    if (!Step([&] { more = exchange.ActiveHIF->ReadData(); })) more = false;
+    return more;
+  }
+
+  clsExchange& exchange;
+  IShell& shell;
+  const int16_t version;
+  clsMVRSUpload upload;
+  std::vector<MvrsRouteTotals> table;  // from 1
+  int16_t routeTotal = 0, customerTotal = 0, meterTotal = 0, readTotal = 0;
+  int32_t current = 0;  // the route whose lines are being written; 0 before the first
+};
+
+// The reading HIF opened from its start, as the exchange's ActiveHIF.
+void OpenReadingFile(MvrsReadingRun& run) {
+  clsExchange& exchange = run.exchange;
+  exchange.ActiveHIF = std::make_unique<clsHIF>(run.shell);
+  exchange.ActiveHIF->SetVersion(run.version);
+  if (exchange.ActiveHIF->OpenHIF(Trim(exchange.ReadingSource))) throw Failure(fail::kFileNotFound);
+}
+
+// Pass 1, the file header: a route table of as many empty entries as it
+// counts routes.
+void SizeRouteTable(MvrsReadingRun& run, clsHIF& hif) {
+  const int32_t routes = NumberOf(hif.Item("RouteNbr"));
+  if (routes > 32767) {
+    throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(run.exchange.ReadingSource)) + " counts " +
+                                          std::to_string(routes) + " routes, more than a handheld file holds");
+  }
+  run.table.assign(static_cast<size_t>(std::max(routes, 0)), MvrsRouteTotals());
+}
+
+// Pass 1, a route record: its entry takes the route's values.
+void TakeRouteRecord(MvrsReadingRun& run, clsHIF& hif) {
+  run.routeTotal = Add16(run.routeTotal, 1);
+  MvrsRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
+  route.MeterCount = ToInt16(NumberOf(hif.Item("PrvReading")));
+  route.RouteNumber = TextOf(hif.Item("Initials"));
+  const std::vector<std::string> user = Elements(hif.Item("User1"), 5);
+  route.Region = user[0];
+  route.Zone = user[1];
+  route.Office = user[2];
+  double date = 0.0;
+  if (ReadDateText(user[3], date)) route.ScheduledReadDate = date;
+  route.NumberRemoteWandReads = ToInt16(NumericPrefix(user[4]));
+}
+
+// Pass 1, a meter record: one customer, meter and reading more for the file,
+// and the meter counted in its route's entry.
+void CountMeter(MvrsReadingRun& run, clsHIF& hif) {
+  run.meterTotal = Add16(run.meterTotal, 1);
+  run.readTotal = Add16(run.readTotal, 1);
+  run.customerTotal = Add16(run.customerTotal, 1);
+  MvrsRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
+  route.Meters = Add16(route.Meters, 1);
+  const int32_t type = NumberOf(hif.Item("MeterType"));
+  if (type == 1) route.Water = Add16(route.Water, 1);
+  if (type == 2) route.Gas = Add16(route.Gas, 1);
+  if (type == 3) route.Electric = Add16(route.Electric, 1);
+  const int32_t status = NumberOf(hif.Item("Status"));
+  const int32_t readType = NumberOf(hif.Item("ReadType"));
+  if (status == 0 || (status == 1 && readType == 0)) route.Missed = Add16(route.Missed, 1);
+  if (status == 1 && readType == 1) route.Radio = Add16(route.Radio, 1);
+  if (status == 1 && readType == 2) route.Keyed = Add16(route.Keyed, 1);
+  if (status == 1 && readType == 3) route.Probe = Add16(route.Probe, 1);
+  if (status == 1 && readType == 4) route.Skipped = Add16(route.Skipped, 1);
+}
+
+void CountRecord(MvrsReadingRun& run, clsHIF& hif) {
+  const int32_t recType = NumberOf(hif.Item("RecType"));
+  if (recType == kRecFileHeader) {
+    SizeRouteTable(run, hif);
+  } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
+    TakeRouteRecord(run, hif);
+  } else if (recType == kRecMeter) {
+    CountMeter(run, hif);
+  }
+}
+
+// Pass 1: the route table and the file's totals.
+void CountRoutes(MvrsReadingRun& run) {
+  run.Step([&] { OpenReadingFile(run); });
+  bool more = true;
+  while (run.exchange.ActiveHIF && run.Next(more)) {
+    clsHIF& hif = *run.exchange.ActiveHIF;
+    run.shell.SetProgressButton(255, hif.Position255() / 2);
+    run.Step([&] { CountRecord(run, hif); });
+  }
+}
+
+// "FHD" or "FTR": the two carry the same values.
+void WriteFileLine(MvrsReadingRun& run, const char* kind) {
+  clsRecType& line = *run.upload.SetupRecord(kind);
+  line.SetValue("NewServiceIndicator", Value("N"));
+  line.SetValue("ChangeMeterIndicator", Value("N"));
+  line.SetValue("ExtendedIndicator", Value("N"));
+  line.SetValue("NumberRoutes", Value::Long(run.routeTotal));
+  line.SetValue("NumberCustomerRecords", Value::Long(run.customerTotal));
+  line.SetValue("NumberMeterRecords", Value::Long(run.meterTotal));
+  line.SetValue("NumberReadRecords", Value::Long(run.readTotal));
+  line.SetValue("FileTrailerLineNumber", Value::Long(0));
+  run.upload.WriteRecord(line);
+}
+
+// "RHD" or "RTR" of the route at `index`: the two carry the same values.
+void WriteRouteLine(MvrsReadingRun& run, const char* kind, int32_t index) {
+  const MvrsRouteTotals& route = run.Entry(index);
+  clsRecType& line = *run.upload.SetupRecord(kind);
+  line.SetValue("RouteNumber", Value(route.RouteNumber));
+  line.SetValue("Region", Value(route.Region));
+  line.SetValue("Zone", Value(route.Zone));
+  line.SetValue("Office", Value(route.Office));
+  line.SetValue("ScheduledReadDate", Value::Date(route.ScheduledReadDate));
+  line.SetValue("NumberRemoteWandReads", Value::Long(route.NumberRemoteWandReads));
+  for (const char* name : {"NumberCustomerRecords", "TotalCustomerRecords", "NumberMeterRecords",
+                           "TotalMeterRecords", "NumberReadingRecords", "TotalNumberReadingRecords"}) {
+    line.SetValue(name, Value::Long(route.Meters));
+  }
+  line.SetValue("NumberWaterMeters", Value::Long(route.Water));
+  line.SetValue("NumberGasMeters", Value::Long(route.Gas));
+  line.SetValue("NumberElectricMeters", Value::Long(route.Electric));
+  line.SetValue("NumberMissedReadings", Value::Long(route.Missed));
+  line.SetValue("TotalNumberOffsiteRadioReadings", Value::Long(route.Radio));
+  line.SetValue("TotalNumberKeyedReadings", Value::Long(route.Keyed));
+  line.SetValue("TotalNumberOpticalProbeReadings", Value::Long(route.Probe));
+  line.SetValue("NumberSkippedReadings", Value::Long(route.Skipped));
+  for (const char* name : {"TotalNumberKeys", "NumberLocationMeters", "NumberExtraMeters",
+                           "TotalNumberDemandMeters"}) {
+    line.SetValue(name, Value::Long(0));
+  }
+  for (const char* name : {"SurveyIndicator", "RouteMessageIndicator", "ResequenceFlag",
+                           "MeterReaderStatisticsRecord", "ForceCompleteFlag", "TypeResequenceFlag"}) {
+    line.SetValue(name, Value("N"));
+  }
+  line.SetValue("OriginalSequenceFlag", Value("Y"));
+  line.SetValue("TimeUsedtoReadRoute", Value::Long(0));
+  line.SetValue("ForceCompleteCode", Value("00"));
+  line.SetValue("TypeRoute", Value(" "));
+  run.upload.WriteRecord(line);
+}
+
+// A meter of another route closes the current route with "RTR" and opens
+// its own with "RHD".
+void ChangeRoute(MvrsReadingRun& run, clsHIF& hif) {
+  int32_t routeNbr = run.current;
+  run.Step([&] { routeNbr = NumberOf(hif.Item("RouteNbr")); });
+  if (routeNbr == run.current) return;
+  if (run.current != 0) run.Step([&] { WriteRouteLine(run, "RTR", run.current); });
+  run.Step([&] { WriteRouteLine(run, "RHD", routeNbr); });
+  run.current = routeNbr;
+}
+
+// The working customer, from the meter record.
+void FillCustomer(MvrsReadCustomer& customer, clsHIF& hif) {
+  customer = MvrsReadCustomer();
+  const std::string address = TextOf(hif.Item("ServiceAddress"));
+  customer.Address1 = Fixed20(address, 0);
+  customer.Address2 = Fixed20(address, 20);
+  customer.Address3 = Fixed20(address, 40);
+  const std::string name = TextOf(hif.Item("BillingName"));
+  customer.Name = Fixed20(name, 0);
+  customer.Name2 = Fixed20(name, 20);
+  const std::vector<std::string> user1 = Elements(hif.Item("User1"), 8);
+  customer.Account = user1[1];  // over ServiceUniqueID
+  customer.GroupCode = user1[2];
+  customer.ExtraIndicator = user1[3];
+  customer.SegmentCode = user1[4];
+  customer.PassThru = user1[5];
+  customer.CustomerInfo = user1[6];
+}
+
+// The working meter's codes that the route conversion packed in User2 to
+// User5.
+void FillMeterCodes(MvrsReadMeter& meter, clsHIF& hif) {
+  const std::vector<std::string> user2 = Elements(hif.Item("User2"), 14);
+  meter.GroupCode = user2[0];
+  meter.SurveyCode1DisplayIndicator = user2[1];
+  meter.SurveyCode2DisplayIndicator = user2[2];
+  meter.BillCode = user2[3];
+  meter.MeterStatus = user2[4];
+  meter.OpticalProbeID = user2[5];
+  meter.MeterType = user2[6] == "W" ? "00" : user2[6];
+  meter.MeterLocation = user2[7];
+  meter.ReadInstruction1 = Val(user2[8]);
+  meter.ReadInstruction2 = Val(user2[9]);
+  meter.SpecialMessageDisplayIndicator = Val(user2[10]);
+  // One short of where the route conversion put it: the survey text's
+  // first letter lands here.
+  meter.LocationExtraMeter = user2[11];
+  const std::vector<std::string> user3 = Elements(hif.Item("User3"), 9);
+  meter.TextPrompt = user3[0];
+  meter.ReadDirection = user3[1];
+  meter.CompareCode = user3[2];
+  meter.ValidationCode = user3[3];
+  meter.MeterConstant = user3[5];
+  meter.ConstantFlag = user3[6];
+  meter.HHFPosition = user3[7];
+  const std::vector<std::string> user4 = Elements(hif.Item("User4"), 6);
+  meter.GeographicArea = Val(user4[0]);
+  meter.RFFrequency = user4[1];
+  meter.RFTone = user4[2];
+  meter.ERTType = user4[3];
+  meter.DeviceID = user4[4];
+  meter.WandProgram = user4[5];
+  meter.SpecialMessage = Elements(hif.Item("User5"), 9)[0];
+}
+
+// The working meter, from the plain fields, the reading the handheld added,
+// and the user fields.
+void FillMeter(MvrsReadRecord& record, clsHIF& hif) {
+  MvrsReadMeter& meter = record.meter;
+  meter = MvrsReadMeter();
+  meter.MeterNumber = TextOf(hif.Item("MeterSerialNbr"));
+  meter.ReadSequence = NumberOf(hif.Item("Sequence"));
+  meter.TagNumber = NumberOf(hif.Item("MeterTagNbr"));
+  static const char* const kCategories[] = {"W", "G", "E", "S", "I"};
+  const int32_t type = NumberOf(hif.Item("MeterType"));
+  if (type >= 1 && type <= 5) meter.MeterCategory = kCategories[type - 1];
+  meter.NumberDials = NumberOf(hif.Item("Digits"));
+  meter.NumberDecimals = NumberOf(hif.Item("Decimals"));
+  meter.CurReading = NumberOf(hif.Item("CurReading"));
+  meter.PreviousReading = NumberOf(hif.Item("PrvReading"));
+  record.status = NumberOf(hif.Item("Status"));
+  record.readType = NumberOf(hif.Item("ReadType"));
+  const std::string readingDate = TextOf(hif.Item("ReadingDate"));
+  if (NumericPrefix(readingDate) != 0 && record.status != 0) {
+    const std::string date = readingDate.substr(std::min<size_t>(4, readingDate.size()), 2) + "/" +
+                             readingDate.substr(std::min<size_t>(6, readingDate.size()), 2) + "/" +
+                             readingDate.substr(0, 4);
+    if (!ReadDateText(date, meter.ReadDate)) throw Failure(fail::kTypeMismatch);
+    meter.ReadTimeNumber = NumberOf(hif.Item("ReadingTime"));
+  }
+  record.responseCode = NumberOf(hif.Item("ResponseCode"));
+  meter.ResponseCodeText = TextOf(hif.Item("ResponseCode"));
+  meter.ResponseTextCopy = TextOf(hif.Item("ResponseText"));
+  FillMeterCodes(meter, hif);
+  const char* method = ReadMethodOf(record.readType);
+  meter.NewReadMethod = record.status == 0 ? "N" : (method != nullptr ? method : "");
+}
+
+// "CUS", the meter's customer.
+void WriteCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
+  clsRecType& line = *run.upload.SetupRecord("CUS");
+  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
+  line.SetValue("NumberMeters", Value::Long(1));
+  line.SetValue("Account", Value(customer.Account));
+  line.SetValue("Name", Value(customer.Name));
+  line.SetValue("Address1", Value(customer.Address1));
+  line.SetValue("Address2", Value(customer.Address2));
+  line.SetValue("GroupCode", Value(customer.GroupCode));
+  line.SetValue("ExtraIndicator", Value(customer.ExtraIndicator));
+  line.SetValue("SegmentCode", Value(customer.SegmentCode));
+  line.SetValue("UtilityID", Value(customer.UtilityID));
+  line.SetValue("PassThru", Value(customer.PassThru));
+  line.SetValue("CustomerInfo", Value(customer.CustomerInfo));
+  line.SetValue("ExceptionCode", Value(" "));
+  line.SetValue("Reserved", Value("00"));
+  run.upload.WriteRecord(line);
+}
+
+// "CSX", the customer's second name and third address line.
+void WriteExtraCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
+  clsRecType& line = *run.upload.SetupRecord("CSX");
+  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
+  line.SetValue("Account", Value(customer.Account));
+  line.SetValue("Name", Value(customer.Name2));
+  line.SetValue("NewCustomerInfo", Value(customer.CustomerInfo));
+  line.SetValue("Address3", Value(customer.Address3));
+  run.upload.WriteRecord(line);
+}
+
+// "00" for a location with a ".", otherwise its number with at least two
+// digits.
+std::string LocationCode(const std::string& location) {
+  if (location.find('.') != std::string::npos) return "00";
+  std::string code = std::to_string(Val(location));
+  while (code.size() < 2) code.insert(0, "0");
+  return code;
+}
+
+// "MTR".
+void WriteMeterLine(MvrsReadingRun& run, const MvrsReadRecord& record, const std::string& meterNumber) {
+  const MvrsReadMeter& meter = record.meter;
+  clsRecType& line = *run.upload.SetupRecord("MTR");
+  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
+  line.SetValue("NumberReadings", Value::Long(1));
+  line.SetValue("GroupCode", Value(meter.GroupCode));
+  line.SetValue("SurveyCode1DisplayIndicator", Value(meter.SurveyCode1DisplayIndicator));
+  line.SetValue("SurveyCode2DisplayIndicator", Value(meter.SurveyCode2DisplayIndicator));
+  line.SetValue("BillCode", Value(meter.BillCode));
+  line.SetValue("MeterStatus", Value(meter.MeterStatus));
+  line.SetValue("OpticalProbeID", Value(meter.OpticalProbeID));
+  line.SetValue("MeterType", Value(meter.MeterType));
+  line.SetValue("MeterNumber", Value(meterNumber));
+  line.SetValue("ReadSequence", Value::Long(meter.ReadSequence));
+  line.SetValue("NewReadSequence", Value::Long(meter.ReadSequence));
+  line.SetValue("MeterLocation", Value(LocationCode(meter.MeterLocation)));
+  line.SetValue("ReadInstruction1", Value::Long(meter.ReadInstruction1));
+  line.SetValue("ReadInstruction2", Value::Long(meter.ReadInstruction2));
+  line.SetValue("SpecialMessageDisplayIndicator", Value::Long(meter.SpecialMessageDisplayIndicator));
+  line.SetValue("SpecialMessageIndicator", Value(Trim(meter.SpecialMessage).empty() ? "N" : "Y"));
+  line.SetValue("TroubleMessageIndicator",
+                Value(record.responseCode > 0 || !meter.ResponseTextCopy.empty() ? "Y" : "N"));
+  line.SetValue("SurveyResponse1", Value(" "));
+  line.SetValue("SurveyResponse2", Value(" "));
+  line.SetValue("MeterChangeOutIndicator", Value("N"));
+  line.SetValue("ChangeMeterRecordIndicator", Value("N"));
+  line.SetValue("MeterCategory", Value(meter.MeterCategory));
+  line.SetValue("LocationExtraMeter", Value(meter.LocationExtraMeter));
+  line.SetValue("TimeCode", Value::Long(0));
+  line.SetValue("OriginalAdditionalMeterInfo", line.GetValue("MeterNumber"));
+  line.SetValue("Reserved2", Value("0000000000"));
+  line.SetValue("Reserved3", Value("00"));
+  line.SetValue("Reserved4", Value("0000000000"));
+  for (const char* name : {"Reserved5", "Reserved6", "Reserved7"}) line.SetValue(name, Value("0"));
+  run.upload.WriteRecord(line);
+}
+
+// "MTS", for a meter with a special message.
+void WriteSpecialMessageLine(MvrsReadingRun& run, const MvrsReadMeter& meter, const std::string& meterNumber) {
+  clsRecType& line = *run.upload.SetupRecord("MTS");
+  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
+  line.SetValue("MeterNumber", Value(meterNumber));
+  line.SetValue("SpecialMessageText", Value(std::string(Trim(meter.SpecialMessage))));
+  run.upload.WriteRecord(line);
+}
+
+// The ReadCode of "RDG"; null leaves it unset.
+const char* ReadCodeOf(int32_t status, int32_t readType, int32_t curReading) {
+  if (status == 0) return readType == 4 || (readType == 2 && curReading == 0) ? "S" : " ";
+  switch (readType) {
+    case 0: return " ";
+    case 1:
+    case 3: return "N";
+    case 2: return "O";
+    case 4: return "S";
+    default: return nullptr;
+  }
+}
+
+// "RDG", set in this order; later values stand over earlier ones.
+void WriteReadingLine(MvrsReadingRun& run, const MvrsReadRecord& record) {
+  const MvrsReadMeter& meter = record.meter;
+  clsRecType& line = *run.upload.SetupRecord("RDG");
+  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
+  line.SetValue("TextPrompt", Value(meter.TextPrompt));
+  line.SetValue("ReadDirection", Value(meter.ReadDirection));
+  line.SetValue("CompareCode", Value(meter.CompareCode));
+  line.SetValue("ValidationCode", Value(meter.ValidationCode));
+  line.SetValue("PromptCode", Value(" "));
+  line.SetValue("ChannelNumber", Value::Long(0));
+  const std::string reason = "00" + meter.ResponseCodeText;
+  line.SetValue("ReadReason", Value(reason.substr(reason.size() - 2)));
+  if (const char* method = ReadMethodOf(record.readType)) line.SetValue("ReadMethod", Value(method));
+  line.SetValue("MeterConstant", Value(meter.MeterConstant));
+  line.SetValue("ConstantFlag", Value(meter.ConstantFlag));
+  line.SetValue("Reading", Value::Long(meter.CurReading));
+  line.SetValue("ReadOrder", Value::Long(1));
+  line.SetValue("ReadDate", Value(meter.ReadDate == 0.0 ? std::string("00000000")
+                                                        : FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
+  line.SetValue("ReadTime", Value(FormatZeros(meter.ReadTimeNumber, 6)));
+  if (const char* code = ReadCodeOf(record.status, record.readType, meter.CurReading)) {
+    line.SetValue("ReadCode", Value(code));
+  }
+  line.SetValue("ReadReason", Value::Long(0));
+  for (const char* name : {"ReadAuditResult", "TroubleCode1", "TroubleCode2", "AuditCounter", "ClearCounter",
+                           "ElapsedTime", "ReadTypeCode"}) {
+    line.SetValue(name, Value::Long(0));
+  }
+  line.SetValue("UnprocessedReadFlag", Value("N"));
+  line.SetValue("MeterReaderID", Value("TRAV"));
+  line.SetValue("NewNumberDials", Value::Long(meter.NumberDials));
+  line.SetValue("NewNumberDecimals", Value::Long(meter.NumberDecimals));
+  line.SetValue("NewReadMethod", Value(meter.NewReadMethod));
+  line.SetValue("MeterConstantVerified", Value(" "));
+  line.SetValue("HHFPosition", Value(meter.HHFPosition));
+  line.SetValue("NewMeterConstant", Value(meter.MeterConstant));
+  line.SetValue("PreviousReading", Value::Long(meter.PreviousReading));
+  if (meter.NumberDecimals != 0) {
+    const double scaled = std::floor(meter.CurReading / PowerOfTen(meter.NumberDecimals));
+    line.SetValue("Reading", Value::Double(scaled));
+  }
+  for (const char* name : {"Reserved1", "Reserved3", "Reserved4", "Reserved5", "Reserved6"}) {
+    line.SetValue(name, Value("0"));
+  }
+  run.upload.WriteRecord(line);
+}
+
 // The probe line as it stands: set up as a meter line, which has none of the
 // probe's fields, so only the kind and the route reach the file.
 void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const std::string& probeID,
@@ -116,419 +549,95 @@ void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const
   upload.WriteRecord(line);
 }
 
+// "RFF" for a radio read or "WRR" for a wand read.
+void WriteDeviceReadLine(MvrsReadingRun& run, const MvrsReadRecord& record) {
+  const MvrsReadMeter& meter = record.meter;
+  clsRecType& line = *run.upload.SetupRecord(meter.ReadMethod == "R" ? "RFF" : "WRR");
+  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
+  if (meter.ReadMethod == "R") {
+    line.SetValue("RFERTID", Value::Long(meter.TagNumber));
+    line.SetValue("GeographicArea", Value::Long(meter.GeographicArea));
+    line.SetValue("RFFrequency", Value(meter.RFFrequency));
+    line.SetValue("RFTone", Value(meter.RFTone));
+    line.SetValue("ERTType", Value(meter.ERTType));
+    line.SetValue("Tamper", Value::Long(0));
+  } else {
+    line.SetValue("TamperStatus", Value(""));
+    line.SetValue("DeviceID", Value(meter.DeviceID));
+    line.SetValue("WandProgram", Value(meter.WandProgram));
+  }
+  line.SetValue("ReadDate", Value(FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
+  line.SetValue("ReadTime", Value::Long(meter.ReadTimeNumber));
+  double reading = meter.CurReading;
+  if (meter.NumberDecimals != 0) reading /= PowerOfTen(meter.NumberDecimals);
+  line.SetValue("Reading", Value::Double(reading));
+  line.SetValue("VisualReadIndicator", Value(record.readType == 2 ? "Y" : "N"));
+  run.upload.WriteRecord(line);
+}
+
+// The device line of the meter's read method. The route's read method isn't
+// carried back, so none of these runs.
+void WriteDeviceLines(MvrsReadingRun& run, const MvrsReadRecord& record) {
+  const MvrsReadMeter& meter = record.meter;
+  if (meter.ReadMethod == "P") {
+    run.Step([&] {
+      WriteProbeLine(run.upload, run.Entry(run.current).RouteNumber, meter.OpticalProbeID, meter.ReadDate,
+                     meter.ReadTimeNumber);
+    });
+  }
+  if (meter.ReadMethod == "R" || meter.ReadMethod == "W") run.Step([&] { WriteDeviceReadLine(run, record); });
+}
+
+// Pass 2 for one record: a meter's lines, after the route lines a change of
+// route calls for. Every other record is passed over.
+void WriteMeterRecord(MvrsReadingRun& run, clsHIF& hif) {
+  int32_t recType = -1;
+  run.Step([&] { recType = NumberOf(hif.Item("RecType")); });
+  if (recType != kRecMeter) return;
+  ChangeRoute(run, hif);
+  MvrsReadRecord record;
+  run.Step([&] {
+    FillCustomer(record.customer, hif);
+    FillMeter(record, hif);
+  });
+  const MvrsReadMeter& meter = record.meter;
+  const std::string meterNumber = Trim(meter.MeterNumber) == "0" ? " " : meter.MeterNumber;
+  run.Step([&] { WriteCustomerLine(run, record.customer); });
+  if (record.customer.ExtraIndicator == "Y") run.Step([&] { WriteExtraCustomerLine(run, record.customer); });
+  run.Step([&] { WriteMeterLine(run, record, meterNumber); });
+  if (!Trim(meter.SpecialMessage).empty()) run.Step([&] { WriteSpecialMessageLine(run, meter, meterNumber); });
+  run.Step([&] { WriteReadingLine(run, record); });
+  WriteDeviceLines(run, record);
+}
+
+// Pass 2, from the start of the file again: "FHD", the lines of each meter
+// within its route's "RHD" and "RTR", and "FTR".
+void WriteReadingFile(MvrsReadingRun& run) {
+  run.exchange.ActiveHIF.reset();
+  run.Step([&] { OpenReadingFile(run); });
+  run.Step([&] { WriteFileLine(run, "FHD"); });
+  bool more = true;
+  while (run.exchange.ActiveHIF && run.Next(more)) {
+    clsHIF& hif = *run.exchange.ActiveHIF;
+    run.shell.SetProgressButton(255, 127 + hif.Position255() / 2);
+    WriteMeterRecord(run, hif);
+  }
+  if (run.current != 0) run.Step([&] { WriteRouteLine(run, "RTR", run.current); });
+  run.Step([&] { WriteFileLine(run, "FTR"); });
+}
+
 }  // namespace
 
 bool clsExchange::ConvertReadingMVRS(int16_t version) {
-  IShell& shell = env_.shell;
-  // Every step runs under one frame: Abort ends the conversion, Retry runs
-  // the failed step again, Ignore goes on with the next one.
-  auto step = [&shell](auto&& action) {
-    for (;;) {
-      std::string description;
-      try {
-        action();
-        return true;
-      } catch (const Failure& failure) {
-        description = failure.Description();
-      } catch (const std::exception& failure) {
-        description = failure.what();
-      }
-      switch (shell.MsgBox(description, "Error", MsgButtons::AbortRetryIgnore, MsgIcon::Critical)) {
-        case MsgAnswer::Retry: continue;
-        case MsgAnswer::Ignore: return false;
-        default: throw Aborted{};
-      }
-    }
-  };
-
-  clsMVRSUpload upload(&shell);
-  std::vector<MvrsRouteTotals> table;  // from 1
-  int16_t routeTotal = 0, customerTotal = 0, meterTotal = 0, readTotal = 0;
-  auto entry = [&table](int32_t route) -> MvrsRouteTotals& {
-    if (route < 1 || static_cast<size_t>(route) > table.size()) throw Failure(fail::kSubscript);
-    return table[static_cast<size_t>(route - 1)];
-  };
-  // The next record; a record that can't be read ends the pass when the
-  // failure is ignored.
-  auto next = [&](bool& more) {
-    if (!step([&] { more = ActiveHIF->ReadData(); })) more = false;
-    return more;
-  };
-  auto open = [&] {
-    ActiveHIF = std::make_unique<clsHIF>(shell);
-    ActiveHIF->SetVersion(version);
-    if (ActiveHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound);
-  };
-
+  MvrsReadingRun run(*this, version);
   try {
-    upload.CreateFile(Trim(ReadingDestination));
-    step(open);
-    bool more = true;
-    while (ActiveHIF && next(more)) {
-      clsHIF& hif = *ActiveHIF;
-      shell.SetProgressButton(255, hif.Position255() / 2);
-      step([&] {
-        const int32_t recType = NumberOf(hif.Item("RecType"));
-        if (recType == kRecFileHeader) {
-          const int32_t routes = NumberOf(hif.Item("RouteNbr"));
-          if (routes > 32767) {
-            throw Failure(fail::kOutOfMemory, "The file header of " + Trim(ReadingSource) + " counts " +
-                                                  std::to_string(routes) + " routes, more than a handheld file holds");
-          }
-          table.assign(static_cast<size_t>(std::max(routes, 0)), MvrsRouteTotals());
-        } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
-          routeTotal = Add16(routeTotal, 1);
-          MvrsRouteTotals& route = entry(NumberOf(hif.Item("RouteNbr")));
-          route.MeterCount = ToInt16(NumberOf(hif.Item("PrvReading")));
-          route.RouteNumber = TextOf(hif.Item("Initials"));
-          const std::vector<std::string> user = Elements(hif.Item("User1"), 5);
-          route.Region = user[0];
-          route.Zone = user[1];
-          route.Office = user[2];
-          double date = 0.0;
-          if (ReadDateText(user[3], date)) route.ScheduledReadDate = date;
-          route.NumberRemoteWandReads = ToInt16(NumericPrefix(user[4]));
-        } else if (recType == kRecMeter) {
-          meterTotal = Add16(meterTotal, 1);
-          readTotal = Add16(readTotal, 1);
-          customerTotal = Add16(customerTotal, 1);
-          MvrsRouteTotals& route = entry(NumberOf(hif.Item("RouteNbr")));
-          route.Meters = Add16(route.Meters, 1);
-          const int32_t type = NumberOf(hif.Item("MeterType"));
-          if (type == 1) route.Water = Add16(route.Water, 1);
-          if (type == 2) route.Gas = Add16(route.Gas, 1);
-          if (type == 3) route.Electric = Add16(route.Electric, 1);
-          const int32_t status = NumberOf(hif.Item("Status"));
-          const int32_t readType = NumberOf(hif.Item("ReadType"));
-          if (status == 0 || (status == 1 && readType == 0)) route.Missed = Add16(route.Missed, 1);
-          if (status == 1 && readType == 1) route.Radio = Add16(route.Radio, 1);
-          if (status == 1 && readType == 2) route.Keyed = Add16(route.Keyed, 1);
-          if (status == 1 && readType == 3) route.Probe = Add16(route.Probe, 1);
-          if (status == 1 && readType == 4) route.Skipped = Add16(route.Skipped, 1);
-        }
-      });
-    }
-
-    auto writeFile = [&](const char* kind) {
-      clsRecType& line = *upload.SetupRecord(kind);
-      line.SetValue("NewServiceIndicator", Value("N"));
-      line.SetValue("ChangeMeterIndicator", Value("N"));
-      line.SetValue("ExtendedIndicator", Value("N"));
-      line.SetValue("NumberRoutes", Value::Long(routeTotal));
-      line.SetValue("NumberCustomerRecords", Value::Long(customerTotal));
-      line.SetValue("NumberMeterRecords", Value::Long(meterTotal));
-      line.SetValue("NumberReadRecords", Value::Long(readTotal));
-      line.SetValue("FileTrailerLineNumber", Value::Long(0));
-      upload.WriteRecord(line);
-    };
-    auto writeRoute = [&](const char* kind, int32_t index) {
-      const MvrsRouteTotals& route = entry(index);
-      clsRecType& line = *upload.SetupRecord(kind);
-      line.SetValue("RouteNumber", Value(route.RouteNumber));
-      line.SetValue("Region", Value(route.Region));
-      line.SetValue("Zone", Value(route.Zone));
-      line.SetValue("Office", Value(route.Office));
-      line.SetValue("ScheduledReadDate", Value::Date(route.ScheduledReadDate));
-      line.SetValue("NumberRemoteWandReads", Value::Long(route.NumberRemoteWandReads));
-      for (const char* name : {"NumberCustomerRecords", "TotalCustomerRecords", "NumberMeterRecords",
-                               "TotalMeterRecords", "NumberReadingRecords", "TotalNumberReadingRecords"}) {
-        line.SetValue(name, Value::Long(route.Meters));
-      }
-      line.SetValue("NumberWaterMeters", Value::Long(route.Water));
-      line.SetValue("NumberGasMeters", Value::Long(route.Gas));
-      line.SetValue("NumberElectricMeters", Value::Long(route.Electric));
-      line.SetValue("NumberMissedReadings", Value::Long(route.Missed));
-      line.SetValue("TotalNumberOffsiteRadioReadings", Value::Long(route.Radio));
-      line.SetValue("TotalNumberKeyedReadings", Value::Long(route.Keyed));
-      line.SetValue("TotalNumberOpticalProbeReadings", Value::Long(route.Probe));
-      line.SetValue("NumberSkippedReadings", Value::Long(route.Skipped));
-      for (const char* name : {"TotalNumberKeys", "NumberLocationMeters", "NumberExtraMeters",
-                               "TotalNumberDemandMeters"}) {
-        line.SetValue(name, Value::Long(0));
-      }
-      for (const char* name : {"SurveyIndicator", "RouteMessageIndicator", "ResequenceFlag",
-                               "MeterReaderStatisticsRecord", "ForceCompleteFlag", "TypeResequenceFlag"}) {
-        line.SetValue(name, Value("N"));
-      }
-      line.SetValue("OriginalSequenceFlag", Value("Y"));
-      line.SetValue("TimeUsedtoReadRoute", Value::Long(0));
-      line.SetValue("ForceCompleteCode", Value("00"));
-      line.SetValue("TypeRoute", Value(" "));
-      upload.WriteRecord(line);
-    };
-
-    // Pass 2, from the start of the file again.
-    ActiveHIF.reset();
-    step(open);
-    step([&] { writeFile("FHD"); });
-    int32_t current = 0;
-    while (ActiveHIF && next(more)) {
-      clsHIF& hif = *ActiveHIF;
-      shell.SetProgressButton(255, 127 + hif.Position255() / 2);
-      int32_t recType = -1;
-      step([&] { recType = NumberOf(hif.Item("RecType")); });
-      if (recType != kRecMeter) continue;
-
-      int32_t routeNbr = current;
-      step([&] { routeNbr = NumberOf(hif.Item("RouteNbr")); });
-      if (routeNbr != current) {
-        if (current != 0) step([&] { writeRoute("RTR", current); });
-        step([&] { writeRoute("RHD", routeNbr); });
-        current = routeNbr;
-      }
-      MvrsReadCustomer customer;
-      MvrsReadMeter meter;
-      int32_t status = 0;
-      int32_t readType = 0;
-      int32_t responseCode = 0;
-      step([&] {
-        customer = MvrsReadCustomer();
-        meter = MvrsReadMeter();
-        const std::string address = TextOf(hif.Item("ServiceAddress"));
-        customer.Address1 = Fixed20(address, 0);
-        customer.Address2 = Fixed20(address, 20);
-        customer.Address3 = Fixed20(address, 40);
-        const std::string name = TextOf(hif.Item("BillingName"));
-        customer.Name = Fixed20(name, 0);
-        customer.Name2 = Fixed20(name, 20);
-        const std::vector<std::string> user1 = Elements(hif.Item("User1"), 8);
-        customer.Account = user1[1];  // over ServiceUniqueID
-        customer.GroupCode = user1[2];
-        customer.ExtraIndicator = user1[3];
-        customer.SegmentCode = user1[4];
-        customer.PassThru = user1[5];
-        customer.CustomerInfo = user1[6];
-
-        meter.MeterNumber = TextOf(hif.Item("MeterSerialNbr"));
-        meter.ReadSequence = NumberOf(hif.Item("Sequence"));
-        meter.TagNumber = NumberOf(hif.Item("MeterTagNbr"));
-        static const char* const kCategories[] = {"W", "G", "E", "S", "I"};
-        const int32_t type = NumberOf(hif.Item("MeterType"));
-        if (type >= 1 && type <= 5) meter.MeterCategory = kCategories[type - 1];
-        meter.NumberDials = NumberOf(hif.Item("Digits"));
-        meter.NumberDecimals = NumberOf(hif.Item("Decimals"));
-        meter.CurReading = NumberOf(hif.Item("CurReading"));
-        meter.PreviousReading = NumberOf(hif.Item("PrvReading"));
-        status = NumberOf(hif.Item("Status"));
-        readType = NumberOf(hif.Item("ReadType"));
-        const std::string readingDate = TextOf(hif.Item("ReadingDate"));
-        if (NumericPrefix(readingDate) != 0 && status != 0) {
-          const std::string date = readingDate.substr(std::min<size_t>(4, readingDate.size()), 2) + "/" +
-                                   readingDate.substr(std::min<size_t>(6, readingDate.size()), 2) + "/" +
-                                   readingDate.substr(0, 4);
-          if (!ReadDateText(date, meter.ReadDate)) throw Failure(fail::kTypeMismatch);
-          meter.ReadTimeNumber = NumberOf(hif.Item("ReadingTime"));
-        }
-        responseCode = NumberOf(hif.Item("ResponseCode"));
-        meter.ResponseCodeText = TextOf(hif.Item("ResponseCode"));
-        meter.ResponseTextCopy = TextOf(hif.Item("ResponseText"));
-
-        const std::vector<std::string> user2 = Elements(hif.Item("User2"), 14);
-        meter.GroupCode = user2[0];
-        meter.SurveyCode1DisplayIndicator = user2[1];
-        meter.SurveyCode2DisplayIndicator = user2[2];
-        meter.BillCode = user2[3];
-        meter.MeterStatus = user2[4];
-        meter.OpticalProbeID = user2[5];
-        meter.MeterType = user2[6] == "W" ? "00" : user2[6];
-        meter.MeterLocation = user2[7];
-        meter.ReadInstruction1 = Val(user2[8]);
-        meter.ReadInstruction2 = Val(user2[9]);
-        meter.SpecialMessageDisplayIndicator = Val(user2[10]);
-        // One short of where the route conversion put it: the survey text's
-        // first letter lands here.
-        meter.LocationExtraMeter = user2[11];
-        const std::vector<std::string> user3 = Elements(hif.Item("User3"), 9);
-        meter.TextPrompt = user3[0];
-        meter.ReadDirection = user3[1];
-        meter.CompareCode = user3[2];
-        meter.ValidationCode = user3[3];
-        meter.MeterConstant = user3[5];
-        meter.ConstantFlag = user3[6];
-        meter.HHFPosition = user3[7];
-        const std::vector<std::string> user4 = Elements(hif.Item("User4"), 6);
-        meter.GeographicArea = Val(user4[0]);
-        meter.RFFrequency = user4[1];
-        meter.RFTone = user4[2];
-        meter.ERTType = user4[3];
-        meter.DeviceID = user4[4];
-        meter.WandProgram = user4[5];
-        meter.SpecialMessage = Elements(hif.Item("User5"), 9)[0];
-        const char* method = ReadMethodOf(readType);
-        meter.NewReadMethod = status == 0 ? "N" : (method != nullptr ? method : "");
-      });
-      const std::string meterNumber = Trim(meter.MeterNumber) == "0" ? " " : meter.MeterNumber;
-
-      step([&] {
-        clsRecType& line = *upload.SetupRecord("CUS");
-        line.SetValue("RouteNumber", Value(entry(current).RouteNumber));
-        line.SetValue("NumberMeters", Value::Long(1));
-        line.SetValue("Account", Value(customer.Account));
-        line.SetValue("Name", Value(customer.Name));
-        line.SetValue("Address1", Value(customer.Address1));
-        line.SetValue("Address2", Value(customer.Address2));
-        line.SetValue("GroupCode", Value(customer.GroupCode));
-        line.SetValue("ExtraIndicator", Value(customer.ExtraIndicator));
-        line.SetValue("SegmentCode", Value(customer.SegmentCode));
-        line.SetValue("UtilityID", Value(customer.UtilityID));
-        line.SetValue("PassThru", Value(customer.PassThru));
-        line.SetValue("CustomerInfo", Value(customer.CustomerInfo));
-        line.SetValue("ExceptionCode", Value(" "));
-        line.SetValue("Reserved", Value("00"));
-        upload.WriteRecord(line);
-      });
-      if (customer.ExtraIndicator == "Y") {
-        step([&] {
-          clsRecType& line = *upload.SetupRecord("CSX");
-          line.SetValue("RouteNumber", Value(entry(current).RouteNumber));
-          line.SetValue("Account", Value(customer.Account));
-          line.SetValue("Name", Value(customer.Name2));
-          line.SetValue("NewCustomerInfo", Value(customer.CustomerInfo));
-          line.SetValue("Address3", Value(customer.Address3));
-          upload.WriteRecord(line);
-        });
-      }
-      step([&] {
-        clsRecType& line = *upload.SetupRecord("MTR");
-        line.SetValue("RouteNumber", Value(entry(current).RouteNumber));
-        line.SetValue("NumberReadings", Value::Long(1));
-        line.SetValue("GroupCode", Value(meter.GroupCode));
-        line.SetValue("SurveyCode1DisplayIndicator", Value(meter.SurveyCode1DisplayIndicator));
-        line.SetValue("SurveyCode2DisplayIndicator", Value(meter.SurveyCode2DisplayIndicator));
-        line.SetValue("BillCode", Value(meter.BillCode));
-        line.SetValue("MeterStatus", Value(meter.MeterStatus));
-        line.SetValue("OpticalProbeID", Value(meter.OpticalProbeID));
-        line.SetValue("MeterType", Value(meter.MeterType));
-        line.SetValue("MeterNumber", Value(meterNumber));
-        line.SetValue("ReadSequence", Value::Long(meter.ReadSequence));
-        line.SetValue("NewReadSequence", Value::Long(meter.ReadSequence));
-        std::string location = "00";
-        if (meter.MeterLocation.find('.') == std::string::npos) {
-          location = std::to_string(Val(meter.MeterLocation));
-          while (location.size() < 2) location.insert(0, "0");
-        }
-        line.SetValue("MeterLocation", Value(location));
-        line.SetValue("ReadInstruction1", Value::Long(meter.ReadInstruction1));
-        line.SetValue("ReadInstruction2", Value::Long(meter.ReadInstruction2));
-        line.SetValue("SpecialMessageDisplayIndicator", Value::Long(meter.SpecialMessageDisplayIndicator));
-        line.SetValue("SpecialMessageIndicator", Value(Trim(meter.SpecialMessage).empty() ? "N" : "Y"));
-        line.SetValue("TroubleMessageIndicator",
-                      Value(responseCode > 0 || !meter.ResponseTextCopy.empty() ? "Y" : "N"));
-        line.SetValue("SurveyResponse1", Value(" "));
-        line.SetValue("SurveyResponse2", Value(" "));
-        line.SetValue("MeterChangeOutIndicator", Value("N"));
-        line.SetValue("ChangeMeterRecordIndicator", Value("N"));
-        line.SetValue("MeterCategory", Value(meter.MeterCategory));
-        line.SetValue("LocationExtraMeter", Value(meter.LocationExtraMeter));
-        line.SetValue("TimeCode", Value::Long(0));
-        line.SetValue("OriginalAdditionalMeterInfo", line.GetValue("MeterNumber"));
-        line.SetValue("Reserved2", Value("0000000000"));
-        line.SetValue("Reserved3", Value("00"));
-        line.SetValue("Reserved4", Value("0000000000"));
-        for (const char* name : {"Reserved5", "Reserved6", "Reserved7"}) line.SetValue(name, Value("0"));
-        upload.WriteRecord(line);
-      });
-      if (!Trim(meter.SpecialMessage).empty()) {
-        step([&] {
-          clsRecType& line = *upload.SetupRecord("MTS");
-          line.SetValue("RouteNumber", Value(entry(current).RouteNumber));
-          line.SetValue("MeterNumber", Value(meterNumber));
-          line.SetValue("SpecialMessageText", Value(Trim(meter.SpecialMessage)));
-          upload.WriteRecord(line);
-        });
-      }
-      step([&] {
-        clsRecType& line = *upload.SetupRecord("RDG");
-        line.SetValue("RouteNumber", Value(entry(current).RouteNumber));
-        line.SetValue("TextPrompt", Value(meter.TextPrompt));
-        line.SetValue("ReadDirection", Value(meter.ReadDirection));
-        line.SetValue("CompareCode", Value(meter.CompareCode));
-        line.SetValue("ValidationCode", Value(meter.ValidationCode));
-        line.SetValue("PromptCode", Value(" "));
-        line.SetValue("ChannelNumber", Value::Long(0));
-        const std::string reason = "00" + meter.ResponseCodeText;
-        line.SetValue("ReadReason", Value(reason.substr(reason.size() - 2)));
-        if (const char* method = ReadMethodOf(readType)) line.SetValue("ReadMethod", Value(method));
-        line.SetValue("MeterConstant", Value(meter.MeterConstant));
-        line.SetValue("ConstantFlag", Value(meter.ConstantFlag));
-        line.SetValue("Reading", Value::Long(meter.CurReading));
-        line.SetValue("ReadOrder", Value::Long(1));
-        line.SetValue("ReadDate", Value(meter.ReadDate == 0.0 ? std::string("00000000")
-                                                              : FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
-        line.SetValue("ReadTime", Value(FormatZeros(meter.ReadTimeNumber, 6)));
-        if (status == 0) {
-          line.SetValue("ReadCode", Value(readType == 4 || (readType == 2 && meter.CurReading == 0) ? "S" : " "));
-        } else if (readType == 0) {
-          line.SetValue("ReadCode", Value(" "));
-        } else if (readType == 1 || readType == 3) {
-          line.SetValue("ReadCode", Value("N"));
-        } else if (readType == 2) {
-          line.SetValue("ReadCode", Value("O"));
-        } else if (readType == 4) {
-          line.SetValue("ReadCode", Value("S"));
-        }
-        line.SetValue("ReadReason", Value::Long(0));
-        for (const char* name : {"ReadAuditResult", "TroubleCode1", "TroubleCode2", "AuditCounter", "ClearCounter",
-                                 "ElapsedTime", "ReadTypeCode"}) {
-          line.SetValue(name, Value::Long(0));
-        }
-        line.SetValue("UnprocessedReadFlag", Value("N"));
-        line.SetValue("MeterReaderID", Value("TRAV"));
-        line.SetValue("NewNumberDials", Value::Long(meter.NumberDials));
-        line.SetValue("NewNumberDecimals", Value::Long(meter.NumberDecimals));
-        line.SetValue("NewReadMethod", Value(meter.NewReadMethod));
-        line.SetValue("MeterConstantVerified", Value(" "));
-        line.SetValue("HHFPosition", Value(meter.HHFPosition));
-        line.SetValue("NewMeterConstant", Value(meter.MeterConstant));
-        line.SetValue("PreviousReading", Value::Long(meter.PreviousReading));
-        if (meter.NumberDecimals != 0) {
-          const double scaled = std::floor(meter.CurReading / PowerOfTen(meter.NumberDecimals));
-          line.SetValue("Reading", Value::Double(scaled));
-        }
-        for (const char* name : {"Reserved1", "Reserved3", "Reserved4", "Reserved5", "Reserved6"}) {
-          line.SetValue(name, Value("0"));
-        }
-        upload.WriteRecord(line);
-      });
-      // The route's read method isn't carried back, so none of these runs.
-      if (meter.ReadMethod == "P") {
-        step([&] {
-          WriteProbeLine(upload, entry(current).RouteNumber, meter.OpticalProbeID, meter.ReadDate,
-                         meter.ReadTimeNumber);
-        });
-      }
-      if (meter.ReadMethod == "R" || meter.ReadMethod == "W") {
-        step([&] {
-          clsRecType& line = *upload.SetupRecord(meter.ReadMethod == "R" ? "RFF" : "WRR");
-          line.SetValue("RouteNumber", Value(entry(current).RouteNumber));
-          if (meter.ReadMethod == "R") {
-            line.SetValue("RFERTID", Value::Long(meter.TagNumber));
-            line.SetValue("GeographicArea", Value::Long(meter.GeographicArea));
-            line.SetValue("RFFrequency", Value(meter.RFFrequency));
-            line.SetValue("RFTone", Value(meter.RFTone));
-            line.SetValue("ERTType", Value(meter.ERTType));
-            line.SetValue("Tamper", Value::Long(0));
-          } else {
-            line.SetValue("TamperStatus", Value(""));
-            line.SetValue("DeviceID", Value(meter.DeviceID));
-            line.SetValue("WandProgram", Value(meter.WandProgram));
-          }
-          line.SetValue("ReadDate", Value(FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
-          line.SetValue("ReadTime", Value::Long(meter.ReadTimeNumber));
-          double reading = meter.CurReading;
-          if (meter.NumberDecimals != 0) reading /= PowerOfTen(meter.NumberDecimals);
-          line.SetValue("Reading", Value::Double(reading));
-          line.SetValue("VisualReadIndicator", Value(readType == 2 ? "Y" : "N"));
-          upload.WriteRecord(line);
-        });
-      }
-    }
-    if (current != 0) step([&] { writeRoute("RTR", current); });
-    step([&] { writeFile("FTR"); });
+    run.upload.CreateFile(std::string(Trim(ReadingDestination)));
+    CountRoutes(run);
+    WriteReadingFile(run);
   } catch (const Aborted&) {
     return false;
   }
-  upload.Finish();
+  run.upload.Finish();
   return true;
 }
 

@@ -4,6 +4,7 @@
 // the five user fields.
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "formats/mvrs/clsMVRSDownload.h"
@@ -80,6 +81,320 @@ MvrsRouteEntry& EntryAt(std::vector<MvrsRouteEntry>& table, int32_t index) {
   return table[static_cast<size_t>(index - 1)];
 }
 
+// What pass 1 learns: the routes, and the totals that the header needs.
+struct MvrsRouteCounts {
+  std::vector<MvrsRouteEntry> table;  // from 1
+  int16_t customerTotal = 0;
+  int16_t meterTotal = 0;
+  int16_t meterLines = 0;
+};
+
+// Pass 1: the routes of the "CHD" and "RHD" lines, and the meters of the
+// "MTR" lines under each.
+MvrsRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
+  MvrsRouteCounts counts;
+  int16_t routeTotal = 0;
+  Value cycleDate = Value::Date(0);
+  int32_t filled = 0;
+  while (clsRecType* record = reader.ReadNext()) {
+    shell.SetProgressButton(765, reader.Position255());
+    const std::string& kind = record->IDText;
+    if (kind == "FHD") {
+      routeTotal = counts.customerTotal = counts.meterTotal = 0;
+    } else if (kind == "CHD") {
+      cycleDate = record->GetValue("CycleDate");
+      const int32_t routes = Number(*record, "NumberRoutes");
+      routeTotal = Add16(routeTotal, routes == 0 ? 1 : routes);
+      counts.table.resize(static_cast<size_t>(std::max<int16_t>(routeTotal, 0)));
+    } else if (kind == "RHD") {
+      counts.customerTotal = Add16(counts.customerTotal, Number(*record, "NumberCustomerRecords"));
+      counts.meterTotal = Add16(counts.meterTotal, Number(*record, "NumberMeterRecords"));
+      MvrsRouteEntry& entry = EntryAt(counts.table, ++filled);
+      entry.RouteNumber = Text(*record, "RouteNumber");
+      entry.Region = Text(*record, "Region");
+      entry.Zone = Text(*record, "Zone");
+      entry.Office = Text(*record, "Office");
+      entry.CycleDate = cycleDate;
+      entry.NumberRemoteWandReads = ToInt16(Number(*record, "NumberRemoteWandReads"));
+    } else if (kind == "MTR") {
+      MvrsRouteEntry& entry = EntryAt(counts.table, filled);
+      entry.MeterCount = Add16(entry.MeterCount, 1);
+      counts.meterLines = Add16(counts.meterLines, 1);
+    }
+  }
+  return counts;
+}
+
+// The file header: the routes, the meters, and the totals of the route
+// headers.
+void WriteHeaderRecord(clsExchange& exchange, const MvrsRouteCounts& counts, const std::string& source) {
+  const ExchangeEnvironment& env = exchange.Environment();
+  clsHIF& hif = *exchange.ActiveHIF;
+  const CivilTime now = env.clock.Now();
+  hif.AddNew();
+  hif.SetItem("RecType", Value::Long(kRecFileHeader));
+  hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(counts.table.size())));
+  hif.SetItem("Sequence", Value::Long(DateNumber(now)));
+  hif.SetItem("MeterTagNbr", Value::Long(TimeNumber(now)));
+  hif.SetItem("MeterType", Value::Long(LookupFileVersion(env.shell, kProgramMajor, kProgramMinor)));
+  hif.SetItem("PrvReading", Value::Long(counts.meterLines));
+  // The pattern stands where the value should: the text comes back as it
+  // went in. No reader looks at this field.
+  hif.SetItem("ReadingDate", Value("yyyymmdd"));
+  hif.SetItem("Initials", Value("HIF loaded from " + source));
+  hif.SetItem("User1", Value(clsExchange::CombineUser({Str(counts.customerTotal), Str(counts.meterTotal)})));
+  hif.WriteData();
+}
+
+// One route record a table entry, in table order.
+void WriteRouteRecords(clsHIF& hif, const std::vector<MvrsRouteEntry>& table) {
+  for (size_t i = 0; i < table.size(); ++i) {
+    const MvrsRouteEntry& entry = table[i];
+    hif.AddNew();
+    hif.SetItem("RecType", Value::Long(kRecRouteHeader));
+    hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(i + 1)));
+    hif.SetItem("PrvReading", Value::Long(entry.MeterCount));
+    hif.SetItem("Initials", Value(entry.RouteNumber));
+    hif.SetItem("ResponseText", Value(entry.RouteNumber));
+    hif.SetItem("User1", Value(clsExchange::CombineUser({entry.Region, entry.Zone, entry.Office,
+                                                         TextOf(entry.CycleDate), Str(entry.NumberRemoteWandReads)})));
+    hif.WriteData();
+  }
+}
+
+// Pass 2's working records: the route, the customer and the meter being
+// folded into one HIF record.
+struct MvrsFold {
+  MvrsFold(clsExchange& exchange, const std::vector<MvrsRouteEntry>& table)
+      : exchange(exchange), table(table), radioOption(exchange.ActiveMap->MapOptions(1) == "Y") {}
+
+  clsExchange& exchange;
+  const std::vector<MvrsRouteEntry>& table;
+  const bool radioOption;
+  int32_t route = 0;  // the lower bound of the route list until the first route
+  std::string routeNumber;
+  MvrsCustomer customer;
+  MvrsMeter meter;
+};
+
+// What the handheld doesn't use but the reading file must give back, packed
+// in the five user fields.
+void SetUserFields(clsHIF& hif, const MvrsCustomer& customer, const MvrsMeter& meter) {
+  hif.SetItem("User1", Value(clsExchange::CombineUser({Str(customer.CustomerSlot), customer.Account,
+                                                       customer.GroupCode, customer.ExtraIndicator,
+                                                       customer.SegmentCode, customer.PassThru,
+                                                       customer.CustomerInfo})));
+  hif.SetItem("User2", Value(clsExchange::CombineUser(
+                           {meter.GroupCode, meter.SurveyCode1DisplayIndicator, meter.SurveyCode2DisplayIndicator,
+                            meter.BillCode, meter.MeterStatus, meter.OpticalProbeID, Str(meter.MeterType),
+                            meter.MeterLocation, Str(meter.ReadInstruction1), Str(meter.ReadInstruction2),
+                            Str(meter.SpecialMessageDisplayIndicator), meter.SurveyText1, meter.LocationExtraMeter,
+                            meter.AdditionalMeterInfo, meter.ReadSequenceText})));
+  hif.SetItem("User3", Value(clsExchange::CombineUser({meter.TextPrompt, meter.ReadDirection, Str(meter.CompareCode),
+                                                       Str(meter.ValidationCode), meter.ReadMethod,
+                                                       Str(meter.MeterConstant), Str(meter.ConstantFlag),
+                                                       Str(meter.HHFPosition), Str(meter.NumberDecimals)})));
+  hif.SetItem("User4", Value(clsExchange::CombineUser({Str(meter.GeographicArea), meter.RFFrequency, meter.RFTone,
+                                                       "", meter.DeviceID, meter.WandProgram})));
+  hif.SetItem("User5", Value(clsExchange::CombineUser({meter.SpecialMessageText})));
+}
+
+// The pending meter as one HIF record of the current route.
+void WriteMeterRecord(MvrsFold& fold) {
+  const MvrsCustomer& customer = fold.customer;
+  const MvrsMeter& meter = fold.meter;
+  clsHIF& hif = *fold.exchange.ActiveHIF;
+  const std::string tag = Str(meter.TagNumber);
+  hif.AddNew();
+  hif.SetItem("RecType", Value::Long(kRecMeter));
+  hif.SetItem("RouteNbr", Value::Long(fold.route));
+  hif.SetItem("Sequence", Value::Long(meter.ReadSequence));
+  hif.SetItem("MeterTagNbr", Value::Long(meter.TagNumber));
+  static const std::string kCategories = "WGESI";
+  if (meter.MeterCategory.size() == 1 && kCategories.find(meter.MeterCategory[0]) != std::string::npos) {
+    hif.SetItem("MeterType", Value::Long(static_cast<int32_t>(kCategories.find(meter.MeterCategory[0]) + 1)));
+  }
+  hif.SetItem("Digits", Value::Long(meter.NumberDials));
+  hif.SetItem("Decimals", Value::Long(meter.NumberDecimals));
+  hif.SetItem("PrvReading", Value::Long(meter.PreviousReading));
+  hif.SetItem("MaxReading", Value::Long(meter.High1));
+  hif.SetItem("MinReading", Value::Long(meter.Low1));
+  hif.SetItem("Status", Value::Long(0));
+  if (meter.ReadMethod == "K") hif.SetItem("ReadType", Value::Long(2));
+  if (meter.ReadMethod == "P" || meter.ReadMethod == "W") hif.SetItem("ReadType", Value::Long(3));
+  if (meter.ReadMethod == "R") hif.SetItem("ReadType", Value::Long(1));
+  if (meter.ReadMethod == "N") hif.SetItem("ReadType", Value::Long(0));
+  hif.SetItem("LstReadingDate", Value::Long(0));
+  hif.SetItem("TamperCount", Value::Long(meter.Tamper));
+  hif.SetItem("UtilityCode", Value(customer.UtilityID));
+  hif.SetItem("Lat", Value::Long(0));
+  hif.SetItem("Lng", Value::Long(0));
+  hif.SetItem("InitPulseCount", Value::Long(0));
+  hif.SetItem("InitTamperCount", Value::Long(0));
+  hif.SetItem("Message", Value(fold.exchange.Advanced().LookupMessage(
+                             std::string(Trim(meter.SpecialMessageText)), fold.routeNumber,
+                             std::string(Trim(customer.Account)), std::string(Trim(meter.MeterNumber)),
+                             std::string(Trim(tag)))));
+  hif.SetItem("ServiceAddress", Value(std::string(Trim(customer.Address1 + customer.Address2 + customer.Address3))));
+  hif.SetItem("BillingName", Value(std::string(Trim(customer.Name + customer.Name2))));
+  hif.SetItem("ServiceUniqueID", Value(customer.Account));
+  hif.SetItem("MeterSerialNbr", Value(meter.MeterNumber));
+  hif.SetItem("ReceiverData", Value(""));
+  SetUserFields(hif, customer, meter);
+  hif.WriteData();
+}
+
+// Writes the pending meter, if any, counts it and hands it to the index.
+void FlushMeter(MvrsFold& fold) {
+  if (!fold.meter.Pending) return;
+  clsExchange& exchange = fold.exchange;
+  WriteMeterRecord(fold);
+  ++exchange.MetersWritten;
+  fold.meter = MvrsMeter();
+  if (exchange.CreateIndexes) {
+    clsHIF& hif = *exchange.ActiveHIF;
+    exchange.UpdateIndexes(NumberOf(hif.Item("RouteNbr")), exchange.MeterRecordNumber,
+                           TextOf(hif.Item("MeterTagNbr")), TextOf(hif.Item("MeterSerialNbr")),
+                           TextOf(hif.Item("BillingName")), TextOf(hif.Item("ServiceAddress")),
+                           TextOf(hif.Item("ServiceUniqueID")));
+  }
+  exchange.MeterRecordNumber = Add16(exchange.MeterRecordNumber, 1);
+}
+
+// "RHD": the route of the table with the line's number, or one past the
+// table's end when none has it.
+void TakeRouteLine(MvrsFold& fold, const clsRecType& line) {
+  FlushMeter(fold);
+  fold.routeNumber = Text(line, "RouteNumber");
+  fold.route = static_cast<int32_t>(fold.table.size()) + 1;
+  for (size_t i = 0; i < fold.table.size(); ++i) {
+    if (fold.table[i].RouteNumber == fold.routeNumber) {
+      fold.route = static_cast<int32_t>(i + 1);
+      break;
+    }
+  }
+}
+
+// "CUS": a new working customer.
+void TakeCustomerLine(MvrsFold& fold, const clsRecType& line) {
+  FlushMeter(fold);
+  MvrsCustomer& customer = fold.customer;
+  customer = MvrsCustomer();
+  customer.Name = MvrsCustomer::Fixed20(Text(line, "Name"));
+  customer.Address1 = MvrsCustomer::Fixed20(Text(line, "Address1"));
+  customer.Address2 = MvrsCustomer::Fixed20(Text(line, "Address2"));
+  customer.UtilityID = Text(line, "UtilityID");
+  customer.Account = Text(line, "Account");
+  customer.GroupCode = Text(line, "GroupCode");
+  customer.ExtraIndicator = Text(line, "ExtraIndicator");
+  customer.SegmentCode = Text(line, "SegmentCode");
+  customer.PassThru = Text(line, "PassThru");
+  customer.CustomerInfo = Text(line, "CustomerInfo");
+}
+
+// "MTR": a new pending meter. With the radio option, an 8-digit meter number
+// is the transponder's, and the meter reads by radio.
+void TakeMeterLine(MvrsFold& fold, const clsRecType& line) {
+  FlushMeter(fold);
+  MvrsMeter& meter = fold.meter;
+  meter = MvrsMeter();
+  meter.Pending = true;
+  meter.MeterNumber = Text(line, "MeterNumber");
+  meter.MeterCategory = Text(line, "MeterCategory");
+  meter.MeterType = Number(line, "MeterType");
+  meter.GroupCode = Text(line, "GroupCode");
+  // Through a number and back: leading zeros go.
+  meter.MeterLocation = Str(ToInt32(NumericPrefix(Text(line, "MeterLocation"))));
+  meter.NumberReadings = Number(line, "NumberReadings");
+  meter.SurveyCode1DisplayIndicator = Text(line, "SurveyCode1DisplayIndicator");
+  meter.SurveyCode2DisplayIndicator = Text(line, "SurveyCode2DisplayIndicator");
+  meter.BillCode = Text(line, "BillCode");
+  meter.MeterStatus = Text(line, "MeterStatus");
+  meter.OpticalProbeID = Text(line, "OpticalProbeID");
+  meter.ReadInstruction1 = Number(line, "ReadInstruction1");
+  meter.ReadInstruction2 = Number(line, "ReadInstruction2");
+  meter.SpecialMessageDisplayIndicator = Number(line, "SpecialMessageDisplayIndicator");
+  meter.LocationExtraMeter = Text(line, "LocationExtraMeter");
+  meter.AdditionalMeterInfo = Text(line, "AdditionalMeterInfo");
+  const int32_t sequence = Number(line, "ReadSequence");
+  meter.ReadSequence = sequence >= -32768 && sequence <= 32767 ? static_cast<int16_t>(sequence) : 0;
+  meter.ReadSequenceText = Str(sequence);
+  double number = 0.0;
+  if (fold.radioOption && Trim(meter.MeterNumber).size() == 8 && ParseWholeNumber(meter.MeterNumber, number)) {
+    meter.TagNumber = ToInt32(number);
+    meter.Radio = true;
+  }
+}
+
+// "RFF": the transponder, whose tag must not be one seen before.
+void TakeRadioLine(MvrsFold& fold, const clsRecType& line, int32_t lineNo) {
+  MvrsMeter& meter = fold.meter;
+  meter.TagNumber = ToInt32(NumericPrefix(Text(line, "RFERTID")));
+  meter.GeographicArea = Number(line, "GeographicArea");
+  meter.RFFrequency = Text(line, "RFFrequency");
+  meter.RFTone = Text(line, "RFTone");
+  meter.Tamper = Number(line, "Tamper");
+  const MvrsCustomer& customer = fold.customer;
+  if (fold.exchange.CheckDuplicateTag(Str(meter.TagNumber), customer.Name + " " + customer.Address1, lineNo)) {
+    fold.exchange.HadProblems = true;
+  }
+}
+
+// "RDG": one reading a meter, so a second line overwrites the first.
+void TakeReadingLine(MvrsMeter& meter, const clsRecType& line) {
+  meter.NumberDials = Number(line, "NumberDials");
+  meter.PreviousReading = Number(line, "PreviousReading");
+  meter.TextPrompt = Text(line, "TextPrompt");
+  meter.ReadDirection = Text(line, "ReadDirection");
+  meter.CompareCode = Number(line, "CompareCode");
+  meter.ValidationCode = Number(line, "ValidationCode");
+  meter.ReadMethod = meter.Radio ? "R" : Text(line, "ReadMethod");
+  meter.MeterConstant = Number(line, "MeterConstant");
+  meter.ConstantFlag = Number(line, "ConstantFlag");
+  meter.HHFPosition = Number(line, "HHFPosition");
+  meter.NumberDecimals = Number(line, "NumberDecimals");
+  meter.High1 = Number(line, "High1");
+  meter.Low1 = Number(line, "Low1");
+}
+
+// One line of pass 2 into the working records; other kinds are passed over.
+void FoldLine(MvrsFold& fold, const clsRecType& line, int32_t lineNo) {
+  const std::string& kind = line.IDText;
+  if (kind == "RHD") {
+    TakeRouteLine(fold, line);
+  } else if (kind == "CUS") {
+    TakeCustomerLine(fold, line);
+  } else if (kind == "CSX") {
+    fold.customer.Name2 = MvrsCustomer::Fixed20(Text(line, "Name"));
+    fold.customer.Address3 = MvrsCustomer::Fixed20(Text(line, "Address3"));
+  } else if (kind == "MTR") {
+    TakeMeterLine(fold, line);
+  } else if (kind == "RTS") {
+    fold.meter.SurveyText1 = Text(line, "SurveyText1");
+    fold.meter.SurveyText2 = Text(line, "SurveyText2");
+  } else if (kind == "RFF") {
+    TakeRadioLine(fold, line, lineNo);
+  } else if (kind == "WRR") {
+    fold.meter.WandProgram = Text(line, "WandProgram");
+    fold.meter.DeviceID = Text(line, "DeviceID");
+  } else if (kind == "MTS") {
+    fold.meter.SpecialMessageText = Text(line, "SpecialMessageText");
+  } else if (kind == "RDG") {
+    TakeReadingLine(fold.meter, line);
+  }
+}
+
+// Pass 2: each meter with the lines that follow it, until the next meter,
+// customer or route, as one HIF record.
+void FoldMeters(clsExchange& exchange, clsMVRSDownload& reader, const std::vector<MvrsRouteEntry>& table) {
+  MvrsFold fold(exchange, table);
+  while (clsRecType* record = reader.ReadNext()) {
+    exchange.Environment().shell.SetProgressButton(765, reader.Position255() + 255);
+    FoldLine(fold, *record, reader.LineNo());
+  }
+  FlushMeter(fold);
+}
+
 }  // namespace
 
 std::string clsExchange::CombineUser(const std::vector<std::string>& values) {
@@ -97,248 +412,25 @@ std::string clsExchange::CombineUser(const std::vector<std::string>& values) {
 bool clsExchange::ConvertRouteMVRS() {
   HadWarnings = false;
   HadProblems = false;
-  const std::string source = Trim(RouteSource);
+  const std::string source(Trim(RouteSource));
   auto reader = std::make_unique<clsMVRSDownload>(&env_.shell);
   if (!reader->OpenFile(source)) return false;
+  const MvrsRouteCounts counts = CountRoutes(*reader, env_.shell);
 
-  // Pass 1: the routes and the totals that the header needs.
-  std::vector<MvrsRouteEntry> table;
-  int16_t routeTotal = 0;
-  int16_t customerTotal = 0;
-  int16_t meterTotal = 0;
-  int16_t meterLines = 0;
-  Value cycleDate = Value::Date(0);
-  int32_t filled = 0;
-  while (clsRecType* record = reader->ReadNext()) {
-    env_.shell.SetProgressButton(765, reader->Position255());
-    const std::string& kind = record->IDText;
-    if (kind == "FHD") {
-      routeTotal = customerTotal = meterTotal = 0;
-    } else if (kind == "CHD") {
-      cycleDate = record->GetValue("CycleDate");
-      const int32_t routes = Number(*record, "NumberRoutes");
-      routeTotal = Add16(routeTotal, routes == 0 ? 1 : routes);
-      table.resize(static_cast<size_t>(std::max<int16_t>(routeTotal, 0)));
-    } else if (kind == "RHD") {
-      customerTotal = Add16(customerTotal, Number(*record, "NumberCustomerRecords"));
-      meterTotal = Add16(meterTotal, Number(*record, "NumberMeterRecords"));
-      MvrsRouteEntry& entry = EntryAt(table, ++filled);
-      entry.RouteNumber = Text(*record, "RouteNumber");
-      entry.Region = Text(*record, "Region");
-      entry.Zone = Text(*record, "Zone");
-      entry.Office = Text(*record, "Office");
-      entry.CycleDate = cycleDate;
-      entry.NumberRemoteWandReads = ToInt16(Number(*record, "NumberRemoteWandReads"));
-    } else if (kind == "MTR") {
-      MvrsRouteEntry& entry = EntryAt(table, filled);
-      entry.MeterCount = Add16(entry.MeterCount, 1);
-      meterLines = Add16(meterLines, 1);
-    }
-  }
-
-  if (!RecordsFit(meterLines, static_cast<int32_t>(table.size()))) return false;
-  const int32_t records = meterLines + static_cast<int32_t>(table.size()) + 2 + kCodeRecordReserve;
+  const auto routes = static_cast<int32_t>(counts.table.size());
+  if (!RecordsFit(counts.meterLines, routes)) return false;
+  const int32_t records = counts.meterLines + routes + 2 + kCodeRecordReserve;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
   if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
     return Fail("Error: Could not Create Route HIF File");
   }
-  clsHIF& hif = *ActiveHIF;
-  const CivilTime now = env_.clock.Now();
-  hif.AddNew();
-  hif.SetItem("RecType", Value::Long(kRecFileHeader));
-  hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(table.size())));
-  hif.SetItem("Sequence", Value::Long(DateNumber(now)));
-  hif.SetItem("MeterTagNbr", Value::Long(TimeNumber(now)));
-  hif.SetItem("MeterType", Value::Long(LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor)));
-  hif.SetItem("PrvReading", Value::Long(meterLines));
-  // The pattern stands where the value should: the text comes back as it
-  // went in. No reader looks at this field.
-  hif.SetItem("ReadingDate", Value("yyyymmdd"));
-  hif.SetItem("Initials", Value("HIF loaded from " + source));
-  hif.SetItem("User1", Value(CombineUser({Str(customerTotal), Str(meterTotal)})));
-  hif.WriteData();
-  for (size_t i = 0; i < table.size(); ++i) {
-    const MvrsRouteEntry& entry = table[i];
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecRouteHeader));
-    hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(i + 1)));
-    hif.SetItem("PrvReading", Value::Long(entry.MeterCount));
-    hif.SetItem("Initials", Value(entry.RouteNumber));
-    hif.SetItem("ResponseText", Value(entry.RouteNumber));
-    hif.SetItem("User1", Value(CombineUser({entry.Region, entry.Zone, entry.Office, TextOf(entry.CycleDate),
-                                            Str(entry.NumberRemoteWandReads)})));
-    hif.WriteData();
-  }
+  WriteHeaderRecord(*this, counts, source);
+  WriteRouteRecords(*ActiveHIF, counts.table);
 
-  // Pass 2: each meter with the lines that follow it, until the next meter,
-  // customer or route.
   reader = std::make_unique<clsMVRSDownload>(&env_.shell);
   if (!reader->OpenFile(source)) return false;
   AutoNumber = 0;
-  const bool radioOption = ActiveMap->MapOptions(1) == "Y";
-  int32_t route = 0;  // the lower bound of the route list until the first route
-  std::string routeNumber;
-  MvrsCustomer customer;
-  MvrsMeter meter;
-
-  auto flush = [&] {
-    if (!meter.Pending) return;
-    const std::string tag = Str(meter.TagNumber);
-    hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecMeter));
-    hif.SetItem("RouteNbr", Value::Long(route));
-    hif.SetItem("Sequence", Value::Long(meter.ReadSequence));
-    hif.SetItem("MeterTagNbr", Value::Long(meter.TagNumber));
-    static const std::string kCategories = "WGESI";
-    if (meter.MeterCategory.size() == 1 && kCategories.find(meter.MeterCategory[0]) != std::string::npos) {
-      hif.SetItem("MeterType", Value::Long(static_cast<int32_t>(kCategories.find(meter.MeterCategory[0]) + 1)));
-    }
-    hif.SetItem("Digits", Value::Long(meter.NumberDials));
-    hif.SetItem("Decimals", Value::Long(meter.NumberDecimals));
-    hif.SetItem("PrvReading", Value::Long(meter.PreviousReading));
-    hif.SetItem("MaxReading", Value::Long(meter.High1));
-    hif.SetItem("MinReading", Value::Long(meter.Low1));
-    hif.SetItem("Status", Value::Long(0));
-    if (meter.ReadMethod == "K") hif.SetItem("ReadType", Value::Long(2));
-    if (meter.ReadMethod == "P" || meter.ReadMethod == "W") hif.SetItem("ReadType", Value::Long(3));
-    if (meter.ReadMethod == "R") hif.SetItem("ReadType", Value::Long(1));
-    if (meter.ReadMethod == "N") hif.SetItem("ReadType", Value::Long(0));
-    hif.SetItem("LstReadingDate", Value::Long(0));
-    hif.SetItem("TamperCount", Value::Long(meter.Tamper));
-    hif.SetItem("UtilityCode", Value(customer.UtilityID));
-    hif.SetItem("Lat", Value::Long(0));
-    hif.SetItem("Lng", Value::Long(0));
-    hif.SetItem("InitPulseCount", Value::Long(0));
-    hif.SetItem("InitTamperCount", Value::Long(0));
-    hif.SetItem("Message", Value(Advanced().LookupMessage(Trim(meter.SpecialMessageText), routeNumber,
-                                                          Trim(customer.Account), Trim(meter.MeterNumber),
-                                                          Trim(tag))));
-    hif.SetItem("ServiceAddress", Value(Trim(customer.Address1 + customer.Address2 + customer.Address3)));
-    hif.SetItem("BillingName", Value(Trim(customer.Name + customer.Name2)));
-    hif.SetItem("ServiceUniqueID", Value(customer.Account));
-    hif.SetItem("MeterSerialNbr", Value(meter.MeterNumber));
-    hif.SetItem("ReceiverData", Value(""));
-    hif.SetItem("User1", Value(CombineUser({Str(customer.CustomerSlot), customer.Account, customer.GroupCode,
-                                            customer.ExtraIndicator, customer.SegmentCode, customer.PassThru,
-                                            customer.CustomerInfo})));
-    hif.SetItem("User2", Value(CombineUser(
-                             {meter.GroupCode, meter.SurveyCode1DisplayIndicator, meter.SurveyCode2DisplayIndicator,
-                              meter.BillCode, meter.MeterStatus, meter.OpticalProbeID, Str(meter.MeterType),
-                              meter.MeterLocation, Str(meter.ReadInstruction1), Str(meter.ReadInstruction2),
-                              Str(meter.SpecialMessageDisplayIndicator), meter.SurveyText1, meter.LocationExtraMeter,
-                              meter.AdditionalMeterInfo, meter.ReadSequenceText})));
-    hif.SetItem("User3", Value(CombineUser({meter.TextPrompt, meter.ReadDirection, Str(meter.CompareCode),
-                                            Str(meter.ValidationCode), meter.ReadMethod, Str(meter.MeterConstant),
-                                            Str(meter.ConstantFlag), Str(meter.HHFPosition),
-                                            Str(meter.NumberDecimals)})));
-    hif.SetItem("User4", Value(CombineUser({Str(meter.GeographicArea), meter.RFFrequency, meter.RFTone, "",
-                                            meter.DeviceID, meter.WandProgram})));
-    hif.SetItem("User5", Value(CombineUser({meter.SpecialMessageText})));
-    hif.WriteData();
-    ++MetersWritten;
-    meter = MvrsMeter();
-    if (CreateIndexes) {
-      UpdateIndexes(NumberOf(hif.Item("RouteNbr")), MeterRecordNumber, TextOf(hif.Item("MeterTagNbr")),
-                    TextOf(hif.Item("MeterSerialNbr")), TextOf(hif.Item("BillingName")),
-                    TextOf(hif.Item("ServiceAddress")), TextOf(hif.Item("ServiceUniqueID")));
-    }
-    MeterRecordNumber = Add16(MeterRecordNumber, 1);
-  };
-
-  while (clsRecType* record = reader->ReadNext()) {
-    env_.shell.SetProgressButton(765, reader->Position255() + 255);
-    const clsRecType& line = *record;
-    const std::string& kind = line.IDText;
-    if (kind == "RHD") {
-      flush();
-      routeNumber = Text(line, "RouteNumber");
-      route = static_cast<int32_t>(table.size()) + 1;
-      for (size_t i = 0; i < table.size(); ++i) {
-        if (table[i].RouteNumber == routeNumber) {
-          route = static_cast<int32_t>(i + 1);
-          break;
-        }
-      }
-    } else if (kind == "CUS") {
-      flush();
-      customer = MvrsCustomer();
-      customer.Name = MvrsCustomer::Fixed20(Text(line, "Name"));
-      customer.Address1 = MvrsCustomer::Fixed20(Text(line, "Address1"));
-      customer.Address2 = MvrsCustomer::Fixed20(Text(line, "Address2"));
-      customer.UtilityID = Text(line, "UtilityID");
-      customer.Account = Text(line, "Account");
-      customer.GroupCode = Text(line, "GroupCode");
-      customer.ExtraIndicator = Text(line, "ExtraIndicator");
-      customer.SegmentCode = Text(line, "SegmentCode");
-      customer.PassThru = Text(line, "PassThru");
-      customer.CustomerInfo = Text(line, "CustomerInfo");
-    } else if (kind == "CSX") {
-      customer.Name2 = MvrsCustomer::Fixed20(Text(line, "Name"));
-      customer.Address3 = MvrsCustomer::Fixed20(Text(line, "Address3"));
-    } else if (kind == "MTR") {
-      flush();
-      meter = MvrsMeter();
-      meter.Pending = true;
-      meter.MeterNumber = Text(line, "MeterNumber");
-      meter.MeterCategory = Text(line, "MeterCategory");
-      meter.MeterType = Number(line, "MeterType");
-      meter.GroupCode = Text(line, "GroupCode");
-      // Through a number and back: leading zeros go.
-      meter.MeterLocation = Str(ToInt32(NumericPrefix(Text(line, "MeterLocation"))));
-      meter.NumberReadings = Number(line, "NumberReadings");
-      meter.SurveyCode1DisplayIndicator = Text(line, "SurveyCode1DisplayIndicator");
-      meter.SurveyCode2DisplayIndicator = Text(line, "SurveyCode2DisplayIndicator");
-      meter.BillCode = Text(line, "BillCode");
-      meter.MeterStatus = Text(line, "MeterStatus");
-      meter.OpticalProbeID = Text(line, "OpticalProbeID");
-      meter.ReadInstruction1 = Number(line, "ReadInstruction1");
-      meter.ReadInstruction2 = Number(line, "ReadInstruction2");
-      meter.SpecialMessageDisplayIndicator = Number(line, "SpecialMessageDisplayIndicator");
-      meter.LocationExtraMeter = Text(line, "LocationExtraMeter");
-      meter.AdditionalMeterInfo = Text(line, "AdditionalMeterInfo");
-      const int32_t sequence = Number(line, "ReadSequence");
-      meter.ReadSequence = sequence >= -32768 && sequence <= 32767 ? static_cast<int16_t>(sequence) : 0;
-      meter.ReadSequenceText = Str(sequence);
-      double number = 0.0;
-      if (radioOption && Trim(meter.MeterNumber).size() == 8 && ParseWholeNumber(meter.MeterNumber, number)) {
-        meter.TagNumber = ToInt32(number);
-        meter.Radio = true;
-      }
-    } else if (kind == "RTS") {
-      meter.SurveyText1 = Text(line, "SurveyText1");
-      meter.SurveyText2 = Text(line, "SurveyText2");
-    } else if (kind == "RFF") {
-      meter.TagNumber = ToInt32(NumericPrefix(Text(line, "RFERTID")));
-      meter.GeographicArea = Number(line, "GeographicArea");
-      meter.RFFrequency = Text(line, "RFFrequency");
-      meter.RFTone = Text(line, "RFTone");
-      meter.Tamper = Number(line, "Tamper");
-      if (CheckDuplicateTag(Str(meter.TagNumber), customer.Name + " " + customer.Address1, reader->LineNo())) {
-        HadProblems = true;
-      }
-    } else if (kind == "WRR") {
-      meter.WandProgram = Text(line, "WandProgram");
-      meter.DeviceID = Text(line, "DeviceID");
-    } else if (kind == "MTS") {
-      meter.SpecialMessageText = Text(line, "SpecialMessageText");
-    } else if (kind == "RDG") {
-      // One reading a meter: a second line overwrites the first.
-      meter.NumberDials = Number(line, "NumberDials");
-      meter.PreviousReading = Number(line, "PreviousReading");
-      meter.TextPrompt = Text(line, "TextPrompt");
-      meter.ReadDirection = Text(line, "ReadDirection");
-      meter.CompareCode = Number(line, "CompareCode");
-      meter.ValidationCode = Number(line, "ValidationCode");
-      meter.ReadMethod = meter.Radio ? "R" : Text(line, "ReadMethod");
-      meter.MeterConstant = Number(line, "MeterConstant");
-      meter.ConstantFlag = Number(line, "ConstantFlag");
-      meter.HHFPosition = Number(line, "HHFPosition");
-      meter.NumberDecimals = Number(line, "NumberDecimals");
-      meter.High1 = Number(line, "High1");
-      meter.Low1 = Number(line, "Low1");
-    }
-  }
-  flush();
+  FoldMeters(*this, *reader, counts.table);
   return !HadProblems;
 }
 

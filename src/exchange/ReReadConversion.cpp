@@ -4,6 +4,7 @@
 
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "hif/FileVersion.h"
@@ -38,106 +39,145 @@ void clsExchange::WriteReReadMeter(const KeyedCollection<Value>& values) {
   ++MetersWritten;
 }
 
+// What the re-read conversion keeps from step to step.
+struct clsExchange::ReReadRun {
+  std::string source;       // trimmed
+  std::string destination;  // trimmed
+  int16_t version = 0;
+  int16_t route = 0;  // REREAD, the one route
+  int32_t meters = 0;
+};
+
+bool clsExchange::CheckReReadFiles(ReReadRun& run) {
+  run.source = Trim(ReReadSource);
+  if (run.source.empty()) return Fail("Error: ReRead Source not specified");
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(run.source, ec)) return Fail("Error: ReRead Source does not exist");
+  Log("Reading from " + ReReadSource);
+  run.destination = Trim(ReReadDestination);
+  if (run.destination.empty()) return Fail("Error: ReRead Destination not specified");
+  Log("Writing to " + ReReadDestination);
+  if (!FilesApart({{"ReRead Source", run.source}, {"ReRead Conversion Map", MapFile(ReReadMap, kUseReRead)}},
+                  {{"ReRead Destination", run.destination}})) {
+    return false;
+  }
+  // The old file stays whole until the new one, written beside it, is
+  // complete and takes its place.
+  return DestinationFree(run.destination, "ReRead", false);
+}
+
+bool clsExchange::LoadReReadMap() {
+  if (ReReadMap.empty()) return Fail("Error: ReRead Conversion Map not specified");
+  Log("Using Map: " + ReReadMap);
+  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  if (!ActiveMap->LoadMap(ReReadMap + MapExtension(kUseReRead), kUseReRead)) {
+    return Fail("Error: Could not load ReRead Conversion Map");
+  }
+  std::string messages;
+  if (!ActiveMap->ValidateMap(messages)) return Fail("Error: " + messages);
+  return true;
+}
+
+void clsExchange::StartReReadRun(ReReadRun& run) {
+  const CivilTime now = env_.clock.Now();
+  Log("ReRead Conversion Starting " + ShortTime(now) + " " + ShortDate(now));
+  ClearRoute();
+  HadWarnings = false;
+  HadProblems = false;
+  MetersWritten = 0;
+  UntaggedMeters = 0;
+  MessageCount = 0;
+  AutoNumber = 0;
+  run.route = AddRoute("REREAD");
+  LineNumber = 0;
+  SeenTags = KeyedCollection<std::string>();
+}
+
+void clsExchange::CountReReadLines(ReReadRun& run) {
+  // Only counted; a blank line counts too.
+  SourceFile = std::make_unique<LineReader>(run.source);
+  std::string line;
+  while (SourceFile->ReadLine(line)) {
+    ++LineNumber;
+    CountUp(RouteCounts[static_cast<size_t>(run.route)]);
+    ++run.meters;
+  }
+  SourceFile = std::make_unique<LineReader>(run.source);
+  LineNumber = 0;
+}
+
+bool clsExchange::CreateReReadFile(const ReReadRun& run) {
+  if (!RecordsFit(run.meters)) {
+    SourceFile.reset();
+    ActiveHIF.reset();
+    return false;
+  }
+  const int32_t records = run.meters + static_cast<int32_t>(RouteNames.size() - 1) + 1;
+  const int32_t fileType = (ReReadHIFType == "PRC" || ReReadHIFType == "PDB") ? kFilePDB : kFileVFS;
+  RouteFile = FileReplacement(run.destination);
+  if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
+    SourceFile.reset();
+    RouteFile.Abandon();
+    ActiveHIF.reset();
+    return Fail("Error: Could not Create ReRead HIF File");
+  }
+  WriteFileHeader(run.source, run.meters, run.version);
+  WriteRouteHeaders();
+  return true;
+}
+
+bool clsExchange::WriteReReadMeters() {
+  std::string line;
+  while (SourceFile->ReadLine(line)) {
+    env_.shell.SetProgressButton(255, ActiveHIF->Position255());
+    ++LineNumber;
+    const KeyedCollection<Value> values = ParseRoute(line);
+    const int16_t result = ValidateRoute(values);
+    if (result == 1) HadWarnings = true;
+    if (result == 2) HadProblems = true;
+    if (result == 3) {
+      SourceFile.reset();
+      KeepRouteFile();
+      return false;
+    }
+    WriteReReadMeter(values);
+  }
+  return true;
+}
+
+bool clsExchange::FinishReRead() {
+  if (HadProblems) {
+    Log("Problems encountered; Route file unusable");
+  } else if (MetersWritten > 0) {
+    Log(std::to_string(SeenTags.Count()) + " meters written to ReRead HIF File");
+    if (!KeepRouteFile()) return false;
+    if ((ReReadHIFType == "PRC" || ReReadHIFType == "PDB") && AutoInstall) InstallPRC(ReReadDestination);
+    SeenTags = KeyedCollection<std::string>();
+    Log(HadWarnings ? "ReRead Conversion Finished with Warnings" : "ReRead Conversion Finished");
+    Log("");
+  } else {
+    Log("The ReReadHIF contains no meter records. The ReReadHIF file is unusable.");
+  }
+  SourceFile.reset();
+  const bool kept = KeepRouteFile();
+  return kept && !HadProblems && MetersWritten > 0;
+}
+
 bool clsExchange::ConvertReRead() {
   try {
-    const std::string source = Trim(ReReadSource);
-    if (source.empty()) return Fail("Error: ReRead Source not specified");
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(source, ec)) return Fail("Error: ReRead Source does not exist");
-    Log("Reading from " + ReReadSource);
-    const std::string destination = Trim(ReReadDestination);
-    if (destination.empty()) return Fail("Error: ReRead Destination not specified");
-    Log("Writing to " + ReReadDestination);
-    if (!FilesApart({{"ReRead Source", source}, {"ReRead Conversion Map", MapFile(ReReadMap, kUseReRead)}},
-                    {{"ReRead Destination", destination}})) {
-      return false;
-    }
-    // The old file stays whole until the new one, written beside it, is
-    // complete and takes its place.
-    if (!DestinationFree(destination, "ReRead", false)) return false;
-    if (ReReadMap.empty()) return Fail("Error: ReRead Conversion Map not specified");
-    Log("Using Map: " + ReReadMap);
-    ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
-    if (!ActiveMap->LoadMap(ReReadMap + MapExtension(kUseReRead), kUseReRead)) {
-      return Fail("Error: Could not load ReRead Conversion Map");
-    }
-    std::string messages;
-    if (!ActiveMap->ValidateMap(messages)) return Fail("Error: " + messages);
+    ReReadRun run;
+    if (!CheckReReadFiles(run)) return false;
+    if (!LoadReReadMap()) return false;
     ActiveHIF = std::make_unique<clsHIF>(env_.shell);
-    const int16_t version = LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor);
-    ActiveHIF->SetVersion(version);
+    run.version = LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor);
+    ActiveHIF->SetVersion(run.version);
     if (!DisplayPrompts(*ActiveMap)) return Fail("Error: Prompted entry of runtime variables cancelled");
     CreateIndexes = AskIndexes();
-    const CivilTime now = env_.clock.Now();
-    Log("ReRead Conversion Starting " + ShortTime(now) + " " + ShortDate(now));
-    ClearRoute();
-    HadWarnings = false;
-    HadProblems = false;
-    MetersWritten = 0;
-    UntaggedMeters = 0;
-    MessageCount = 0;
-    AutoNumber = 0;
-    const int16_t route = AddRoute("REREAD");
-    LineNumber = 0;
-    SeenTags = KeyedCollection<std::string>();
-
-    // The first pass only counts lines; a blank line counts too.
-    SourceFile = std::make_unique<LineReader>(source);
-    int32_t meters = 0;
-    std::string line;
-    while (SourceFile->ReadLine(line)) {
-      ++LineNumber;
-      CountUp(RouteCounts[static_cast<size_t>(route)]);
-      ++meters;
-    }
-    SourceFile = std::make_unique<LineReader>(source);
-    LineNumber = 0;
-    if (!RecordsFit(meters)) {
-      SourceFile.reset();
-      ActiveHIF.reset();
-      return false;
-    }
-    const int32_t records = meters + static_cast<int32_t>(RouteNames.size() - 1) + 1;
-    const int32_t fileType = (ReReadHIFType == "PRC" || ReReadHIFType == "PDB") ? kFilePDB : kFileVFS;
-    RouteFile = FileReplacement(destination);
-    if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {
-      SourceFile.reset();
-      RouteFile.Abandon();
-      ActiveHIF.reset();
-      return Fail("Error: Could not Create ReRead HIF File");
-    }
-    WriteFileHeader(source, meters, version);
-    WriteRouteHeaders();
-
-    while (SourceFile->ReadLine(line)) {
-      env_.shell.SetProgressButton(255, ActiveHIF->Position255());
-      ++LineNumber;
-      const KeyedCollection<Value> values = ParseRoute(line);
-      const int16_t result = ValidateRoute(values);
-      if (result == 1) HadWarnings = true;
-      if (result == 2) HadProblems = true;
-      if (result == 3) {
-        SourceFile.reset();
-        KeepRouteFile();
-        return false;
-      }
-      WriteReReadMeter(values);
-    }
-    if (HadProblems) {
-      Log("Problems encountered; Route file unusable");
-    } else if (MetersWritten > 0) {
-      Log(std::to_string(SeenTags.Count()) + " meters written to ReRead HIF File");
-      if (!KeepRouteFile()) return false;
-      if ((ReReadHIFType == "PRC" || ReReadHIFType == "PDB") && AutoInstall) InstallPRC(ReReadDestination);
-      SeenTags = KeyedCollection<std::string>();
-      Log(HadWarnings ? "ReRead Conversion Finished with Warnings" : "ReRead Conversion Finished");
-      Log("");
-    } else {
-      Log("The ReReadHIF contains no meter records. The ReReadHIF file is unusable.");
-    }
-    SourceFile.reset();
-    const bool kept = KeepRouteFile();
-    return kept && !HadProblems && MetersWritten > 0;
+    StartReReadRun(run);
+    CountReReadLines(run);
+    if (!CreateReReadFile(run)) return false;
+    if (!WriteReReadMeters()) return false;
+    return FinishReRead();
   } catch (const Failure& failure) {
     SourceFile.reset();
     KeepRouteFile();

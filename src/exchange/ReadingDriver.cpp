@@ -4,6 +4,7 @@
 
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "hif/FileVersion.h"
@@ -34,20 +35,20 @@ bool clsExchange::ReadingFilesApart(const std::string& source, const std::string
   std::vector<RunFile> destinations{{"Reading Destination", destination}};
   if (OrphanConvert != 0) {
     sources.push_back({"Orphan Conversion Map", MapFile(OrphanMap, kUseOrphan)});
-    destinations.push_back({"Orphan Destination", Trim(OrphanDestination)});
+    destinations.push_back({"Orphan Destination", std::string(Trim(OrphanDestination))});
   }
-  if (AutoReRead) destinations.push_back({"Re-Read Destination", Trim(ReReadDestination)});
+  if (AutoReRead) destinations.push_back({"Re-Read Destination", std::string(Trim(ReReadDestination))});
   return FilesApart(sources, destinations);
 }
 
 bool clsExchange::ConvertReading() {
   OutputFailed = false;
-  const std::string source = Trim(ReadingSource);
+  const std::string source(Trim(ReadingSource));
   if (source.empty()) return Fail("Error: Reading Source not specified");
   Log("Reading from " + ReadingSource);
   std::error_code ec;
   if (!std::filesystem::is_regular_file(source, ec)) return Fail("Error: Reading Source does not exist");
-  const std::string destination = Trim(ReadingDestination);
+  const std::string destination(Trim(ReadingDestination));
   if (destination.empty()) return Fail("Error: Reading Destination not specified");
   if (ReadingMap.empty()) return Fail("Error: Reading Conversion Map not specified");
   if (OrphanConvert != 0 && Trim(OrphanDestination).empty()) return Fail("Error: Orphan Destination not specified");
@@ -107,7 +108,7 @@ bool clsExchange::ConvertReading() {
 }
 
 bool clsExchange::OrphanStep(int16_t version) {
-  const std::string destination = Trim(OrphanDestination);
+  const std::string destination(Trim(OrphanDestination));
   Log("Writing orphans to " + OrphanDestination);
   const uint64_t before = LengthOf(destination);
   if (before >= 1 && OrphanReplace != 0) {
@@ -137,7 +138,7 @@ bool clsExchange::OrphanStep(int16_t version) {
 }
 
 void clsExchange::ReReadStep(bool& result) {
-  const std::string destination = Trim(ReReadDestination);
+  const std::string destination(Trim(ReReadDestination));
   Log("Writing Exceptions for Re-Read to " + ReReadDestination);
   // The question is put whether or not the file exists.
   const MsgAnswer answer = env_.shell.MsgBox(ReReadDestination + " already exists.  Overwrite?",

@@ -5,6 +5,7 @@
 
 #include "base/Failure.h"
 #include "base/FileNames.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 #include "hif/FileVersion.h"
@@ -119,104 +120,123 @@ void clsExchange::WriteRouteHeaders(const std::vector<std::string>& user1) {
   }
 }
 
+bool clsExchange::CheckRouteFiles(std::string& destination) {
+  const std::string source(Trim(RouteSource));
+  if (source.empty()) return Fail("Error: Route Source not specified");
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(source, ec)) return Fail("Error: Route Source does not exist");
+  Log("Reading from " + RouteSource);
+  destination = Trim(RouteDestination);
+  if (destination.empty()) return Fail("Error: Route Destination not specified");
+  Log("Writing to " + RouteDestination);
+  if (!FilesApart({{"Route Source", source}, {"Route Conversion Map", MapFile(RouteMap, kUseRoute)}},
+                  {{"Route Destination", destination}})) {
+    return false;
+  }
+  // The old file stays whole until the new one is complete: nothing is
+  // removed here, the new file takes its place at the end.
+  return DestinationFree(destination, "Route", false);
+}
+
+bool clsExchange::LoadRouteMap() {
+  if (RouteMap.empty()) return Fail("Error: Route Conversion Map not specified");
+  Log("Using Map: " + RouteMap);
+  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  if (!ActiveMap->LoadMap(RouteMap + MapExtension(kUseRoute), kUseRoute)) {
+    return Fail("Error: Could not load Route Conversion Map");
+  }
+  const int32_t mapType = ActiveMap->MapType();
+  if (mapType == kMapMVRS && ActiveMap->MapOptions(1) == "Y") {
+    Log("Notice: Special radio processing option is enabled");
+  }
+  if (mapType != kMapMVRS && mapType != kMapE5000) {
+    std::string messages;
+    if (!ActiveMap->ValidateMap(messages)) return Fail("Error: " + messages);
+  }
+  return true;
+}
+
+void clsExchange::StartRouteRun(const std::string& destination) {
+  const CivilTime now = env_.clock.Now();
+  Log("Route Conversion Starting " + ShortTime(now) + " " + ShortDate(now));
+  SourceFile.reset();
+  ClearRoute();
+  LineNumber = 0;
+  SeenTags = KeyedCollection<std::string>();
+  UntaggedMeters = 0;
+  MetersWritten = 0;
+  HadWarnings = false;
+  HadProblems = false;
+  indexes_.clear();
+  indexRoute_ = 0;
+  RouteFile = FileReplacement(destination);
+}
+
+bool clsExchange::ConvertRouteByMapType() {
+  const int32_t mapType = ActiveMap->MapType();
+  if (mapType == kMapMVRS) return ConvertRouteMVRS();
+  if (mapType == kMapE5000) return ConvertRouteE5K();
+  return ConvertRouteFlat();
+}
+
+void clsExchange::SettleRouteFile(bool& result, bool& closingLine) {
+  if (!result) {
+    Log("Route HIF File NOT created");
+  } else if (MetersWritten == 0) {
+    Log("The RouteHIF contains no meter records. The RouteHIF file is unusable.");
+    result = false;
+    closingLine = false;
+  } else {
+    Log(std::to_string(MetersWritten) + " meters written to Route HIF File");
+    // The file is complete and in place before it is queued.
+    result = KeepRouteFile();
+    if (result && (RouteHIFType == "PRC" || RouteHIFType == "PDB") && AutoInstall) {
+      if (!InstallPRC(RouteDestination)) {
+        Log("Install Cancelled without selecting unit");
+        HadWarnings = true;
+      }
+    }
+  }
+}
+
+void clsExchange::LogRouteClosing() {
+  if (HadProblems) {
+    Log("Problems encountered; Route file unusable");
+  } else if (HadWarnings) {
+    Log("Route Conversion Finished with Warnings");
+  } else {
+    Log("Route Conversion Finished");
+  }
+  Log("");
+}
+
 bool clsExchange::ConvertRoute() {
   CreateIndexes = true;
   MeterRecordNumber = 0;
   bool result = false;
   bool closingLine = true;
   try {
-    const std::string source = Trim(RouteSource);
-    if (source.empty()) return Fail("Error: Route Source not specified");
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(source, ec)) return Fail("Error: Route Source does not exist");
-    Log("Reading from " + RouteSource);
-    const std::string destination = Trim(RouteDestination);
-    if (destination.empty()) return Fail("Error: Route Destination not specified");
-    Log("Writing to " + RouteDestination);
-    if (!FilesApart({{"Route Source", source}, {"Route Conversion Map", MapFile(RouteMap, kUseRoute)}},
-                    {{"Route Destination", destination}})) {
-      return false;
-    }
-    // The old file stays whole until the new one is complete: nothing is
-    // removed here, the new file takes its place at the end.
-    if (!DestinationFree(destination, "Route", false)) return false;
-    if (RouteMap.empty()) return Fail("Error: Route Conversion Map not specified");
-    Log("Using Map: " + RouteMap);
-    ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
-    if (!ActiveMap->LoadMap(RouteMap + MapExtension(kUseRoute), kUseRoute)) {
-      return Fail("Error: Could not load Route Conversion Map");
-    }
-    const int32_t mapType = ActiveMap->MapType();
-    if (mapType == kMapMVRS && ActiveMap->MapOptions(1) == "Y") {
-      Log("Notice: Special radio processing option is enabled");
-    }
-    if (mapType != kMapMVRS && mapType != kMapE5000) {
-      std::string messages;
-      if (!ActiveMap->ValidateMap(messages)) return Fail("Error: " + messages);
-    }
+    std::string destination;
+    if (!CheckRouteFiles(destination)) return false;
+    if (!LoadRouteMap()) return false;
     ActiveHIF = std::make_unique<clsHIF>(env_.shell);
     ActiveHIF->SetVersion(LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor));
     if (!DisplayPrompts(*ActiveMap)) {
       return Fail("Error: Prompted entry of runtime variables cancelled");
     }
     CreateIndexes = AskIndexes();
-    const CivilTime now = env_.clock.Now();
-    Log("Route Conversion Starting " + ShortTime(now) + " " + ShortDate(now));
-    SourceFile.reset();
-    ClearRoute();
-    LineNumber = 0;
-    SeenTags = KeyedCollection<std::string>();
-    UntaggedMeters = 0;
-    MetersWritten = 0;
-    HadWarnings = false;
-    HadProblems = false;
-    indexes_.clear();
-    indexRoute_ = 0;
-    RouteFile = FileReplacement(destination);
-
-    if (mapType == kMapMVRS) {
-      result = ConvertRouteMVRS();
-    } else if (mapType == kMapE5000) {
-      result = ConvertRouteE5K();
-    } else {
-      result = ConvertRouteFlat();
-    }
-
+    StartRouteRun(destination);
+    result = ConvertRouteByMapType();
     // The index is flushed and the code lists written whatever the result.
     UpdateIndexes(0, 0, "", "", "", "", "");
     WriteCodeRecords();
-    if (!result) {
-      Log("Route HIF File NOT created");
-    } else if (MetersWritten == 0) {
-      Log("The RouteHIF contains no meter records. The RouteHIF file is unusable.");
-      result = false;
-      closingLine = false;
-    } else {
-      Log(std::to_string(MetersWritten) + " meters written to Route HIF File");
-      // The file is complete and in place before it is queued.
-      result = KeepRouteFile();
-      if (result && (RouteHIFType == "PRC" || RouteHIFType == "PDB") && AutoInstall) {
-        if (!InstallPRC(RouteDestination)) {
-          Log("Install Cancelled without selecting unit");
-          HadWarnings = true;
-        }
-      }
-    }
+    SettleRouteFile(result, closingLine);
   } catch (const Failure& failure) {
     env_.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
   } catch (const std::exception& failure) {
     env_.shell.MsgBox(Describe(failure), "Error", MsgButtons::OK, MsgIcon::Critical);
   }
-  if (closingLine) {
-    if (HadProblems) {
-      Log("Problems encountered; Route file unusable");
-    } else if (HadWarnings) {
-      Log("Route Conversion Finished with Warnings");
-    } else {
-      Log("Route Conversion Finished");
-    }
-    Log("");
-  }
+  if (closingLine) LogRouteClosing();
   SeenTags = KeyedCollection<std::string>();
   KeepRouteFile();
   SourceFile.reset();

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 

@@ -1,6 +1,7 @@
 // Checks of one parsed route line against the map and the meters seen so far.
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
 

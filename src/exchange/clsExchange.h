@@ -185,6 +185,49 @@ class clsExchange {
 
  private:
   bool AskIndexes();
+
+  // The steps of ConvertRoute; a check that fails logs why and gives false.
+  // The trimmed destination, checked with its source and map.
+  bool CheckRouteFiles(std::string& destination);
+  // RouteMap as ActiveMap, validated unless its format fixes the columns.
+  bool LoadRouteMap();
+  // Logs the start and resets the route lists, counts and flags for a run
+  // that writes destination.
+  void StartRouteRun(const std::string& destination);
+  // The conversion of the map's format; true when its file was made.
+  bool ConvertRouteByMapType();
+  // What the conversion's result leaves: the file put in place and queued,
+  // or the run's word on why not. closingLine false skips the closing line.
+  void SettleRouteFile(bool& result, bool& closingLine);
+  void LogRouteClosing();
+
+  // The steps of ConvertReRead, which keep its state in a ReReadRun; a check
+  // that fails logs why and gives false.
+  struct ReReadRun;
+  // The trimmed source and destination, checked with the map.
+  bool CheckReReadFiles(ReReadRun& run);
+  bool LoadReReadMap();
+  // Logs the start, resets the route lists, counts and flags, and adds the
+  // one route.
+  void StartReReadRun(ReReadRun& run);
+  // The first pass: each line of the source one meter; the source then open
+  // again from its start.
+  void CountReReadLines(ReReadRun& run);
+  // The file with its header and route records; false when it would be too
+  // big or can't be made.
+  bool CreateReReadFile(const ReReadRun& run);
+  // A meter a line; false when a line's validation stops the run.
+  bool WriteReReadMeters();
+  // The run's last word, and the file put in place; the conversion's result.
+  bool FinishReRead();
+
+  // The steps of ConvertRouteE5K, which keep its state in an E5kRouteRun.
+  struct E5kRouteRun;
+  void CountE5kRoutes(E5kRouteRun& run);
+  bool CreateE5kRouteFile(E5kRouteRun& run);
+  void ReadE5kMeters(E5kRouteRun& run);
+  void WriteE5kMeter(E5kRouteRun& run);
+
   void WriteFileHeader(const std::string& sourceName, int32_t meters, int16_t version);
   // One header a route; user1, where given, holds each route's User1 by its
   // index.

@@ -4,6 +4,7 @@
 
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "handheld/clsPalmFilePDB.h"
 #include "handheld/clsPalmFileVFS.h"
 #include "handheld/modPDB.h"
@@ -18,12 +19,6 @@ int16_t WidthOf(int32_t type) {
     case kFieldInt32: return 4;
     default: return 0;
   }
-}
-
-std::string_view TrimBlanks(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
 }
 
 // Offsets and lengths of a record are 16-bit.
@@ -85,7 +80,7 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
   const int16_t width = WidthOf(type);
   SchemaField field;
   field.type = type;
-  field.name = std::string(TrimBlanks(name));
+  field.name = std::string(Trim(name));
   if (type == kFieldText) {
     ++textCount_;
     field.position = textCount_;

@@ -47,6 +47,25 @@ void CopyRecord(clsHIF& destination, std::string bytes) {
   destination.WriteData();
 }
 
+// The most meters a route may have here: the file header's PrvReading. A
+// version-0 file has no such field, and its null count is a failure.
+int32_t ReadMeterCount(IShell& shell, int16_t version, const std::filesystem::path& fileName) {
+  clsHIF header(shell);
+  header.SetVersion(version);
+  // Whether the open worked shows at the read.
+  (void)header.OpenHIF(fileName);
+  header.ReadData();
+  return header.Item("PrvReading").ToInt32();
+}
+
+// One stretch of one route at a time: its records' bytes, and an entry a
+// meter to sort them by.
+struct SortStretch {
+  std::vector<SortEntry> entries;
+  std::vector<std::string> records;
+  int32_t route = -1;  // none yet
+};
+
 }  // namespace
 
 int CompareEntries(const SortEntry& a, const SortEntry& b) {
@@ -125,6 +144,56 @@ std::filesystem::path TempFileName(IShell& shell) {
 }
 #endif
 
+namespace {
+
+// The stretch's records, in sorted order, to the end of the destination.
+void FlushStretch(SortStretch& stretch, clsHIF& destination) {
+  QuickSort(stretch.entries, 0, static_cast<std::ptrdiff_t>(stretch.entries.size()) - 1);
+  for (const SortEntry& entry : stretch.entries) {
+    CopyRecord(destination, std::move(stretch.records[static_cast<size_t>(entry.Position) - 1]));
+  }
+}
+
+// A meter into the stretch. A change of route ends the stretch, so a route
+// that the file interrupts is sorted a stretch at a time.
+void TakeMeter(SortStretch& stretch, clsHIF& source, clsHIF& destination, int32_t meterCount) {
+  const int32_t route = source.Item("RouteNbr").ToInt32();
+  if (route != stretch.route) {
+    if (stretch.route > -1) FlushStretch(stretch, destination);
+    stretch.records.clear();
+    stretch.entries.clear();
+    stretch.route = route;
+  }
+  const int32_t sequence = source.Item("Sequence").ToInt32();
+  if (std::cmp_greater_equal(stretch.entries.size(), meterCount)) {
+    throw Failure(fail::kSubscript);
+  }
+  stretch.records.push_back(source.RawData());
+  const auto held = static_cast<int32_t>(stretch.records.size());
+  stretch.entries.push_back({sequence, held, held});
+}
+
+// Every record of the source that a sort keeps, to the destination: the
+// file and route headers as they stand, the meters sorted.
+void CopySorted(IShell& shell, clsHIF& source, clsHIF& destination, int32_t meterCount) {
+  SortStretch stretch;
+  while (source.ReadData()) {
+    shell.SetProgressButton(kProgressTotal, source.Position255() + kProgressStart);
+    // A record too short for its RecType reads it as empty, which counts
+    // as 0: it is copied as a file header is.
+    const int32_t recType = source.Item("RecType").ToInt32();
+    if (recType == kRecFileHeader || recType == kRecRouteHeader) {
+      CopyRecord(destination, source.RawData());
+    } else if (recType == kRecMeter) {
+      TakeMeter(stretch, source, destination, meterCount);
+    }
+    // Every other record is left out: code, index and alert records.
+  }
+  FlushStretch(stretch, destination);
+}
+
+}  // namespace
+
 SortOutcome SortHIF(IShell& shell, const std::filesystem::path& readingSource,
                     const std::filesystem::path& fileName) {
   // Code and index records don't survive a sort.
@@ -135,18 +204,7 @@ SortOutcome SortHIF(IShell& shell, const std::filesystem::path& readingSource,
     shell.WriteLog("Error: Could not read HIF file for sorting");
     return SortOutcome::NotRead;
   }
-
-  // The file header's PrvReading is the most meters a route may have here. A
-  // version-0 file has no such field, and its null count is a failure.
-  int32_t meterCount = 0;
-  {
-    clsHIF header(shell);
-    header.SetVersion(version);
-    // Whether the open worked shows at the read.
-    (void)header.OpenHIF(fileName);
-    header.ReadData();
-    meterCount = header.Item("PrvReading").ToInt32();
-  }
+  const int32_t meterCount = ReadMeterCount(shell, version, fileName);
 
   TemporaryFile temporary;
   {
@@ -161,47 +219,7 @@ SortOutcome SortHIF(IShell& shell, const std::filesystem::path& readingSource,
       shell.WriteLog("Error: Could not create temporary HIF file for sorting");
       return SortOutcome::NotCreated;
     }
-
-    // One stretch of one route at a time: its records' bytes, and an entry a
-    // meter to sort them by.
-    std::vector<SortEntry> SortEntries;
-    std::vector<std::string> SortRecords;
-    int32_t currentRoute = -1;
-    auto flush = [&] {
-      QuickSort(SortEntries, 0, static_cast<std::ptrdiff_t>(SortEntries.size()) - 1);
-      for (const SortEntry& entry : SortEntries) {
-        CopyRecord(destination, std::move(SortRecords[static_cast<size_t>(entry.Position) - 1]));
-      }
-    };
-
-    while (source.ReadData()) {
-      shell.SetProgressButton(kProgressTotal, source.Position255() + kProgressStart);
-      // A record too short for its RecType reads it as empty, which counts
-      // as 0: it is copied as a file header is.
-      const int32_t recType = source.Item("RecType").ToInt32();
-      if (recType == kRecFileHeader || recType == kRecRouteHeader) {
-        CopyRecord(destination, source.RawData());
-      } else if (recType == kRecMeter) {
-        // A change of route ends the stretch, so a route that the file
-        // interrupts is sorted a stretch at a time.
-        const int32_t route = source.Item("RouteNbr").ToInt32();
-        if (route != currentRoute) {
-          if (currentRoute > -1) flush();
-          SortRecords.clear();
-          SortEntries.clear();
-          currentRoute = route;
-        }
-        const int32_t sequence = source.Item("Sequence").ToInt32();
-        if (std::cmp_greater_equal(SortEntries.size(), meterCount)) {
-          throw Failure(fail::kSubscript);
-        }
-        SortRecords.push_back(source.RawData());
-        const auto held = static_cast<int32_t>(SortRecords.size());
-        SortEntries.push_back({sequence, held, held});
-      }
-      // Every other record is left out: code, index and alert records.
-    }
-    flush();
+    CopySorted(shell, source, destination, meterCount);
     destination.FinishHIF();  // the sorted copy on the disk, checked
   }  // both files closed
 

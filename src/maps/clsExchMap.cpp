@@ -10,20 +10,13 @@
 #include "base/FileNames.h"
 #include "base/LineReader.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "maps/MapCatalogues.h"
 
 namespace hifx {
 namespace {
 
 constexpr std::string_view kCrLf = "\r\n";
-
-// Blanks only: a tab may be a delimiter.
-std::string_view TrimBlanks(std::string_view text) {
-  const size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  const size_t last = text.find_last_not_of(' ');
-  return text.substr(first, last - first + 1);
-}
 
 // The piece of text before the first separator, and what follows it.
 std::pair<std::string_view, std::string_view> SplitFirst(std::string_view text, char separator) {
@@ -109,7 +102,7 @@ std::string clsExchMap::MapOptions(int32_t index) const {
   if (index < 0) return {};
   std::string joined;
   for (size_t slot = 0; slot < mapOptions_.size(); ++slot) {
-    if (TrimBlanks(mapOptions_[slot]).empty()) continue;
+    if (Trim(mapOptions_[slot]).empty()) continue;
     if (!joined.empty()) joined.push_back(';');
     joined += std::to_string(slot + 1) + ":" + mapOptions_[slot];
   }
@@ -292,11 +285,11 @@ bool clsExchMap::LoadMap(std::string name, int32_t use) {
 }
 
 void clsExchMap::ApplyLine(std::string_view line) {
-  if (line.empty() || line.front() == '#' || TrimBlanks(line).empty()) return;
+  if (line.empty() || line.front() == '#' || Trim(line).empty()) return;
   // Only the first two pieces count: a second "=" and all behind it are lost.
   const auto [rawKey, afterKey] = SplitFirst(line, '=');
-  const std::string_view key = TrimBlanks(rawKey);
-  const std::string_view value = TrimBlanks(SplitFirst(afterKey, '=').first);
+  const std::string_view key = Trim(rawKey);
+  const std::string_view value = Trim(SplitFirst(afterKey, '=').first);
   if (key == "MAPNAME" || key == "HIF") return;
   if (key == "MAPTYPE") {
     SkipOnFailure([&] { SetMapType(ToInt32(NumericPrefix(value))); });

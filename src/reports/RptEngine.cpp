@@ -5,6 +5,7 @@
 #include "base/CaseBlind.h"
 #include "base/DateText.h"
 #include "base/Numbers.h"
+#include "base/Text.h"
 #include "exchange/ExchangeText.h"
 
 namespace hifx {
@@ -398,7 +399,7 @@ void RptEngine::DrawText(const clsPrintElement& e, std::string text, bool Absolu
 std::string RptEngine::WraptoWidth(std::string_view source, float width) const {
   const IRptDevice& device = *device_;
   std::string result;
-  std::string text = Trim(source);
+  std::string text(Trim(source));
   const auto fits = [&](size_t n) { return device.TextWidth(std::string_view(text).substr(0, n)) <= width; };
   while (!text.empty()) {
     if (text.starts_with(kRptLineBreak)) text.erase(0, kRptLineBreak.size());
@@ -417,7 +418,7 @@ std::string RptEngine::WraptoWidth(std::string_view source, float width) const {
     // Nothing fits, or two line breaks in a row: the rest is dropped.
     if (n == 0) break;
     result += text.substr(0, n);
-    text = Trim(std::string_view(text).substr(n));
+    text = std::string(Trim(std::string_view(text).substr(n)));
   }
   return result;
 }

@@ -69,6 +69,129 @@ std::string WithResponse(std::string text, const std::string& response) {
   return text;
 }
 
+// The numbers of a meter row that its cells and its exception test read.
+struct RowNumbers {
+  int32_t status = 0;
+  int32_t digits = 0;
+  int32_t readType = 0;
+  int32_t current = 0;
+  int32_t date = 0;
+};
+
+RowNumbers NumbersOf(const KeyedCollection<Value>& values) {
+  return {Number(values, "Status"), Number(values, "Digits"), Number(values, "ReadType"),
+          Number(values, "CurReading"), Number(values, "ReadingDate")};
+}
+
+// The Reading cell: "--" unread, else the reading on as many dials as the
+// meter has, with "*" behind a keyed one.
+std::string ReadingText(const KeyedCollection<Value>& values, const RowNumbers& row) {
+  std::string reading;
+  if (row.status == 0) {
+    reading = "--";
+  } else if (row.digits > 0) {
+    const std::string zeros = FormatZeros(row.current, 8);
+    reading = zeros.substr(zeros.size() - std::min<size_t>(static_cast<size_t>(row.digits), zeros.size()));
+  } else {
+    reading = TextOf(Field(values, "CurReading"));
+  }
+  if (row.readType == 2 && row.status > 0) reading += "*";
+  return reading;
+}
+
+// The Date/Time cell: yyyy/mm/dd over hh:nn:ss, either empty when not set.
+std::string DateTimeText(const KeyedCollection<Value>& values, const RowNumbers& row) {
+  const int32_t time = Number(values, "ReadingTime");
+  std::string dateTime;
+  if (row.date > 0) {
+    const std::string d = std::to_string(row.date);
+    dateTime = Mid(d, 1, 4) + "/" + Mid(d, 5, 2) + "/" + Mid(d, 7, 2);
+  }
+  dateTime += kBreak;
+  if (time > 0) {
+    const std::string t = FormatZeros(time, 6);
+    dateTime += Mid(t, 1, 2) + ":" + Mid(t, 3, 2) + ":" + Mid(t, 5, 2);
+  }
+  return dateTime;
+}
+
+// The Account/Meter cell: the account with its runs of blanks made one, over
+// the meter type letter and the serial number.
+std::string AccountMeterText(const KeyedCollection<Value>& values) {
+  std::string service = TextOf(Field(values, "ServiceUniqueID"));
+  for (const char* run : {"     ", "    ", "   ", "  "}) ReplaceAll(service, run, " ");
+  const std::string letter = MeterLetter(Field(values, "MeterType"));
+  return service + kBreak + letter + " " + TextOf(Field(values, "MeterSerialNbr"));
+}
+
+// The cells of a meter row, the exception apart.
+void FillMeterCells(RptElements& detail, const KeyedCollection<Value>& values, const RowNumbers& row) {
+  detail[kTransponder].Value = Field(values, "MeterTagNbr");
+  detail[kTamper].Value = Field(values, "TamperCount");
+  detail[kReading].Value = Value(ReadingText(values, row));
+  detail[kDateTime].Value = Value(DateTimeText(values, row));
+  detail[kPrevious].Value = Value(NonZero(values, "PrvReading"));
+  detail[kMin].Value = Value(NonZero(values, "MinReading"));
+  detail[kMax].Value = Value(NonZero(values, "MaxReading"));
+  detail[kAccountMeter].Value = Value(AccountMeterText(values));
+  detail[kBillingAddress].Value =
+      Value(TextOf(Field(values, "BillingName")) + kBreak + TextOf(Field(values, "ServiceAddress")));
+}
+
+// A row's exception text and the report types it prints in.
+struct RowException {
+  std::string text;
+  int32_t mask = 0;
+};
+
+// The first test that matches gives the words and the mask; a tamper count
+// adds "TAMPER" whatever the words.
+RowException ExceptionOf(const KeyedCollection<Value>& values, const RowNumbers& row) {
+  const std::string response = TextOf(Field(values, "ResponseText"));
+  const int32_t minimum = Number(values, "MinReading");
+  const int32_t maximum = Number(values, "MaxReading");
+  const int32_t current = row.current;
+  RowException exception;
+  if (row.status == 0) {
+    exception = {WithResponse("Missed", response), kReportMissed};
+  } else if (row.readType == 4 || row.date == 0 || (row.readType == 2 && current == 0)) {
+    exception = {WithResponse("Skipped", response), kReportException};
+  } else if (minimum < maximum && (current < minimum || current > maximum)) {
+    exception = {WithResponse(current < minimum ? "Low Reading" : "High Reading", response),
+                 kReportException | kReportReading};
+  } else if (current < Number(values, "PrvReading")) {
+    exception = {WithResponse("Rollover", response), kReportException | kReportReading};
+  } else if (minimum > maximum && current > maximum && current < minimum) {
+    // A range that wraps past the end of the dials: the words are swapped.
+    exception = {WithResponse(current < minimum ? "High Reading" : "Low Reading", response),
+                 kReportException | kReportReading};
+  } else if (row.readType == 2 && Number(values, "ResponseCode") != 0) {
+    exception = {WithResponse("Manually Read", response), kReportException | kReportReading};
+  } else {
+    exception = {response, kReportReading | (response.empty() ? 0 : kReportException)};
+  }
+  if (Number(values, "TamperCount") != 0) exception.text += (exception.text.empty() ? "" : kBreak) + "TAMPER";
+  return exception;
+}
+
+// An orphan has no meter of the route: its meter cells go.
+void FillOrphanCells(RptElements& detail) {
+  for (const Column c : {kPrevious, kMin, kMax, kAccountMeter}) detail[c].Value = Value(std::string());
+  detail[kBillingAddress].Value = Value("**Orphan Transponder **");
+}
+
+// An orphan's limits hold the tags heard nearest to it: "Nearby:" and those
+// that are set, or nothing.
+std::string NearbyText(const KeyedCollection<Value>& values) {
+  std::string nearby;
+  for (const char* name : {"PrvReading", "MaxReading", "MinReading", "LstReadingDate"}) {
+    if (Number(values, name) == 0) continue;
+    if (!nearby.empty()) nearby += " ";
+    nearby += TextOf(Field(values, name));
+  }
+  return nearby.empty() ? nearby : "Nearby:" + nearby;
+}
+
 }  // namespace
 
 std::string ReportTitle(int32_t reportType) {
@@ -186,132 +309,65 @@ void clsReport::PrintRow(float& height) {
   }
   KeyedCollection<Value> values = hif_->GetValues();
   if (recType == kRecFileHeader) {
-    // Here RouteNbr counts the routes.
-    routeCount_ = Number(values, "RouteNbr");
-    initials_.clear();
-    unitHeaderDue_ = true;
-    unitHeader_[kUnitIdCell].Value = Value(TextOf(Field(values, "ResponseText")));
+    TakeUnitRecord(values);
     height = 0;
     return;
   }
   if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
-    const int32_t route = Number(values, "RouteNbr");
-    if (route >= 0 && route <= routeCount_) initials_[route] = TextOf(Field(values, "Initials"));
+    TakeRouteRecord(values);
     height = 0;
     return;
   }
 
-  if (unitHeaderDue_) {
-    unitHeaderDue_ = false;
-    unitHeader_[kReaderCell].Value = Value(TextOf(Field(values, "Initials")));
-    height = engine_.PrintElements(unitHeader_, false) + lineHeight_ / 2;
-    engine_.AddSectionHeight(height);
-  }
+  if (unitHeaderDue_) PrintUnitHeader(values, height);
   if (recType == kRecMeter && values.Contains("RouteNbr")) {
     const auto it = initials_.find(Number(values, "RouteNbr"));
     values.Set("RouteNbr", Value(it == initials_.end() ? std::string() : it->second));
   }
-
-  // A register with decimals reads in whole dial units, in the record too,
-  // so the tests below see the same number.
-  const int32_t decimals = Number(values, "Decimals");
-  if (decimals > 0 && values.Contains("CurReading")) {
-    const Value whole = Value::Long(static_cast<int32_t>(
-        std::trunc(Number(values, "CurReading") / PowerOfTen(std::min(decimals, 9)))));
-    hif_->SetItem("CurReading", whole);
-    values.Set("CurReading", whole);
-  }
-  const int32_t status = Number(values, "Status");
-  const int32_t digits = Number(values, "Digits");
-  const int32_t readType = Number(values, "ReadType");
-  const int32_t current = Number(values, "CurReading");
-  std::string reading;
-  if (status == 0) {
-    reading = "--";
-  } else if (digits > 0) {
-    const std::string zeros = FormatZeros(current, 8);
-    reading = zeros.substr(zeros.size() - std::min<size_t>(static_cast<size_t>(digits), zeros.size()));
-  } else {
-    reading = TextOf(Field(values, "CurReading"));
-  }
-  if (readType == 2 && status > 0) reading += "*";
-
-  const int32_t date = Number(values, "ReadingDate");
-  const int32_t time = Number(values, "ReadingTime");
-  std::string dateTime;
-  if (date > 0) {
-    const std::string d = std::to_string(date);
-    dateTime = Mid(d, 1, 4) + "/" + Mid(d, 5, 2) + "/" + Mid(d, 7, 2);
-  }
-  dateTime += kBreak;
-  if (time > 0) {
-    const std::string t = FormatZeros(time, 6);
-    dateTime += Mid(t, 1, 2) + ":" + Mid(t, 3, 2) + ":" + Mid(t, 5, 2);
-  }
-
-  std::string service = TextOf(Field(values, "ServiceUniqueID"));
-  for (const char* run : {"     ", "    ", "   ", "  "}) ReplaceAll(service, run, " ");
-  const std::string letter = MeterLetter(Field(values, "MeterType"));
-
-  detail_[kTransponder].Value = Field(values, "MeterTagNbr");
-  detail_[kTamper].Value = Field(values, "TamperCount");
-  detail_[kReading].Value = Value(reading);
-  detail_[kDateTime].Value = Value(dateTime);
-  detail_[kPrevious].Value = Value(NonZero(values, "PrvReading"));
-  detail_[kMin].Value = Value(NonZero(values, "MinReading"));
-  detail_[kMax].Value = Value(NonZero(values, "MaxReading"));
-  detail_[kAccountMeter].Value = Value(service + kBreak + letter + " " + TextOf(Field(values, "MeterSerialNbr")));
-  detail_[kBillingAddress].Value =
-      Value(TextOf(Field(values, "BillingName")) + kBreak + TextOf(Field(values, "ServiceAddress")));
-
-  const std::string response = TextOf(Field(values, "ResponseText"));
-  const int32_t minimum = Number(values, "MinReading");
-  const int32_t maximum = Number(values, "MaxReading");
-  std::string exception;
-  int32_t mask = 0;
-  if (status == 0) {
-    exception = WithResponse("Missed", response);
-    mask = kReportMissed;
-  } else if (readType == 4 || date == 0 || (readType == 2 && current == 0)) {
-    exception = WithResponse("Skipped", response);
-    mask = kReportException;
-  } else if (minimum < maximum && (current < minimum || current > maximum)) {
-    exception = WithResponse(current < minimum ? "Low Reading" : "High Reading", response);
-    mask = kReportException | kReportReading;
-  } else if (current < Number(values, "PrvReading")) {
-    exception = WithResponse("Rollover", response);
-    mask = kReportException | kReportReading;
-  } else if (minimum > maximum && current > maximum && current < minimum) {
-    // A range that wraps past the end of the dials: the words are swapped.
-    exception = WithResponse(current < minimum ? "High Reading" : "Low Reading", response);
-    mask = kReportException | kReportReading;
-  } else if (readType == 2 && Number(values, "ResponseCode") != 0) {
-    exception = WithResponse("Manually Read", response);
-    mask = kReportException | kReportReading;
-  } else {
-    exception = response;
-    mask = kReportReading | (response.empty() ? 0 : kReportException);
-  }
-  if (Number(values, "TamperCount") != 0) exception += (exception.empty() ? "" : kBreak) + "TAMPER";
-
+  ScaleReading(values);
+  const RowNumbers row = NumbersOf(values);
+  FillMeterCells(detail_, values, row);
+  RowException exception = ExceptionOf(values, row);
   if (recType == kRecOrphan) {
-    for (const Column c : {kPrevious, kMin, kMax, kAccountMeter}) detail_[c].Value = Value(std::string());
-    detail_[kBillingAddress].Value = Value("**Orphan Transponder **");
-    mask = kReportOrphan;
-    // An orphan's limits hold the tags heard nearest to it.
-    exception.clear();
-    for (const char* nearby : {"PrvReading", "MaxReading", "MinReading", "LstReadingDate"}) {
-      if (Number(values, nearby) == 0) continue;
-      if (!exception.empty()) exception += " ";
-      exception += TextOf(Field(values, nearby));
-    }
-    if (!exception.empty()) exception = "Nearby:" + exception;
+    FillOrphanCells(detail_);
+    exception = {NearbyText(values), kReportOrphan};
   }
-  ReplaceAll(exception, "; ", kBreak);
-  ReplaceAll(exception, ";", kBreak);
-  detail_[kException].Value = Value(exception);
+  ReplaceAll(exception.text, "; ", kBreak);
+  ReplaceAll(exception.text, ";", kBreak);
+  detail_[kException].Value = Value(exception.text);
 
-  height = (reportType_ & mask) != 0 ? engine_.PrintElements(detail_, false) + lineHeight_ / 2 : 0.0f;
+  height = (reportType_ & exception.mask) != 0 ? engine_.PrintElements(detail_, false) + lineHeight_ / 2 : 0.0f;
+}
+
+void clsReport::TakeUnitRecord(const KeyedCollection<Value>& values) {
+  // Here RouteNbr counts the routes.
+  routeCount_ = Number(values, "RouteNbr");
+  initials_.clear();
+  unitHeaderDue_ = true;
+  unitHeader_[kUnitIdCell].Value = Value(TextOf(Field(values, "ResponseText")));
+}
+
+void clsReport::TakeRouteRecord(const KeyedCollection<Value>& values) {
+  const int32_t route = Number(values, "RouteNbr");
+  if (route >= 0 && route <= routeCount_) initials_[route] = TextOf(Field(values, "Initials"));
+}
+
+void clsReport::PrintUnitHeader(const KeyedCollection<Value>& values, float& height) {
+  unitHeaderDue_ = false;
+  unitHeader_[kReaderCell].Value = Value(TextOf(Field(values, "Initials")));
+  // The engine moves down by the event's height, so the header's height goes
+  // there before the row's own.
+  height = engine_.PrintElements(unitHeader_, false) + lineHeight_ / 2;
+  engine_.AddSectionHeight(height);
+}
+
+void clsReport::ScaleReading(KeyedCollection<Value>& values) {
+  const int32_t decimals = Number(values, "Decimals");
+  if (decimals <= 0 || !values.Contains("CurReading")) return;
+  const Value whole = Value::Long(static_cast<int32_t>(
+      std::trunc(Number(values, "CurReading") / PowerOfTen(std::min(decimals, 9)))));
+  hif_->SetItem("CurReading", whole);
+  values.Set("CurReading", whole);
 }
 
 }  // namespace hifx

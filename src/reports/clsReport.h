@@ -10,8 +10,10 @@
 #include <unordered_map>
 
 #include "base/Clock.h"
+#include "base/KeyedCollection.h"
 #include "base/Shell.h"
 #include "base/UserSettings.h"
+#include "base/Value.h"
 #include "hif/clsHIF.h"
 #include "reports/RptEngine.h"
 
@@ -50,7 +52,20 @@ class clsReport {
  private:
   void p_PrintEvent(int16_t code, int16_t level, float& height);
   void BuildArrays();
+  // The detail event: one record of the file, printed when it is a meter or
+  // an orphan of the report's types; height -1 at the end of the file.
   void PrintRow(float& height);
+  // The unit record: the unit ID, a fresh list of initials, and the unit
+  // header due at the next row.
+  void TakeUnitRecord(const KeyedCollection<Value>& values);
+  // A route record: its reader's initials.
+  void TakeRouteRecord(const KeyedCollection<Value>& values);
+  // Prints the unit header with the row's reader; height is the detail
+  // event's.
+  void PrintUnitHeader(const KeyedCollection<Value>& values, float& height);
+  // A register with decimals reads in whole dial units, in the record too,
+  // so the tests of the row see the same number.
+  void ScaleReading(KeyedCollection<Value>& values);
 
   IShell& shell_;
   const IClock& clock_;

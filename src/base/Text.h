@@ -1,0 +1,23 @@
+// Blanks off the ends of a text. A blank is ' ' only: a tab may be a
+// delimiter, and other white space is data.
+#pragma once
+
+#include <string_view>
+
+namespace hifx {
+
+// The text without its blanks at both ends, as a view into the same
+// characters: a caller that keeps it makes its own string.
+constexpr std::string_view Trim(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+// The same, off the right end only.
+constexpr std::string_view TrimRight(std::string_view text) {
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+}  // namespace hifx
