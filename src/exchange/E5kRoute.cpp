@@ -124,7 +124,7 @@ bool clsExchange::IsAllDigits(const std::string& text) {
 
 // What the conversion keeps from step to step.
 struct clsExchange::E5kRouteRun {
-  E5kRouteRun(IShell& shell, std::string source) : download(&shell), source(std::move(source)) {}
+  E5kRouteRun(IShell& shell, std::string sourceName) : download(&shell), source(std::move(sourceName)) {}
 
   clsE5KDownload download;
   const std::string source;

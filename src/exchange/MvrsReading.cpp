@@ -106,8 +106,8 @@ struct MvrsReadRecord {
 
 // What a conversion keeps from step to step.
 struct MvrsReadingRun {
-  MvrsReadingRun(clsExchange& exchange, int16_t version)
-      : exchange(exchange), shell(exchange.Environment().shell), version(version), upload(&shell) {}
+  MvrsReadingRun(clsExchange& owner, int16_t fileVersion)
+      : exchange(owner), shell(owner.Environment().shell), version(fileVersion), upload(&shell) {}
 
   // Every step runs under one frame: Abort ends the conversion, Retry runs
   // the failed step again, Ignore goes on with the next one.

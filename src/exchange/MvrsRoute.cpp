@@ -165,8 +165,8 @@ void WriteRouteRecords(clsHIF& hif, const std::vector<MvrsRouteEntry>& table) {
 // Pass 2's working records: the route, the customer and the meter being
 // folded into one HIF record.
 struct MvrsFold {
-  MvrsFold(clsExchange& exchange, const std::vector<MvrsRouteEntry>& table)
-      : exchange(exchange), table(table), radioOption(exchange.ActiveMap->MapOptions(1) == "Y") {}
+  MvrsFold(clsExchange& owner, const std::vector<MvrsRouteEntry>& routes)
+      : exchange(owner), table(routes), radioOption(owner.ActiveMap->MapOptions(1) == "Y") {}
 
   clsExchange& exchange;
   const std::vector<MvrsRouteEntry>& table;
