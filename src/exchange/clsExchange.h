@@ -221,12 +221,12 @@ class clsExchange {
   // The run's last word, and the file put in place; the conversion's result.
   bool FinishReRead();
 
-  // The steps of ConvertRouteE5K, which keep its state in an E5kRouteRun.
-  struct E5kRouteRun;
-  void CountE5kRoutes(E5kRouteRun& run);
-  bool CreateE5kRouteFile(E5kRouteRun& run);
-  void ReadE5kMeters(E5kRouteRun& run);
-  void WriteE5kMeter(E5kRouteRun& run);
+  // The steps of ConvertRouteE5K, which keep its state in an E5KRouteRun.
+  struct E5KRouteRun;
+  void CountE5KRoutes(E5KRouteRun& run);
+  bool CreateE5KRouteFile(E5KRouteRun& run);
+  void ReadE5KMeters(E5KRouteRun& run);
+  void WriteE5KMeter(E5KRouteRun& run);
 
   void WriteFileHeader(const std::string& sourceName, int32_t meters, int16_t version);
   // One header a route; user1, where given, holds each route's User1 by its

@@ -31,7 +31,7 @@ TEST_F(ReadingCommand, TheRoundTripMatchesItsGoldenFiles) {
 }
 
 // The MVRS and E5000 roads: route file, handheld, reading file, byte for byte.
-TEST_F(ReadingCommand, TheMvrsAndE5000RoundTripsMatchTheirGoldenFiles) {
+TEST_F(ReadingCommand, TheMVRSAndE5000RoundTripsMatchTheirGoldenFiles) {
   for (const auto& [source, map, meters, golden] :
        {std::tuple{"route-mvrs.dat", "Mvrs", "\n8 meters", "example-mvrs-reading.dat"},
         std::tuple{"route-e5000.txt", "E5000", "\n7 meters", "e5000-upload.txt"}}) {

@@ -90,7 +90,7 @@ const Writer kWriters[] = {
        ReadingSettings(s.Exchange(), s.dir.path(), kExamples + "reading.pdb");
        return s.Exchange().ConvertReading();
      }},
-    {"MvrsUpload", "upload.txt", [](RouteSite& s) { return UploadOf(s, "route-mvrs.dat", "Mvrs"); }},
+    {"MVRSUpload", "upload.txt", [](RouteSite& s) { return UploadOf(s, "route-mvrs.dat", "Mvrs"); }},
     {"E5000Upload", "upload.txt", [](RouteSite& s) { return UploadOf(s, "route-e5000.txt", "E5000"); }},
     {"Sort", "sorted.pdb",
      [](RouteSite& s) {

@@ -1,12 +1,12 @@
 #include "formats/e5000/clsE5KDownload.h"
 
 #include "base/Failure.h"
-#include "formats/e5000/E5kCatalogue.h"
+#include "formats/e5000/E5KCatalogue.h"
 
 namespace hifx {
 
 clsE5KDownload::clsE5KDownload(IShell* shell)
-    : shell_(shell), types_(BuildRecordTypes(E5kDownloadCatalogue(), shell)) {
+    : shell_(shell), types_(BuildRecordTypes(E5KDownloadCatalogue(), shell)) {
   for (size_t i = 0; i + 1 < types_.size(); ++i) {
     byFirstByte_[static_cast<unsigned char>(types_[i]->IDText.front())].push_back(types_[i].get());
   }

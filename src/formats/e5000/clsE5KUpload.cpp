@@ -1,10 +1,10 @@
 #include "formats/e5000/clsE5KUpload.h"
 
-#include "formats/e5000/E5kCatalogue.h"
+#include "formats/e5000/E5KCatalogue.h"
 
 namespace hifx {
 
-clsE5KUpload::clsE5KUpload(IShell* shell) : types_(BuildRecordTypes(E5kUploadCatalogue(), shell)) {}
+clsE5KUpload::clsE5KUpload(IShell* shell) : types_(BuildRecordTypes(E5KUploadCatalogue(), shell)) {}
 
 clsRecType* clsE5KUpload::SetupRecord(const std::string& id) {
   for (const auto& type : types_) {
@@ -16,7 +16,7 @@ clsRecType* clsE5KUpload::SetupRecord(const std::string& id) {
   return nullptr;
 }
 
-void clsE5KUpload::WriteRecord(clsRecType& record) { file_.Write(record, kE5kLineWidth); }
+void clsE5KUpload::WriteRecord(clsRecType& record) { file_.Write(record, kE5KLineWidth); }
 
 bool clsE5KUpload::CreateFile(const std::string& path) {
   try {

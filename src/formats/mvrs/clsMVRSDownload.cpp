@@ -1,12 +1,12 @@
 #include "formats/mvrs/clsMVRSDownload.h"
 
 #include "base/Failure.h"
-#include "formats/mvrs/MvrsCatalogue.h"
+#include "formats/mvrs/MVRSCatalogue.h"
 
 namespace hifx {
 
 clsMVRSDownload::clsMVRSDownload(IShell* shell)
-    : shell_(shell), types_(BuildRecordTypes(MvrsDownloadCatalogue(), shell)) {}
+    : shell_(shell), types_(BuildRecordTypes(MVRSDownloadCatalogue(), shell)) {}
 
 bool clsMVRSDownload::OpenFile(const std::string& path) { return file_.Open(path); }
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "base/Failure.h"
-#include "formats/mvrs/MvrsCatalogue.h"
+#include "formats/mvrs/MVRSCatalogue.h"
 
 namespace hifx {
 namespace {
@@ -17,7 +17,7 @@ constexpr std::array<std::string_view, 18> kWritable = {"FHD", "FTR", "RHD", "RT
 
 }  // namespace
 
-clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MvrsUploadCatalogue(), shell)) {}
+clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MVRSUploadCatalogue(), shell)) {}
 
 bool clsMVRSUpload::CreateFile(const std::string& path) {
   try {

@@ -8,7 +8,7 @@
 
 namespace hifx {
 
-std::vector<RecordLayout> MvrsDownloadCatalogue();
-std::vector<RecordLayout> MvrsUploadCatalogue();
+std::vector<RecordLayout> MVRSDownloadCatalogue();
+std::vector<RecordLayout> MVRSUploadCatalogue();
 
 }  // namespace hifx

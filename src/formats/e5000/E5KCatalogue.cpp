@@ -1,6 +1,6 @@
 // The E5000 record catalogues as the billing system lays its lines out.
 // Columns follow from the widths; the fillers are fields like any other.
-#include "formats/e5000/E5kCatalogue.h"
+#include "formats/e5000/E5KCatalogue.h"
 
 namespace hifx {
 namespace {
@@ -17,7 +17,7 @@ RecordLayout MeterDownload(const char* id) {
 
 }  // namespace
 
-std::vector<RecordLayout> E5kDownloadCatalogue() {
+std::vector<RecordLayout> E5KDownloadCatalogue() {
   return {
       {"F", {Txt("RecID", 1), Txt("Route", 8), Txt("Filler", 71)}},
       {"A",
@@ -38,11 +38,11 @@ std::vector<RecordLayout> E5kDownloadCatalogue() {
       {"Z",
        {Txt("RecID", 1), Txt("Route", 8), Num("NumberofAccounts", 4), Num("NumberofMeters", 4),
         Txt("Filler", 63)}},
-      {kE5kUnknownKind, {Txt("RecID", 1), Txt("Filler", 79)}},
+      {kE5KUnknownKind, {Txt("RecID", 1), Txt("Filler", 79)}},
   };
 }
 
-std::vector<RecordLayout> E5kUploadCatalogue() {
+std::vector<RecordLayout> E5KUploadCatalogue() {
   return {
       {"A",
        {Txt("RecID", 1), Txt("Route", 8), Num("NoofAccounts", 4), Num("NoofMeters", 4), Txt("ProcessorNumber", 3),

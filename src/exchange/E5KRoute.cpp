@@ -10,7 +10,7 @@
 #include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
-#include "formats/e5000/E5kCatalogue.h"
+#include "formats/e5000/E5KCatalogue.h"
 #include "formats/e5000/clsE5KDownload.h"
 
 namespace hifx {
@@ -19,7 +19,7 @@ namespace {
 // What the lines of an account ("A", "B", "E", "C") give every meter of it.
 // Nothing empties it: a field an account's lines don't give stays as the
 // account before left it.
-struct E5kAccount {
+struct E5KAccount {
   std::string AccountNumber;
   Value MeterSequenceNumber;
   std::string SpecialInstruction;
@@ -31,7 +31,7 @@ struct E5kAccount {
 
 // What the lines of a meter ("D", "H" or "I", "K01", "K05", "L") give it;
 // emptied after each write. Only the fields that reach the HIF are kept.
-struct E5kMeter {
+struct E5KMeter {
   bool pending = false;
   std::string SpecialInstructions;
   std::string MeterSerialNumber;
@@ -75,7 +75,7 @@ int32_t HifMeterType(const std::string& letter) {
   return 0;
 }
 
-void TakeAccountLine(const clsRecType& record, E5kAccount& account) {
+void TakeAccountLine(const clsRecType& record, E5KAccount& account) {
   const std::string& kind = record.IDText;
   if (kind == "A") {
     account.AccountNumber = TextField(record, "AccountNumber");
@@ -91,7 +91,7 @@ void TakeAccountLine(const clsRecType& record, E5kAccount& account) {
   }
 }
 
-void TakeMeterLine(const clsRecType& record, E5kMeter& meter) {
+void TakeMeterLine(const clsRecType& record, E5KMeter& meter) {
   const std::string& kind = record.IDText;
   if (kind == "D") {
     meter.SpecialInstructions = TextField(record, "SpecialInstructions");
@@ -123,21 +123,21 @@ bool clsExchange::IsAllDigits(const std::string& text) {
 }
 
 // What the conversion keeps from step to step.
-struct clsExchange::E5kRouteRun {
-  E5kRouteRun(IShell& shell, std::string sourceName) : download(&shell), source(std::move(sourceName)) {}
+struct clsExchange::E5KRouteRun {
+  E5KRouteRun(IShell& shell, std::string sourceName) : download(&shell), source(std::move(sourceName)) {}
 
   clsE5KDownload download;
   const std::string source;
   std::vector<int32_t> accounts{0};  // of each route's "Z" line, by route
   int32_t meters = 0;
   size_t route = 0;  // the route of the lines being read
-  E5kAccount account;
-  E5kMeter meter;
+  E5KAccount account;
+  E5KMeter meter;
 };
 
 // First pass: the routes of the "F" lines, the meters of the "H" and "I"
 // lines under each, and the account count of each route's "Z" line.
-void clsExchange::CountE5kRoutes(E5kRouteRun& run) {
+void clsExchange::CountE5KRoutes(E5KRouteRun& run) {
   clsE5KDownload& download = run.download;
   while (const clsRecType* record = download.ReadNext()) {
     env_.shell.SetProgressButton(255, download.Position255());
@@ -150,7 +150,7 @@ void clsExchange::CountE5kRoutes(E5kRouteRun& run) {
       ++run.meters;
     } else if (kind == "Z") {
       run.accounts[run.route] = NumberOf(record->GetValue("NumberofAccounts"));
-    } else if (kind == kE5kUnknownKind) {
+    } else if (kind == kE5KUnknownKind) {
       Log("Error: Unknown record type '" + TextOf(record->GetValue("RecID")) + "' at line " +
           std::to_string(download.LineNo()));
     }
@@ -159,7 +159,7 @@ void clsExchange::CountE5kRoutes(E5kRouteRun& run) {
 
 // The route HIF with its file header and route headers; false, logged, when
 // it can't be made.
-bool clsExchange::CreateE5kRouteFile(E5kRouteRun& run) {
+bool clsExchange::CreateE5KRouteFile(E5KRouteRun& run) {
   if (!RecordsFit(run.meters)) return false;
   const int32_t records = run.meters + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
@@ -178,28 +178,28 @@ bool clsExchange::CreateE5kRouteFile(E5kRouteRun& run) {
 
 // Second pass: the lines of each meter gathered, and the meter written when
 // the line of the next one begins.
-void clsExchange::ReadE5kMeters(E5kRouteRun& run) {
+void clsExchange::ReadE5KMeters(E5KRouteRun& run) {
   clsE5KDownload& download = run.download;
   run.route = 0;
   while (const clsRecType* record = download.ReadNext()) {
     env_.shell.SetProgressButton(255, download.Position255());
     const std::string& kind = record->IDText;
     if (kind == "F") {
-      WriteE5kMeter(run);
+      WriteE5KMeter(run);
       run.route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
     } else if (kind == "A" || kind == "D" || kind == "H" || kind == "I") {
-      WriteE5kMeter(run);
+      WriteE5KMeter(run);
     }
     TakeAccountLine(*record, run.account);
     TakeMeterLine(*record, run.meter);
   }
-  WriteE5kMeter(run);
+  WriteE5KMeter(run);
 }
 
 // The pending meter, if any, as one record of the route HIF.
-void clsExchange::WriteE5kMeter(E5kRouteRun& run) {
-  const E5kAccount& account = run.account;
-  E5kMeter& meter = run.meter;
+void clsExchange::WriteE5KMeter(E5KRouteRun& run) {
+  const E5KAccount& account = run.account;
+  E5KMeter& meter = run.meter;
   if (!meter.pending) return;
   clsHIF& hif = *ActiveHIF;
   const std::string& routeText = RouteNames[run.route];
@@ -233,16 +233,16 @@ void clsExchange::WriteE5kMeter(E5kRouteRun& run) {
   // same. The line goes as text behind a blank.
   if (CheckDuplicateTag(serial, routeText, " " + std::to_string(run.download.LineNo()))) HadProblems = true;
   WriteIndexedMeter();
-  meter = E5kMeter();
+  meter = E5KMeter();
 }
 
 bool clsExchange::ConvertRouteE5K() {
-  E5kRouteRun run(env_.shell, std::string(Trim(RouteSource)));
+  E5KRouteRun run(env_.shell, std::string(Trim(RouteSource)));
   if (!run.download.OpenFile(run.source)) return false;
-  CountE5kRoutes(run);
-  if (!CreateE5kRouteFile(run)) return false;
+  CountE5KRoutes(run);
+  if (!CreateE5KRouteFile(run)) return false;
   if (!run.download.OpenFile(run.source)) return false;
-  ReadE5kMeters(run);
+  ReadE5KMeters(run);
   return !HadProblems;
 }
 

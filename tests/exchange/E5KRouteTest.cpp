@@ -37,9 +37,9 @@ std::string Z(const std::string& route, const std::string& accounts) {
   return Columns({{"Z", 1}, {route, 8}, {accounts, 4}, {"0000", 4}});
 }
 
-class E5kRoute : public testing::Test {
+class E5KRoute : public testing::Test {
  protected:
-  E5kRoute() { site.Map({}, 4); }
+  E5KRoute() { site.Map({}, 4); }
   bool Convert(const std::vector<std::string>& lines) {
     site.Source(lines);
     return site.Exchange().ConvertRoute();
@@ -47,7 +47,7 @@ class E5kRoute : public testing::Test {
   RouteSite site;
 };
 
-TEST_F(E5kRoute, AMeterGathersTheLinesOfItsAccountAndItsOwn) {
+TEST_F(E5KRoute, AMeterGathersTheLinesOfItsAccountAndItsOwn) {
   ASSERT_TRUE(Convert({F("NORTH"), A("100-002", "00020", "DG"), B("JONES MARY", "14 MAIN ST"),
                        "ELOT 5 DP 1234", "C02PV0000000014", "DKEYS AT OFFICE",
                        H("1000002", 6, 200, 1200, 700, "W", 1),
@@ -95,7 +95,7 @@ TEST_F(E5kRoute, AMeterGathersTheLinesOfItsAccountAndItsOwn) {
   }
 }
 
-TEST_F(E5kRoute, UnknownAndDamagedLinesAreLoggedAndSkipped) {
+TEST_F(E5KRoute, UnknownAndDamagedLinesAreLoggedAndSkipped) {
   const std::string overlong = A("100-001", "00010") + std::string(5000, 'X');
   ASSERT_TRUE(Convert({"", F("NORTH"), "garbage\x01\xfe", overlong, std::string(300, '#'), B("DOE", "1 ELM"),
                        "K02 NOT A KIND", H("1000001", 0, 0, 0, 0, "W"), "a lower-case kind",
@@ -119,7 +119,7 @@ TEST_F(E5kRoute, UnknownAndDamagedLinesAreLoggedAndSkipped) {
   EXPECT_EQ(meters[0].Item("BillingName"), Value("DOE"));
 }
 
-TEST_F(E5kRoute, ARepeatedSerialSpoilsTheFileButIsWritten) {
+TEST_F(E5KRoute, ARepeatedSerialSpoilsTheFileButIsWritten) {
   EXPECT_FALSE(Convert({F("NORTH"), A("1", "00001"), H("1000001", 0, 0, 0, 0, "W"), A("2", "00002"),
                         H(" 1000001", 0, 0, 0, 0, "W"), Z("NORTH", "0002")}));
   // The line is the one that closed the meter, as text behind a blank.
@@ -129,7 +129,7 @@ TEST_F(E5kRoute, ARepeatedSerialSpoilsTheFileButIsWritten) {
   EXPECT_EQ(site.Meters().size(), 2u);
 }
 
-TEST(E5kRouteText, IsAllDigitsLooksAtTheTrimmedText) {
+TEST(E5KRouteText, IsAllDigitsLooksAtTheTrimmedText) {
   for (const auto& [text, digits] : {std::pair{"0123456789", true}, {"  42  ", true}, {"", true}, {"   ", true},
                                      {"12A", false}, {"1 2", false}, {"-1", false}, {"1.5", false}}) {
     EXPECT_EQ(clsExchange::IsAllDigits(text), digits) << '"' << text << '"';

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/Failure.h"
-#include "formats/e5000/E5kCatalogue.h"
+#include "formats/e5000/E5KCatalogue.h"
 #include "formats/e5000/clsE5KDownload.h"
 #include "formats/e5000/clsE5KUpload.h"
 #include "support/TempDir.h"
@@ -13,13 +13,13 @@
 namespace hifx::test {
 namespace {
 
-TEST(E5kFiles, EveryKindIsEightyColumns) {
-  for (const auto& catalogue : {E5kDownloadCatalogue(), E5kUploadCatalogue()}) {
+TEST(E5KFiles, EveryKindIsEightyColumns) {
+  for (const auto& catalogue : {E5KDownloadCatalogue(), E5KUploadCatalogue()}) {
     for (const auto& type : BuildRecordTypes(catalogue, nullptr)) EXPECT_EQ(type->RecLen(), 80) << type->IDText;
   }
 }
 
-TEST(E5kFiles, LinesAreToldApartByTheirLeadingColumns) {
+TEST(E5KFiles, LinesAreToldApartByTheirLeadingColumns) {
   // line, kind, RecID as read
   const std::vector<std::tuple<std::string, std::string, std::string>> cases = {
       {"FROUTE1", "F", "F"},       {"A", "A", "A"},       {"K01FRONT", "K01", "K01"}, {"K05", "K05", "K05"},
@@ -50,7 +50,7 @@ TEST(E5kFiles, LinesAreToldApartByTheirLeadingColumns) {
   EXPECT_EQ(empty.LineNo(), 0);
 }
 
-TEST(E5kFiles, UploadLinesAreEightyColumnsOfTheKindsItKnows) {
+TEST(E5KFiles, UploadLinesAreEightyColumnsOfTheKindsItKnows) {
   TempDir dir;
   clsE5KUpload file;
   EXPECT_EQ(file.SetupRecord("H"), nullptr);

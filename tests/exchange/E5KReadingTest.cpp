@@ -17,9 +17,9 @@ struct Meter {
   const char* user2 = "";
 };
 
-class E5kReading : public testing::Test {
+class E5KReading : public testing::Test {
  protected:
-  E5kReading() {
+  E5KReading() {
     clsExchange& e = site.Exchange();
     e.ReadingSource = (site.dir / "reading.pdb").string();
     e.ReadingDestination = (site.dir / "upload.txt").string();
@@ -54,7 +54,7 @@ class E5kReading : public testing::Test {
 // An upload line: the text, then blanks to 80 columns.
 std::string L(const std::string& text) { return text + std::string(80 - text.size(), ' '); }
 
-TEST_F(E5kReading, RoutesAccountsAndMetersInFileOrder) {
+TEST_F(E5KReading, RoutesAccountsAndMetersInFileOrder) {
   Reading({{1, 30, "ACC-1", "VG0000000001", 1, 1234, 20240305, 83015, "1000001", "01"},
            {1, 40, "ACC-1", "", 1, 0, 20240306, 90000, "SN2"},  // read as 0 on a radio meter: written
            {1, 5, "ACC-X", "VG9", 4},                            // ReadType 4: passed over
@@ -89,7 +89,7 @@ TEST_F(E5kReading, RoutesAccountsAndMetersInFileOrder) {
             }));
 }
 
-TEST_F(E5kReading, ARouteMetAgainIsOpenedAgainAndAnEmptyAccountOpensNone) {
+TEST_F(E5KReading, ARouteMetAgainIsOpenedAgainAndAnEmptyAccountOpensNone) {
   // A new route forgets the account before it, so the same account opens
   // again there.
   Reading({{2, 1, "", "VG1"}, {1, 2, "A1", "VG1"}, {2, 3, "A1", ""}});
@@ -104,13 +104,13 @@ TEST_F(E5kReading, ARouteMetAgainIsOpenedAgainAndAnEmptyAccountOpensNone) {
                           L("ZSOUTH   HIF")}));
 }
 
-TEST_F(E5kReading, AnUploadWithNoMeterToSendStillEndsWithItsZLine) {
+TEST_F(E5KReading, AnUploadWithNoMeterToSendStillEndsWithItsZLine) {
   Reading({{1, 1, "A1", "VG1", 4}, {2, 2, "A2", "VG2", 1, 99, 0}}, "P42 loaded", "XYZEMP");
   ASSERT_TRUE(site.Exchange().ConvertReading());
   EXPECT_EQ(Upload(), (std::vector<std::string>{L("Z        P42EMP")}));
 }
 
-TEST_F(E5kReading, AMeterOfARouteWithNoHeaderIsAFailureOfTheRun) {
+TEST_F(E5KReading, AMeterOfARouteWithNoHeaderIsAFailureOfTheRun) {
   Reading({{1, 1, "A1", "VG1"}, {3, 2, "A1", "VG1"}});
   EXPECT_FALSE(site.Exchange().ConvertReading());
   EXPECT_EQ(site.shell.Logged("Subscript out of range"), 1u);

@@ -11,7 +11,7 @@ namespace hifx {
 namespace {
 
 // What the first pass learns of a route.
-struct E5kRouteSummary {
+struct E5KRouteSummary {
   int32_t accounts = 0;
   int32_t meters = 0;
   std::string readDate;
@@ -38,13 +38,13 @@ size_t RouteOf(clsHIF& hif, size_t routes) {
 }
 
 // What a conversion keeps from pass to pass.
-struct E5kUploadRun {
-  explicit E5kUploadRun(IShell& shell) : upload(&shell) {}
+struct E5KUploadRun {
+  explicit E5KUploadRun(IShell& shell) : upload(&shell) {}
 
   clsE5KUpload upload;
   std::string processor;  // of the file header, for every route
   std::string employer;
-  std::vector<E5kRouteSummary> summaries = std::vector<E5kRouteSummary>(1);
+  std::vector<E5KRouteSummary> summaries = std::vector<E5KRouteSummary>(1);
   size_t current = 0;  // the route whose lines are being written; 0 before the first
   std::string lastAccount;
 };
@@ -52,9 +52,9 @@ struct E5kUploadRun {
 // First pass, one record: the file header gives the file's processor and
 // employer numbers, a route header its account count, and a meter that
 // passes counts in its route. `routes` is the size of the route list.
-void SummariseRecord(E5kUploadRun& run, clsHIF& hif, int32_t recType, size_t routes) {
+void SummariseRecord(E5KUploadRun& run, clsHIF& hif, int32_t recType, size_t routes) {
   if (recType == kRecFileHeader) {
-    run.summaries.assign(routes, E5kRouteSummary());
+    run.summaries.assign(routes, E5KRouteSummary());
     run.processor = TextOf(hif.Item("Initials")).substr(0, 3);
     const std::string response = TextOf(hif.Item("ResponseText"));
     run.employer = response.substr(response.size() - std::min<size_t>(response.size(), 3));
@@ -62,7 +62,7 @@ void SummariseRecord(E5kUploadRun& run, clsHIF& hif, int32_t recType, size_t rou
     // The route conversion left the download's account count here.
     run.summaries[RouteOf(hif, run.summaries.size())].accounts = NumberOf(hif.Item("User1"));
   } else if (recType == kRecMeter && Passes(hif)) {
-    E5kRouteSummary& summary = run.summaries[RouteOf(hif, run.summaries.size())];
+    E5KRouteSummary& summary = run.summaries[RouteOf(hif, run.summaries.size())];
     ++summary.meters;
     if (summary.readDate.empty()) summary.readDate = From(TextOf(hif.Item("ReadingDate")), 2);
     const int32_t sequence = NumberOf(hif.Item("Sequence"));
@@ -72,7 +72,7 @@ void SummariseRecord(E5kUploadRun& run, clsHIF& hif, int32_t recType, size_t rou
 }
 
 // The "A" line that opens a route, with the counts of the first pass.
-void WriteRouteStart(E5kUploadRun& run, const std::string& routeText, const E5kRouteSummary& summary) {
+void WriteRouteStart(E5KUploadRun& run, const std::string& routeText, const E5KRouteSummary& summary) {
   clsRecType& a = *run.upload.SetupRecord("A");
   a.SetValue("Route", Value(routeText));
   a.SetValue("NoofAccounts", Value::Long(summary.accounts));
@@ -87,7 +87,7 @@ void WriteRouteStart(E5kUploadRun& run, const std::string& routeText, const E5kR
 }
 
 // The "Z" line that closes a route.
-void WriteRouteEnd(E5kUploadRun& run, const std::string& routeText) {
+void WriteRouteEnd(E5KUploadRun& run, const std::string& routeText) {
   clsRecType& z = *run.upload.SetupRecord("Z");
   z.SetValue("Route", Value(routeText));
   z.SetValue("ProcessorNumber", Value(run.processor));
@@ -97,7 +97,7 @@ void WriteRouteEnd(E5kUploadRun& run, const std::string& routeText) {
 
 // The "C" line of a new account, and its "S" line when the meter has a
 // User1.
-void WriteAccountLines(E5kUploadRun& run, clsHIF& hif, const std::string& routeText, const std::string& account,
+void WriteAccountLines(E5KUploadRun& run, clsHIF& hif, const std::string& routeText, const std::string& account,
                        const std::string& user1) {
   clsRecType& c = *run.upload.SetupRecord("C");
   c.SetValue("Route", Value(routeText));
@@ -115,7 +115,7 @@ void WriteAccountLines(E5kUploadRun& run, clsHIF& hif, const std::string& routeT
 }
 
 // The "D" and "E" lines of a meter.
-void WriteMeterLines(E5kUploadRun& run, clsHIF& hif, const std::string& user1) {
+void WriteMeterLines(E5KUploadRun& run, clsHIF& hif, const std::string& user1) {
   clsRecType& d = *run.upload.SetupRecord("D");
   d.SetValue("RelativeMeterNumber", hif.Item("User2"));
   d.SetValue("MeterNumber", hif.Item("MeterSerialNbr"));
@@ -141,7 +141,7 @@ void WriteMeterLines(E5kUploadRun& run, clsHIF& hif, const std::string& user1) {
 // Second pass, one meter that passes: the "Z" and "A" lines of a change of
 // route, the account's lines where the account differs from the meter
 // before, and the meter's own lines.
-void WriteMeter(E5kUploadRun& run, clsHIF& hif, const std::vector<std::string>& routeInitials) {
+void WriteMeter(E5KUploadRun& run, clsHIF& hif, const std::vector<std::string>& routeInitials) {
   const size_t route = RouteOf(hif, run.summaries.size());
   if (route != run.current) {
     if (run.current != 0) WriteRouteEnd(run, routeInitials[run.current]);
@@ -165,7 +165,7 @@ void WriteMeter(E5kUploadRun& run, clsHIF& hif, const std::vector<std::string>& 
 bool clsExchange::ConvertReadingE5K(int16_t version) {
   ClearRoute();
   RouteInitials.assign(1, std::string());
-  E5kUploadRun run(env_.shell);
+  E5KUploadRun run(env_.shell);
   run.upload.Open(std::string(Trim(ReadingDestination)));
   ReadingHIF = std::make_unique<clsHIF>(env_.shell);
   ReadingHIF->SetVersion(version);

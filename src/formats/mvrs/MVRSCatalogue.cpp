@@ -1,6 +1,6 @@
 // The MVRS record catalogues, one for each direction, as the billing system
 // lays its lines out. Columns follow from the widths.
-#include "formats/mvrs/MvrsCatalogue.h"
+#include "formats/mvrs/MVRSCatalogue.h"
 
 namespace hifx {
 namespace {
@@ -94,7 +94,7 @@ RecordLayout ExtendedRouteUpload(const char* id) {
 
 }  // namespace
 
-std::vector<RecordLayout> MvrsDownloadCatalogue() {
+std::vector<RecordLayout> MVRSDownloadCatalogue() {
   return {
       FileHeaderDownload("FHD"),
       FileHeaderDownload("FTR"),
@@ -154,7 +154,7 @@ std::vector<RecordLayout> MvrsDownloadCatalogue() {
   };
 }
 
-std::vector<RecordLayout> MvrsUploadCatalogue() {
+std::vector<RecordLayout> MVRSUploadCatalogue() {
   return {
       FileHeaderUpload("FHD"),
       FileHeaderUpload("FTR"),

@@ -9,12 +9,12 @@
 namespace hifx {
 
 // The width of every E5000 line.
-inline constexpr int16_t kE5kLineWidth = 80;
+inline constexpr int16_t kE5KLineWidth = 80;
 // The kind that stands for every line no other kind recognises; it is last
 // in the download catalogue and no line is ever tested against it.
-inline constexpr const char* kE5kUnknownKind = "?";
+inline constexpr const char* kE5KUnknownKind = "?";
 
-std::vector<RecordLayout> E5kDownloadCatalogue();
-std::vector<RecordLayout> E5kUploadCatalogue();
+std::vector<RecordLayout> E5KDownloadCatalogue();
+std::vector<RecordLayout> E5KUploadCatalogue();
 
 }  // namespace hifx

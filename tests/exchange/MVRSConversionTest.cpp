@@ -6,7 +6,7 @@
 
 #include "base/DateSerial.h"
 #include "exchange/ExchangeText.h"
-#include "formats/mvrs/MvrsCatalogue.h"
+#include "formats/mvrs/MVRSCatalogue.h"
 #include "support/HifImage.h"
 #include "support/RouteSite.h"
 
@@ -27,12 +27,12 @@ std::string Line(const std::vector<RecordLayout>& catalogue, const std::string& 
   return {};
 }
 std::string Route(const std::string& kind, const Fields& fields = {}) {
-  return Line(MvrsDownloadCatalogue(), kind, fields);
+  return Line(MVRSDownloadCatalogue(), kind, fields);
 }
 
 // The values of a reading file's line, by field name.
 clsRecType Parsed(const std::string& line) {
-  for (auto& type : BuildRecordTypes(MvrsUploadCatalogue(), nullptr)) {
+  for (auto& type : BuildRecordTypes(MVRSUploadCatalogue(), nullptr)) {
     if (type->TestID(line)) {
       type->Parse(line);
       return std::move(*type);
@@ -42,9 +42,9 @@ clsRecType Parsed(const std::string& line) {
   return clsRecType();
 }
 
-class MvrsSite : public RouteSite {
+class MVRSSite : public RouteSite {
  public:
-  explicit MvrsSite(bool radio = false) { Map({}, 3, "Route", radio ? "MAPOPTIONS=1:Y\r\n" : ""); }
+  explicit MVRSSite(bool radio = false) { Map({}, 3, "Route", radio ? "MAPOPTIONS=1:Y\r\n" : ""); }
   bool Convert(const std::vector<std::string>& lines) {
     Source(lines);
     return Exchange().ConvertRoute();
@@ -58,8 +58,8 @@ class MvrsSite : public RouteSite {
 
 std::string Text(const KeyedCollection<Value>& record, const char* name) { return TextOf(record.Item(name)); }
 
-TEST(MvrsRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
-  MvrsSite site;
+TEST(MVRSRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
+  MVRSSite site;
   const bool ok = site.Convert({
       Route("FHD"),
       Route("CHD", {{"NumberRoutes", "0"}, {"CycleDate", "11202026"}}),
@@ -125,9 +125,9 @@ TEST(MvrsRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
   EXPECT_EQ(site.Log().find("ZZZ"), std::string::npos);
 }
 
-TEST(MvrsRoute, RadioOptionTakesAnEightDigitMeterNumberAsTheTag) {
+TEST(MVRSRoute, RadioOptionTakesAnEightDigitMeterNumberAsTheTag) {
   for (const bool option : {true, false}) {
-    MvrsSite site(option);
+    MVRSSite site(option);
     ASSERT_TRUE(site.Convert({
         Route("CHD", {{"NumberRoutes", "1"}}),
         Route("RHD", {{"RouteNumber", "R1"}}),
@@ -149,8 +149,8 @@ TEST(MvrsRoute, RadioOptionTakesAnEightDigitMeterNumberAsTheTag) {
   }
 }
 
-TEST(MvrsRoute, ADuplicateTransponderIsAProblemButEveryMeterIsWritten) {
-  MvrsSite site;
+TEST(MVRSRoute, ADuplicateTransponderIsAProblemButEveryMeterIsWritten) {
+  MVRSSite site;
   EXPECT_FALSE(site.Convert({
       Route("CHD", {{"NumberRoutes", "1"}}),
       Route("RHD", {{"RouteNumber", "R1"}}),
@@ -169,14 +169,14 @@ TEST(MvrsRoute, ADuplicateTransponderIsAProblemButEveryMeterIsWritten) {
   EXPECT_NE(log.find("Problems encountered; Route file unusable\n"), std::string::npos);
 }
 
-TEST(MvrsRoute, ARouteWithoutACycleFailsInTheDriversFrame) {
-  MvrsSite site;
+TEST(MVRSRoute, ARouteWithoutACycleFailsInTheDriversFrame) {
+  MVRSSite site;
   EXPECT_FALSE(site.Convert({Route("FHD"), Route("RHD", {{"RouteNumber", "R1"}}), Route("CUS"), Route("MTR")}));
   ASSERT_EQ(site.shell.questions.size(), 1u);
   EXPECT_EQ(site.shell.questions[0].text, "Subscript out of range");
   EXPECT_EQ(site.shell.questions[0].title, "Error");
   // Garbage from the first line: nothing read, nothing written.
-  MvrsSite garbage;
+  MVRSSite garbage;
   EXPECT_FALSE(garbage.Convert({std::string(5000, 'x'), Route("CHD")}));
   EXPECT_NE(garbage.Log().find("The RouteHIF contains no meter records."), std::string::npos);
 }
@@ -191,9 +191,9 @@ struct ReadMeter {
   int recType = 2;
 };
 
-class MvrsReadingSite : public MvrsSite {
+class MVRSReadingSite : public MVRSSite {
  public:
-  MvrsReadingSite() {
+  MVRSReadingSite() {
     Exchange().ReadingSource = (dir / "reading.pdb").string();
     Exchange().ReadingDestination = (dir / "reading.dat").string();
     Exchange().ReadingMap = "Read";
@@ -219,8 +219,8 @@ class MvrsReadingSite : public MvrsSite {
   std::vector<std::string> Output() { return CrLfLines(ReadBytes(dir / "reading.dat")); }
 };
 
-TEST(MvrsReading, CountsCodesAndReadingsOfEachMeter) {
-  MvrsReadingSite site;
+TEST(MVRSReading, CountsCodesAndReadingsOfEachMeter) {
+  MVRSReadingSite site;
   site.Hif({
       {.status = 0, .readType = 0, .reading = 0},                   // unread
       {.status = 1, .readType = 4, .reading = 0},                   // skipped
@@ -287,8 +287,8 @@ TEST(MvrsReading, CountsCodesAndReadingsOfEachMeter) {
   EXPECT_EQ(TextOf(probe.GetValue("LocationExtraMeter")), "Y");  // the survey text's first letter
 }
 
-TEST(MvrsReading, RoutesWithoutMetersGiveOnlyTheFileLines) {
-  MvrsReadingSite site;
+TEST(MVRSReading, RoutesWithoutMetersGiveOnlyTheFileLines) {
+  MVRSReadingSite site;
   site.Hif({}, 3, 256);
   ASSERT_TRUE(site.Exchange().ConvertReading());
   const auto lines = site.Output();
@@ -297,8 +297,8 @@ TEST(MvrsReading, RoutesWithoutMetersGiveOnlyTheFileLines) {
   EXPECT_EQ(lines[1].substr(0, 3), "FTR");
 }
 
-TEST(MvrsReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
-  MvrsReadingSite site;
+TEST(MVRSReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
+  MVRSReadingSite site;
   site.Hif({{.route = 1}, {.route = 5}, {.route = 1}});
   // Ignored while counting, then Abort while writing: what was written
   // stays, with no trailer.

@@ -16,7 +16,7 @@ namespace {
 // Reserve for the code and index records behind the meters.
 constexpr int32_t kCodeRecordReserve = 4200;
 
-struct MvrsRouteEntry {
+struct MVRSRouteEntry {
   std::string RouteNumber;
   std::string Region;
   std::string Zone;
@@ -26,7 +26,7 @@ struct MvrsRouteEntry {
   int16_t MeterCount = 0;
 };
 
-struct MvrsCustomer {
+struct MVRSCustomer {
   std::string Address1 = Fixed20("");
   std::string Address2 = Fixed20("");
   std::string Address3 = Fixed20("");
@@ -47,7 +47,7 @@ struct MvrsCustomer {
   }
 };
 
-struct MvrsMeter {
+struct MVRSMeter {
   bool Pending = false;
   bool Radio = false;  // the meter number is the transponder's
   int16_t ReadSequence = 0;
@@ -76,14 +76,14 @@ std::string Str(int32_t number) { return std::to_string(number); }
 int16_t Add16(int16_t total, int32_t more) { return ToInt16(static_cast<double>(total) + more); }
 
 // The route table's entry, counted from 1; failure 9 outside it.
-MvrsRouteEntry& EntryAt(std::vector<MvrsRouteEntry>& table, int32_t index) {
+MVRSRouteEntry& EntryAt(std::vector<MVRSRouteEntry>& table, int32_t index) {
   if (index < 1 || static_cast<size_t>(index) > table.size()) throw Failure(fail::kSubscript);
   return table[static_cast<size_t>(index - 1)];
 }
 
 // What pass 1 learns: the routes, and the totals that the header needs.
-struct MvrsRouteCounts {
-  std::vector<MvrsRouteEntry> table;  // from 1
+struct MVRSRouteCounts {
+  std::vector<MVRSRouteEntry> table;  // from 1
   int16_t customerTotal = 0;
   int16_t meterTotal = 0;
   int16_t meterLines = 0;
@@ -91,8 +91,8 @@ struct MvrsRouteCounts {
 
 // Pass 1: the routes of the "CHD" and "RHD" lines, and the meters of the
 // "MTR" lines under each.
-MvrsRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
-  MvrsRouteCounts counts;
+MVRSRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
+  MVRSRouteCounts counts;
   int16_t routeTotal = 0;
   Value cycleDate = Value::Date(0);
   int32_t filled = 0;
@@ -109,7 +109,7 @@ MvrsRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
     } else if (kind == "RHD") {
       counts.customerTotal = Add16(counts.customerTotal, Number(*record, "NumberCustomerRecords"));
       counts.meterTotal = Add16(counts.meterTotal, Number(*record, "NumberMeterRecords"));
-      MvrsRouteEntry& entry = EntryAt(counts.table, ++filled);
+      MVRSRouteEntry& entry = EntryAt(counts.table, ++filled);
       entry.RouteNumber = Text(*record, "RouteNumber");
       entry.Region = Text(*record, "Region");
       entry.Zone = Text(*record, "Zone");
@@ -117,7 +117,7 @@ MvrsRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
       entry.CycleDate = cycleDate;
       entry.NumberRemoteWandReads = ToInt16(Number(*record, "NumberRemoteWandReads"));
     } else if (kind == "MTR") {
-      MvrsRouteEntry& entry = EntryAt(counts.table, filled);
+      MVRSRouteEntry& entry = EntryAt(counts.table, filled);
       entry.MeterCount = Add16(entry.MeterCount, 1);
       counts.meterLines = Add16(counts.meterLines, 1);
     }
@@ -127,7 +127,7 @@ MvrsRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
 
 // The file header: the routes, the meters, and the totals of the route
 // headers.
-void WriteHeaderRecord(clsExchange& exchange, const MvrsRouteCounts& counts, const std::string& source) {
+void WriteHeaderRecord(clsExchange& exchange, const MVRSRouteCounts& counts, const std::string& source) {
   const ExchangeEnvironment& env = exchange.Environment();
   clsHIF& hif = *exchange.ActiveHIF;
   const CivilTime now = env.clock.Now();
@@ -147,9 +147,9 @@ void WriteHeaderRecord(clsExchange& exchange, const MvrsRouteCounts& counts, con
 }
 
 // One route record a table entry, in table order.
-void WriteRouteRecords(clsHIF& hif, const std::vector<MvrsRouteEntry>& table) {
+void WriteRouteRecords(clsHIF& hif, const std::vector<MVRSRouteEntry>& table) {
   for (size_t i = 0; i < table.size(); ++i) {
-    const MvrsRouteEntry& entry = table[i];
+    const MVRSRouteEntry& entry = table[i];
     hif.AddNew();
     hif.SetItem("RecType", Value::Long(kRecRouteHeader));
     hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(i + 1)));
@@ -164,22 +164,22 @@ void WriteRouteRecords(clsHIF& hif, const std::vector<MvrsRouteEntry>& table) {
 
 // Pass 2's working records: the route, the customer and the meter being
 // folded into one HIF record.
-struct MvrsFold {
-  MvrsFold(clsExchange& owner, const std::vector<MvrsRouteEntry>& routes)
+struct MVRSFold {
+  MVRSFold(clsExchange& owner, const std::vector<MVRSRouteEntry>& routes)
       : exchange(owner), table(routes), radioOption(owner.ActiveMap->MapOptions(1) == "Y") {}
 
   clsExchange& exchange;
-  const std::vector<MvrsRouteEntry>& table;
+  const std::vector<MVRSRouteEntry>& table;
   const bool radioOption;
   int32_t route = 0;  // the lower bound of the route list until the first route
   std::string routeNumber;
-  MvrsCustomer customer;
-  MvrsMeter meter;
+  MVRSCustomer customer;
+  MVRSMeter meter;
 };
 
 // What the handheld doesn't use but the reading file must give back, packed
 // in the five user fields.
-void SetUserFields(clsHIF& hif, const MvrsCustomer& customer, const MvrsMeter& meter) {
+void SetUserFields(clsHIF& hif, const MVRSCustomer& customer, const MVRSMeter& meter) {
   hif.SetItem("User1", Value(clsExchange::CombineUser({Str(customer.CustomerSlot), customer.Account,
                                                        customer.GroupCode, customer.ExtraIndicator,
                                                        customer.SegmentCode, customer.PassThru,
@@ -200,9 +200,9 @@ void SetUserFields(clsHIF& hif, const MvrsCustomer& customer, const MvrsMeter& m
 }
 
 // The pending meter as one HIF record of the current route.
-void WriteMeterRecord(MvrsFold& fold) {
-  const MvrsCustomer& customer = fold.customer;
-  const MvrsMeter& meter = fold.meter;
+void WriteMeterRecord(MVRSFold& fold) {
+  const MVRSCustomer& customer = fold.customer;
+  const MVRSMeter& meter = fold.meter;
   clsHIF& hif = *fold.exchange.ActiveHIF;
   const std::string tag = Str(meter.TagNumber);
   hif.AddNew();
@@ -245,12 +245,12 @@ void WriteMeterRecord(MvrsFold& fold) {
 }
 
 // Writes the pending meter, if any, counts it and hands it to the index.
-void FlushMeter(MvrsFold& fold) {
+void FlushMeter(MVRSFold& fold) {
   if (!fold.meter.Pending) return;
   clsExchange& exchange = fold.exchange;
   WriteMeterRecord(fold);
   ++exchange.MetersWritten;
-  fold.meter = MvrsMeter();
+  fold.meter = MVRSMeter();
   if (exchange.CreateIndexes) {
     clsHIF& hif = *exchange.ActiveHIF;
     exchange.UpdateIndexes(NumberOf(hif.Item("RouteNbr")), exchange.MeterRecordNumber,
@@ -263,7 +263,7 @@ void FlushMeter(MvrsFold& fold) {
 
 // "RHD": the route of the table with the line's number, or one past the
 // table's end when none has it.
-void TakeRouteLine(MvrsFold& fold, const clsRecType& line) {
+void TakeRouteLine(MVRSFold& fold, const clsRecType& line) {
   FlushMeter(fold);
   fold.routeNumber = Text(line, "RouteNumber");
   fold.route = static_cast<int32_t>(fold.table.size()) + 1;
@@ -276,13 +276,13 @@ void TakeRouteLine(MvrsFold& fold, const clsRecType& line) {
 }
 
 // "CUS": a new working customer.
-void TakeCustomerLine(MvrsFold& fold, const clsRecType& line) {
+void TakeCustomerLine(MVRSFold& fold, const clsRecType& line) {
   FlushMeter(fold);
-  MvrsCustomer& customer = fold.customer;
-  customer = MvrsCustomer();
-  customer.Name = MvrsCustomer::Fixed20(Text(line, "Name"));
-  customer.Address1 = MvrsCustomer::Fixed20(Text(line, "Address1"));
-  customer.Address2 = MvrsCustomer::Fixed20(Text(line, "Address2"));
+  MVRSCustomer& customer = fold.customer;
+  customer = MVRSCustomer();
+  customer.Name = MVRSCustomer::Fixed20(Text(line, "Name"));
+  customer.Address1 = MVRSCustomer::Fixed20(Text(line, "Address1"));
+  customer.Address2 = MVRSCustomer::Fixed20(Text(line, "Address2"));
   customer.UtilityID = Text(line, "UtilityID");
   customer.Account = Text(line, "Account");
   customer.GroupCode = Text(line, "GroupCode");
@@ -294,10 +294,10 @@ void TakeCustomerLine(MvrsFold& fold, const clsRecType& line) {
 
 // "MTR": a new pending meter. With the radio option, an 8-digit meter number
 // is the transponder's, and the meter reads by radio.
-void TakeMeterLine(MvrsFold& fold, const clsRecType& line) {
+void TakeMeterLine(MVRSFold& fold, const clsRecType& line) {
   FlushMeter(fold);
-  MvrsMeter& meter = fold.meter;
-  meter = MvrsMeter();
+  MVRSMeter& meter = fold.meter;
+  meter = MVRSMeter();
   meter.Pending = true;
   meter.MeterNumber = Text(line, "MeterNumber");
   meter.MeterCategory = Text(line, "MeterCategory");
@@ -327,21 +327,21 @@ void TakeMeterLine(MvrsFold& fold, const clsRecType& line) {
 }
 
 // "RFF": the transponder, whose tag must not be one seen before.
-void TakeRadioLine(MvrsFold& fold, const clsRecType& line, int32_t lineNo) {
-  MvrsMeter& meter = fold.meter;
+void TakeRadioLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
+  MVRSMeter& meter = fold.meter;
   meter.TagNumber = ToInt32(NumericPrefix(Text(line, "RFERTID")));
   meter.GeographicArea = Number(line, "GeographicArea");
   meter.RFFrequency = Text(line, "RFFrequency");
   meter.RFTone = Text(line, "RFTone");
   meter.Tamper = Number(line, "Tamper");
-  const MvrsCustomer& customer = fold.customer;
+  const MVRSCustomer& customer = fold.customer;
   if (fold.exchange.CheckDuplicateTag(Str(meter.TagNumber), customer.Name + " " + customer.Address1, lineNo)) {
     fold.exchange.HadProblems = true;
   }
 }
 
 // "RDG": one reading a meter, so a second line overwrites the first.
-void TakeReadingLine(MvrsMeter& meter, const clsRecType& line) {
+void TakeReadingLine(MVRSMeter& meter, const clsRecType& line) {
   meter.NumberDials = Number(line, "NumberDials");
   meter.PreviousReading = Number(line, "PreviousReading");
   meter.TextPrompt = Text(line, "TextPrompt");
@@ -358,15 +358,15 @@ void TakeReadingLine(MvrsMeter& meter, const clsRecType& line) {
 }
 
 // One line of pass 2 into the working records; other kinds are passed over.
-void FoldLine(MvrsFold& fold, const clsRecType& line, int32_t lineNo) {
+void FoldLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
   const std::string& kind = line.IDText;
   if (kind == "RHD") {
     TakeRouteLine(fold, line);
   } else if (kind == "CUS") {
     TakeCustomerLine(fold, line);
   } else if (kind == "CSX") {
-    fold.customer.Name2 = MvrsCustomer::Fixed20(Text(line, "Name"));
-    fold.customer.Address3 = MvrsCustomer::Fixed20(Text(line, "Address3"));
+    fold.customer.Name2 = MVRSCustomer::Fixed20(Text(line, "Name"));
+    fold.customer.Address3 = MVRSCustomer::Fixed20(Text(line, "Address3"));
   } else if (kind == "MTR") {
     TakeMeterLine(fold, line);
   } else if (kind == "RTS") {
@@ -386,8 +386,8 @@ void FoldLine(MvrsFold& fold, const clsRecType& line, int32_t lineNo) {
 
 // Pass 2: each meter with the lines that follow it, until the next meter,
 // customer or route, as one HIF record.
-void FoldMeters(clsExchange& exchange, clsMVRSDownload& reader, const std::vector<MvrsRouteEntry>& table) {
-  MvrsFold fold(exchange, table);
+void FoldMeters(clsExchange& exchange, clsMVRSDownload& reader, const std::vector<MVRSRouteEntry>& table) {
+  MVRSFold fold(exchange, table);
   while (clsRecType* record = reader.ReadNext()) {
     exchange.Environment().shell.SetProgressButton(765, reader.Position255() + 255);
     FoldLine(fold, *record, reader.LineNo());
@@ -415,7 +415,7 @@ bool clsExchange::ConvertRouteMVRS() {
   const std::string source(Trim(RouteSource));
   auto reader = std::make_unique<clsMVRSDownload>(&env_.shell);
   if (!reader->OpenFile(source)) return false;
-  const MvrsRouteCounts counts = CountRoutes(*reader, env_.shell);
+  const MVRSRouteCounts counts = CountRoutes(*reader, env_.shell);
 
   const auto routes = static_cast<int32_t>(counts.table.size());
   if (!RecordsFit(counts.meterLines, routes)) return false;

@@ -17,7 +17,7 @@
 namespace hifx {
 namespace {
 
-struct MvrsRouteTotals {
+struct MVRSRouteTotals {
   std::string RouteNumber;
   int16_t MeterCount = 0;
   std::string Region, Zone, Office;
@@ -28,12 +28,12 @@ struct MvrsRouteTotals {
   int16_t Missed = 0, Radio = 0, Keyed = 0, Probe = 0, Skipped = 0;
 };
 
-struct MvrsReadCustomer {
+struct MVRSReadCustomer {
   std::string Address1, Address2, Address3, Name, Name2;
   std::string Account, GroupCode, ExtraIndicator, SegmentCode, PassThru, CustomerInfo, UtilityID;
 };
 
-struct MvrsReadMeter {
+struct MVRSReadMeter {
   std::string MeterNumber, MeterCategory;
   int32_t ReadSequence = 0, TagNumber = 0, NumberDials = 0, NumberDecimals = 0;
   int32_t CurReading = 0, PreviousReading = 0;
@@ -96,17 +96,17 @@ const char* ReadMethodOf(int32_t readType) {
 }
 
 // One meter record of pass 2 as its lines take it.
-struct MvrsReadRecord {
-  MvrsReadCustomer customer;
-  MvrsReadMeter meter;
+struct MVRSReadRecord {
+  MVRSReadCustomer customer;
+  MVRSReadMeter meter;
   int32_t status = 0;
   int32_t readType = 0;
   int32_t responseCode = 0;
 };
 
 // What a conversion keeps from step to step.
-struct MvrsReadingRun {
-  MvrsReadingRun(clsExchange& owner, int16_t fileVersion)
+struct MVRSReadingRun {
+  MVRSReadingRun(clsExchange& owner, int16_t fileVersion)
       : exchange(owner), shell(owner.Environment().shell), version(fileVersion), upload(&shell) {}
 
   // Every step runs under one frame: Abort ends the conversion, Retry runs
@@ -131,7 +131,7 @@ struct MvrsReadingRun {
     }
   }
 
-  MvrsRouteTotals& Entry(int32_t route) {
+  MVRSRouteTotals& Entry(int32_t route) {
     if (route < 1 || static_cast<size_t>(route) > table.size()) throw Failure(fail::kSubscript);
     return table[static_cast<size_t>(route - 1)];
   }
@@ -147,13 +147,13 @@ struct MvrsReadingRun {
   IShell& shell;
   const int16_t version;
   clsMVRSUpload upload;
-  std::vector<MvrsRouteTotals> table;  // from 1
+  std::vector<MVRSRouteTotals> table;  // from 1
   int16_t routeTotal = 0, customerTotal = 0, meterTotal = 0, readTotal = 0;
   int32_t current = 0;  // the route whose lines are being written; 0 before the first
 };
 
 // The reading HIF opened from its start, as the exchange's ActiveHIF.
-void OpenReadingFile(MvrsReadingRun& run) {
+void OpenReadingFile(MVRSReadingRun& run) {
   clsExchange& exchange = run.exchange;
   exchange.ActiveHIF = std::make_unique<clsHIF>(run.shell);
   exchange.ActiveHIF->SetVersion(run.version);
@@ -162,19 +162,19 @@ void OpenReadingFile(MvrsReadingRun& run) {
 
 // Pass 1, the file header: a route table of as many empty entries as it
 // counts routes.
-void SizeRouteTable(MvrsReadingRun& run, clsHIF& hif) {
+void SizeRouteTable(MVRSReadingRun& run, clsHIF& hif) {
   const int32_t routes = NumberOf(hif.Item("RouteNbr"));
   if (routes > 32767) {
     throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(run.exchange.ReadingSource)) + " counts " +
                                           std::to_string(routes) + " routes, more than a handheld file holds");
   }
-  run.table.assign(static_cast<size_t>(std::max(routes, 0)), MvrsRouteTotals());
+  run.table.assign(static_cast<size_t>(std::max(routes, 0)), MVRSRouteTotals());
 }
 
 // Pass 1, a route record: its entry takes the route's values.
-void TakeRouteRecord(MvrsReadingRun& run, clsHIF& hif) {
+void TakeRouteRecord(MVRSReadingRun& run, clsHIF& hif) {
   run.routeTotal = Add16(run.routeTotal, 1);
-  MvrsRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
+  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
   route.MeterCount = ToInt16(NumberOf(hif.Item("PrvReading")));
   route.RouteNumber = TextOf(hif.Item("Initials"));
   const std::vector<std::string> user = Elements(hif.Item("User1"), 5);
@@ -188,11 +188,11 @@ void TakeRouteRecord(MvrsReadingRun& run, clsHIF& hif) {
 
 // Pass 1, a meter record: one customer, meter and reading more for the file,
 // and the meter counted in its route's entry.
-void CountMeter(MvrsReadingRun& run, clsHIF& hif) {
+void CountMeter(MVRSReadingRun& run, clsHIF& hif) {
   run.meterTotal = Add16(run.meterTotal, 1);
   run.readTotal = Add16(run.readTotal, 1);
   run.customerTotal = Add16(run.customerTotal, 1);
-  MvrsRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
+  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
   route.Meters = Add16(route.Meters, 1);
   const int32_t type = NumberOf(hif.Item("MeterType"));
   if (type == 1) route.Water = Add16(route.Water, 1);
@@ -207,7 +207,7 @@ void CountMeter(MvrsReadingRun& run, clsHIF& hif) {
   if (status == 1 && readType == 4) route.Skipped = Add16(route.Skipped, 1);
 }
 
-void CountRecord(MvrsReadingRun& run, clsHIF& hif) {
+void CountRecord(MVRSReadingRun& run, clsHIF& hif) {
   const int32_t recType = NumberOf(hif.Item("RecType"));
   if (recType == kRecFileHeader) {
     SizeRouteTable(run, hif);
@@ -219,7 +219,7 @@ void CountRecord(MvrsReadingRun& run, clsHIF& hif) {
 }
 
 // Pass 1: the route table and the file's totals.
-void CountRoutes(MvrsReadingRun& run) {
+void CountRoutes(MVRSReadingRun& run) {
   run.Step([&] { OpenReadingFile(run); });
   bool more = true;
   while (run.exchange.ActiveHIF && run.Next(more)) {
@@ -230,7 +230,7 @@ void CountRoutes(MvrsReadingRun& run) {
 }
 
 // "FHD" or "FTR": the two carry the same values.
-void WriteFileLine(MvrsReadingRun& run, const char* kind) {
+void WriteFileLine(MVRSReadingRun& run, const char* kind) {
   clsRecType& line = *run.upload.SetupRecord(kind);
   line.SetValue("NewServiceIndicator", Value("N"));
   line.SetValue("ChangeMeterIndicator", Value("N"));
@@ -244,8 +244,8 @@ void WriteFileLine(MvrsReadingRun& run, const char* kind) {
 }
 
 // "RHD" or "RTR" of the route at `index`: the two carry the same values.
-void WriteRouteLine(MvrsReadingRun& run, const char* kind, int32_t index) {
-  const MvrsRouteTotals& route = run.Entry(index);
+void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
+  const MVRSRouteTotals& route = run.Entry(index);
   clsRecType& line = *run.upload.SetupRecord(kind);
   line.SetValue("RouteNumber", Value(route.RouteNumber));
   line.SetValue("Region", Value(route.Region));
@@ -282,7 +282,7 @@ void WriteRouteLine(MvrsReadingRun& run, const char* kind, int32_t index) {
 
 // A meter of another route closes the current route with "RTR" and opens
 // its own with "RHD".
-void ChangeRoute(MvrsReadingRun& run, clsHIF& hif) {
+void ChangeRoute(MVRSReadingRun& run, clsHIF& hif) {
   int32_t routeNbr = run.current;
   run.Step([&] { routeNbr = NumberOf(hif.Item("RouteNbr")); });
   if (routeNbr == run.current) return;
@@ -292,8 +292,8 @@ void ChangeRoute(MvrsReadingRun& run, clsHIF& hif) {
 }
 
 // The working customer, from the meter record.
-void FillCustomer(MvrsReadCustomer& customer, clsHIF& hif) {
-  customer = MvrsReadCustomer();
+void FillCustomer(MVRSReadCustomer& customer, clsHIF& hif) {
+  customer = MVRSReadCustomer();
   const std::string address = TextOf(hif.Item("ServiceAddress"));
   customer.Address1 = Fixed20(address, 0);
   customer.Address2 = Fixed20(address, 20);
@@ -312,7 +312,7 @@ void FillCustomer(MvrsReadCustomer& customer, clsHIF& hif) {
 
 // The working meter's codes that the route conversion packed in User2 to
 // User5.
-void FillMeterCodes(MvrsReadMeter& meter, clsHIF& hif) {
+void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
   const std::vector<std::string> user2 = Elements(hif.Item("User2"), 14);
   meter.GroupCode = user2[0];
   meter.SurveyCode1DisplayIndicator = user2[1];
@@ -348,9 +348,9 @@ void FillMeterCodes(MvrsReadMeter& meter, clsHIF& hif) {
 
 // The working meter, from the plain fields, the reading the handheld added,
 // and the user fields.
-void FillMeter(MvrsReadRecord& record, clsHIF& hif) {
-  MvrsReadMeter& meter = record.meter;
-  meter = MvrsReadMeter();
+void FillMeter(MVRSReadRecord& record, clsHIF& hif) {
+  MVRSReadMeter& meter = record.meter;
+  meter = MVRSReadMeter();
   meter.MeterNumber = TextOf(hif.Item("MeterSerialNbr"));
   meter.ReadSequence = NumberOf(hif.Item("Sequence"));
   meter.TagNumber = NumberOf(hif.Item("MeterTagNbr"));
@@ -380,7 +380,7 @@ void FillMeter(MvrsReadRecord& record, clsHIF& hif) {
 }
 
 // "CUS", the meter's customer.
-void WriteCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
+void WriteCustomerLine(MVRSReadingRun& run, const MVRSReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CUS");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
   line.SetValue("NumberMeters", Value::Long(1));
@@ -400,7 +400,7 @@ void WriteCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
 }
 
 // "CSX", the customer's second name and third address line.
-void WriteExtraCustomerLine(MvrsReadingRun& run, const MvrsReadCustomer& customer) {
+void WriteExtraCustomerLine(MVRSReadingRun& run, const MVRSReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CSX");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
   line.SetValue("Account", Value(customer.Account));
@@ -420,8 +420,8 @@ std::string LocationCode(const std::string& location) {
 }
 
 // "MTR".
-void WriteMeterLine(MvrsReadingRun& run, const MvrsReadRecord& record, const std::string& meterNumber) {
-  const MvrsReadMeter& meter = record.meter;
+void WriteMeterLine(MVRSReadingRun& run, const MVRSReadRecord& record, const std::string& meterNumber) {
+  const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("MTR");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
   line.SetValue("NumberReadings", Value::Long(1));
@@ -458,7 +458,7 @@ void WriteMeterLine(MvrsReadingRun& run, const MvrsReadRecord& record, const std
 }
 
 // "MTS", for a meter with a special message.
-void WriteSpecialMessageLine(MvrsReadingRun& run, const MvrsReadMeter& meter, const std::string& meterNumber) {
+void WriteSpecialMessageLine(MVRSReadingRun& run, const MVRSReadMeter& meter, const std::string& meterNumber) {
   clsRecType& line = *run.upload.SetupRecord("MTS");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
   line.SetValue("MeterNumber", Value(meterNumber));
@@ -480,8 +480,8 @@ const char* ReadCodeOf(int32_t status, int32_t readType, int32_t curReading) {
 }
 
 // "RDG", set in this order; later values stand over earlier ones.
-void WriteReadingLine(MvrsReadingRun& run, const MvrsReadRecord& record) {
-  const MvrsReadMeter& meter = record.meter;
+void WriteReadingLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
+  const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("RDG");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
   line.SetValue("TextPrompt", Value(meter.TextPrompt));
@@ -550,8 +550,8 @@ void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const
 }
 
 // "RFF" for a radio read or "WRR" for a wand read.
-void WriteDeviceReadLine(MvrsReadingRun& run, const MvrsReadRecord& record) {
-  const MvrsReadMeter& meter = record.meter;
+void WriteDeviceReadLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
+  const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord(meter.ReadMethod == "R" ? "RFF" : "WRR");
   line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
   if (meter.ReadMethod == "R") {
@@ -577,8 +577,8 @@ void WriteDeviceReadLine(MvrsReadingRun& run, const MvrsReadRecord& record) {
 
 // The device line of the meter's read method. The route's read method isn't
 // carried back, so none of these runs.
-void WriteDeviceLines(MvrsReadingRun& run, const MvrsReadRecord& record) {
-  const MvrsReadMeter& meter = record.meter;
+void WriteDeviceLines(MVRSReadingRun& run, const MVRSReadRecord& record) {
+  const MVRSReadMeter& meter = record.meter;
   if (meter.ReadMethod == "P") {
     run.Step([&] {
       WriteProbeLine(run.upload, run.Entry(run.current).RouteNumber, meter.OpticalProbeID, meter.ReadDate,
@@ -590,17 +590,17 @@ void WriteDeviceLines(MvrsReadingRun& run, const MvrsReadRecord& record) {
 
 // Pass 2 for one record: a meter's lines, after the route lines a change of
 // route calls for. Every other record is passed over.
-void WriteMeterRecord(MvrsReadingRun& run, clsHIF& hif) {
+void WriteMeterRecord(MVRSReadingRun& run, clsHIF& hif) {
   int32_t recType = -1;
   run.Step([&] { recType = NumberOf(hif.Item("RecType")); });
   if (recType != kRecMeter) return;
   ChangeRoute(run, hif);
-  MvrsReadRecord record;
+  MVRSReadRecord record;
   run.Step([&] {
     FillCustomer(record.customer, hif);
     FillMeter(record, hif);
   });
-  const MvrsReadMeter& meter = record.meter;
+  const MVRSReadMeter& meter = record.meter;
   const std::string meterNumber = Trim(meter.MeterNumber) == "0" ? " " : meter.MeterNumber;
   run.Step([&] { WriteCustomerLine(run, record.customer); });
   if (record.customer.ExtraIndicator == "Y") run.Step([&] { WriteExtraCustomerLine(run, record.customer); });
@@ -612,7 +612,7 @@ void WriteMeterRecord(MvrsReadingRun& run, clsHIF& hif) {
 
 // Pass 2, from the start of the file again: "FHD", the lines of each meter
 // within its route's "RHD" and "RTR", and "FTR".
-void WriteReadingFile(MvrsReadingRun& run) {
+void WriteReadingFile(MVRSReadingRun& run) {
   run.exchange.ActiveHIF.reset();
   run.Step([&] { OpenReadingFile(run); });
   run.Step([&] { WriteFileLine(run, "FHD"); });
@@ -629,7 +629,7 @@ void WriteReadingFile(MvrsReadingRun& run) {
 }  // namespace
 
 bool clsExchange::ConvertReadingMVRS(int16_t version) {
-  MvrsReadingRun run(*this, version);
+  MVRSReadingRun run(*this, version);
   try {
     run.upload.CreateFile(std::string(Trim(ReadingDestination)));
     CountRoutes(run);

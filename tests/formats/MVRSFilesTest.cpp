@@ -5,7 +5,7 @@
 #include <map>
 
 #include "base/DateSerial.h"
-#include "formats/mvrs/MvrsCatalogue.h"
+#include "formats/mvrs/MVRSCatalogue.h"
 #include "formats/mvrs/clsMVRSDownload.h"
 #include "formats/mvrs/clsMVRSUpload.h"
 #include "support/TempDir.h"
@@ -20,20 +20,20 @@ std::map<std::string, int> Widths(const std::vector<RecordLayout>& catalogue) {
   return widths;
 }
 
-TEST(MvrsFiles, CatalogueWidths) {
+TEST(MVRSFiles, CatalogueWidths) {
   const std::map<std::string, int> download = {
       {"FHD", 18},  {"FTR", 18}, {"???", 93}, {"CHD", 17},  {"CTR", 17},  {"RHD", 86},  {"RTR", 86},
       {"ERH", 97},  {"ERT", 97}, {"RTS", 91}, {"RTM", 111}, {"CUS", 125}, {"CSX", 71},  {"MTR", 112},
       {"MTS", 123}, {"RDG", 95}, {"PRB", 126}, {"RFF", 68}, {"WRR", 38}};
-  EXPECT_EQ(Widths(MvrsDownloadCatalogue()), download);
+  EXPECT_EQ(Widths(MVRSDownloadCatalogue()), download);
   const std::map<std::string, int> upload = {
       {"FHD", 126}, {"FTR", 126}, {"RHD", 117}, {"RTR", 117}, {"ERH", 128}, {"ERT", 128}, {"RTS", 91},
       {"RTM", 111}, {"RMR", 119}, {"CUS", 126}, {"CSX", 91},  {"MTR", 121}, {"MTC", 87},  {"MTS", 123},
       {"MTM", 63},  {"RDG", 115}, {"PRB", 123}, {"RFF", 95},  {"WRR", 95}};
-  EXPECT_EQ(Widths(MvrsUploadCatalogue()), upload);
+  EXPECT_EQ(Widths(MVRSUploadCatalogue()), upload);
 }
 
-TEST(MvrsFiles, ReadsLinesByKindUntilAnUnknownOne) {
+TEST(MVRSFiles, ReadsLinesByKindUntilAnUnknownOne) {
   TempDir dir;
   const auto path = dir / "route.dat";
   WriteBytes(path,
@@ -72,7 +72,7 @@ TEST(MvrsFiles, ReadsLinesByKindUntilAnUnknownOne) {
   EXPECT_EQ(empty.Position255(), 0);
 }
 
-TEST(MvrsFiles, WritesPaddedLinesOfTheKindsItKnows) {
+TEST(MVRSFiles, WritesPaddedLinesOfTheKindsItKnows) {
   TempDir dir;
   const auto path = dir / "reading.dat";
   clsMVRSUpload file;
