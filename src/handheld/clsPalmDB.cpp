@@ -260,7 +260,8 @@ Value clsPalmDB::ReadField(int16_t index) {
   // message a field, not an unwinding.
   const size_t width = field.type == kFieldInt8 ? 1 : field.type == kFieldInt16 ? 2 : field.type == kFieldInt32 ? 4 : 0;
   if (width > 0 && (field.position < 0 || static_cast<size_t>(field.position) + width > buffer_.size())) {
-    shell_.MsgBox(StandardDescription(fail::kSubscript));
+    static const std::string kPastTheEnd = StandardDescription(fail::kSubscript);
+    shell_.MsgBox(kPastTheEnd);
     return Value();
   }
   try {

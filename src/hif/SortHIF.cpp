@@ -75,15 +75,16 @@ int CompareEntries(const SortEntry& a, const SortEntry& b) {
 }
 
 void QuickSort(std::span<SortEntry> entries, std::ptrdiff_t first, std::ptrdiff_t last) {
+  const auto at = [&entries](std::ptrdiff_t k) -> SortEntry& { return entries[static_cast<size_t>(k)]; };
   while (first < last) {
     std::ptrdiff_t i = first;
     std::ptrdiff_t j = last;
     const std::ptrdiff_t m = (first + last) / 2;  // the slot, not its entry
     while (i <= j) {
-      while (i < last && CompareEntries(entries[i], entries[m]) < 0) ++i;
-      while (j > first && CompareEntries(entries[m], entries[j]) < 0) --j;
+      while (i < last && CompareEntries(at(i), at(m)) < 0) ++i;
+      while (j > first && CompareEntries(at(m), at(j)) < 0) --j;
       if (i > j) break;
-      if (i < j) std::swap(entries[i], entries[j]);
+      if (i < j) std::swap(at(i), at(j));
       ++i;
       --j;
     }

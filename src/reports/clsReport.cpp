@@ -32,7 +32,6 @@ constexpr const char* kColumnTitle[kColumns] = {"Transponder", "Tamper", "Readin
                                                 "Billing/Address", "Exception"};
 constexpr size_t kUnitIdCell = 2;
 constexpr size_t kReaderCell = 3;
-constexpr size_t kFirstTitle = 4;
 
 const std::string kBreak(kRptLineBreak);
 

@@ -201,7 +201,7 @@ TEST_F(FileSafety, AFileSizeLimitFailsTheRunAndKeepsTheOldFiles) {
   }
 }
 
-#if !defined(__SANITIZE_ADDRESS__)  // the sanitizer's own memory needs no limit
+#if !defined(HIFX_SANITIZED)  // the sanitizer's own memory needs no limit
 // Running out of memory is said, with a non-zero exit, and costs no file.
 TEST_F(FileSafety, RunningOutOfMemoryIsSaidAndCostsNoFile) {
   // A reading file of 200 MB, which 150 MB of memory can't hold.
