@@ -1,5 +1,6 @@
 // Blanks off the ends of a text. A blank is ' ' only: a tab may be a
-// delimiter, and other white space is data.
+// delimiter, and other white space is data; only a hand-edited text file's
+// lines lose all white space.
 #pragma once
 
 #include <string_view>
@@ -17,6 +18,15 @@ constexpr std::string_view Trim(std::string_view text) {
 // The same, off the right end only.
 constexpr std::string_view TrimRight(std::string_view text) {
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+// The text without white space (blank, tab, CR, LF) at both ends: for lines
+// of a text file edited by hand, where a tab or a line end is no data.
+constexpr std::string_view TrimWhiteSpace(std::string_view text) {
+  constexpr std::string_view kWhite = " \t\r\n";
+  while (!text.empty() && kWhite.find(text.front()) != std::string_view::npos) text.remove_prefix(1);
+  while (!text.empty() && kWhite.find(text.back()) != std::string_view::npos) text.remove_suffix(1);
   return text;
 }
 

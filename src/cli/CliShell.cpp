@@ -1,5 +1,7 @@
 #include "cli/CliShell.h"
 
+#include "base/Text.h"
+
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -78,10 +80,7 @@ bool CliShell::PromptVariables(const std::vector<PromptField>& fields,
         }
         return false;  // nobody to answer a required prompt: Cancel
       }
-      std::string trimmed = *value;
-      while (!trimmed.empty() && trimmed.front() == ' ') trimmed.erase(0, 1);
-      while (!trimmed.empty() && trimmed.back() == ' ') trimmed.pop_back();
-      if (!field.required || !trimmed.empty()) break;
+      if (!field.required || !Trim(*value).empty()) break;
       MsgBox(field.name + " Required", {}, MsgButtons::OK, MsgIcon::Exclamation);
       value.reset();
       if (!interactive_) return false;

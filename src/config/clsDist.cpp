@@ -6,6 +6,7 @@
 #include "base/BinaryFile.h"
 #include "base/CaseBlind.h"
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "config/RegistryRoot.h"
 #include "config/clsRegistry.h"
 #include "maps/clsExchMap.h"
@@ -15,13 +16,6 @@ namespace {
 
 constexpr std::string_view kCaption = "Distribution";
 constexpr std::string_view kCrLf = "\r\n";
-
-std::string Trim(std::string_view s) {
-  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-  while (!s.empty() && blank(s.front())) s.remove_prefix(1);
-  while (!s.empty() && blank(s.back())) s.remove_suffix(1);
-  return std::string(s);
-}
 
 std::string SectionLine(const std::filesystem::path& file) {
   const std::string name = file.filename().string();
@@ -174,7 +168,7 @@ void clsDist::LoadRegistrySection(const std::string& section) {
   clsRegistry registry(store_);
   std::string key;
   for (const std::string& raw : SplitLines(section)) {
-    const std::string line = Trim(raw);
+    const std::string line(TrimWhiteSpace(raw));
     if (line.empty() || line == "REGISTRY]") continue;
     if (line.back() == ':') {
       key = line.substr(0, line.size() - 1);
@@ -187,8 +181,8 @@ void clsDist::LoadRegistrySection(const std::string& section) {
                     MsgButtons::OK, MsgIcon::Critical);
       continue;
     }
-    const std::string name = Trim(line.substr(arrow + 2, equals - arrow - 2));
-    std::string value = Trim(line.substr(equals + 1));
+    const std::string name(TrimWhiteSpace(std::string_view(line).substr(arrow + 2, equals - arrow - 2)));
+    std::string value(TrimWhiteSpace(std::string_view(line).substr(equals + 1)));
     // One pair of outer quotation marks comes off; inner ones stay.
     if (!value.empty() && value.front() == '"') value.erase(0, 1);
     if (!value.empty() && value.back() == '"') value.pop_back();
