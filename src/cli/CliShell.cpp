@@ -80,7 +80,8 @@ bool CliShell::PromptVariables(const std::vector<PromptField>& fields,
         }
         return false;  // nobody to answer a required prompt: Cancel
       }
-      if (!field.required || !Trim(*value).empty()) break;
+      const std::string given = *value;
+      if (!field.required || !Trim(given).empty()) break;
       MsgBox(field.name + " Required", {}, MsgButtons::OK, MsgIcon::Exclamation);
       value.reset();
       if (!interactive_) return false;
