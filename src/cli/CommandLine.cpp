@@ -217,6 +217,9 @@ int Main(int argc, const char* const* argv) {
   UseBinaryStandardStreams();
   CLI::App root("hifx: route files to handheld files and readings back, by the site's maps and settings", "hifx");
   root.formatter(std::make_shared<UsageFormatter>());
+  // A value such as /data/r.txt is a file name on every platform, never an
+  // option of the Windows style; set before the commands, which inherit it.
+  root.allow_windows_style_options(false);
   root.require_subcommand(1);
   GlobalOptions global;
   AddGlobalOptions(root, global);
