@@ -49,9 +49,7 @@ TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
   TestShell shell;
   const auto file = dir / "site.dst";
   ASSERT_TRUE(from.Dist(shell).WriteDist(file));
-  ASSERT_EQ(shell.questions.size(), 1u);
-  EXPECT_EQ(shell.questions[0].text, file.string() + " written.");
-  EXPECT_EQ(shell.questions[0].title, "Distribution");
+  EXPECT_EQ(shell.questions, (std::vector<Question>{{file.string() + " written.", "Distribution", MsgButtons::OK}}));
   const std::string text = ReadBytes(file);
   EXPECT_EQ(text.rfind("DIST 1.0\r\n[REGISTRY]\r\nLoginIDs:\r\n> joe = \"pw||S\"\r\n", 0), 0u);
   EXPECT_NE(text.find("\r\nRoute:\r\n> Map = \"Billing\"\r\n> Source = \"route.txt\"\r\n"), std::string::npos);
@@ -75,9 +73,8 @@ TEST(Dist, AFileWithoutItsHeaderChangesNothing) {
   WriteBytes(dir / "bad.dst", "[REGISTRY]\r\nRoute:\r\n> Source = \"x\"\r\n");
   TestShell shell;
   EXPECT_FALSE(site.Dist(shell).LoadDist(dir / "bad.dst"));
-  ASSERT_EQ(shell.questions.size(), 1u);
-  EXPECT_EQ(shell.questions[0].text, "Distribution file not properly formatted");
-  EXPECT_EQ(shell.questions[0].title, "Distribution");
+  EXPECT_EQ(shell.questions,
+            (std::vector<Question>{{"Distribution file not properly formatted", "Distribution", MsgButtons::OK}}));
   EXPECT_TRUE(site.Registry().GetValue(RootReadPath("Route", "Source")).IsEmpty());
 }
 

@@ -89,13 +89,11 @@ TEST(MVRSRoute, FoldsEachMeterWithTheLinesThatFollowIt) {
   EXPECT_TRUE(ok) << site.Log();
   const auto records = site.Records();
   ASSERT_GE(records.size(), 2u);
-  EXPECT_EQ(NumberOf(records[0].Item("RouteNbr")), 1);
-  EXPECT_EQ(NumberOf(records[0].Item("PrvReading")), 3);
-  EXPECT_EQ(Text(records[0], "User1"), "2~3");
-  EXPECT_EQ(Text(records[0], "Initials"), "HIF loaded from " + (site.dir / "route.txt").string());
-  EXPECT_EQ(Text(records[1], "Initials"), "R1      ");
-  EXPECT_EQ(NumberOf(records[1].Item("PrvReading")), 3);
-  EXPECT_EQ(Text(records[1], "User1"), "NE~01~05~11/20/2026~3");
+  EXPECT_EQ(std::tuple(NumberOf(records[0].Item("RouteNbr")), NumberOf(records[0].Item("PrvReading")),
+                       Text(records[0], "User1"), Text(records[0], "Initials")),
+            std::tuple(1, 3, "2~3", "HIF loaded from " + (site.dir / "route.txt").string()));
+  EXPECT_EQ(std::tuple(Text(records[1], "Initials"), NumberOf(records[1].Item("PrvReading")), Text(records[1], "User1")),
+            std::tuple("R1      ", 3, "NE~01~05~11/20/2026~3"));
 
   const auto meters = site.Meters();
   ASSERT_EQ(meters.size(), 3u);  // M1, M2, M3; not M4
@@ -139,13 +137,10 @@ TEST(MVRSRoute, RadioOptionTakesAnEightDigitMeterNumberAsTheTag) {
         Route("MTR", {{"MeterNumber", "87654321"}}),
         Route("RFF", {{"RFERTID", "555"}}),
     }));
-    const auto meters = site.Meters();
-    ASSERT_EQ(meters.size(), 3u);
-    EXPECT_EQ(NumberOf(meters[0].Item("MeterTagNbr")), option ? 12345678 : 0);
-    EXPECT_EQ(NumberOf(meters[0].Item("ReadType")), option ? 1 : 2);
-    EXPECT_EQ(NumberOf(meters[1].Item("MeterTagNbr")), 0);
-    EXPECT_EQ(NumberOf(meters[1].Item("ReadType")), 2);
-    EXPECT_EQ(NumberOf(meters[2].Item("MeterTagNbr")), 555);  // a later transponder line wins
+    // Tag and read type of each meter; a later transponder line wins.
+    std::vector<std::pair<int32_t, int32_t>> got;
+    for (const auto& m : site.Meters()) got.emplace_back(NumberOf(m.Item("MeterTagNbr")), NumberOf(m.Item("ReadType")));
+    EXPECT_EQ(got, (std::vector<std::pair<int32_t, int32_t>>{{option ? 12345678 : 0, option ? 1 : 2}, {0, 2}, {555, 0}}));
   }
 }
 
@@ -172,9 +167,7 @@ TEST(MVRSRoute, ADuplicateTransponderIsAProblemButEveryMeterIsWritten) {
 TEST(MVRSRoute, ARouteWithoutACycleFailsInTheDriversFrame) {
   MVRSSite site;
   EXPECT_FALSE(site.Convert({Route("FHD"), Route("RHD", {{"RouteNumber", "R1"}}), Route("CUS"), Route("MTR")}));
-  ASSERT_EQ(site.shell.questions.size(), 1u);
-  EXPECT_EQ(site.shell.questions[0].text, "Subscript out of range");
-  EXPECT_EQ(site.shell.questions[0].title, "Error");
+  EXPECT_EQ(site.shell.questions, (std::vector<Question>{{"Subscript out of range", "Error", MsgButtons::OK}}));
   // Garbage from the first line: nothing read, nothing written.
   MVRSSite garbage;
   EXPECT_FALSE(garbage.Convert({std::string(5000, 'x'), Route("CHD")}));
@@ -248,32 +241,19 @@ TEST(MVRSReading, CountsCodesAndReadingsOfEachMeter) {
   EXPECT_EQ(lines.back().substr(0, 3), "FTR");
   EXPECT_EQ(lines[lines.size() - 2].substr(0, 3), "RTR");
 
-  struct Expect {
-    const char* readCode;
-    const char* readMethod;
-    const char* newReadMethod;
-    const char* reading;
-    const char* date;
-    const char* time;
-  };
-  const Expect expected[] = {{" ", "N", "N", "0000000000", "00000000", "000000"},
-                             {"S", "N", "N", "0000000000", "03052024", "083015"},
-                             {"S", "K", "N", "0000000000", "00000000", "000000"},
-                             {"O", "K", "K", "0000000123", "03052024", "083015"},
-                             {"N", "R", "R", "0000000077", "03052024", "083015"},
-                             {"N", "W", "W", "0000000005", "03052024", "083015"}};
+  // Each meter's reading line: read code, read method, new read method,
+  // reading, date, time, the reason (always cleared) and the previous reading.
+  const char* expected[] = {"  N N 0000000000 00000000 000000 00 0000000500",
+                            "S N N 0000000000 03052024 083015 00 0000000500",
+                            "S K N 0000000000 00000000 000000 00 0000000500",
+                            "O K K 0000000123 03052024 083015 00 0000000500",
+                            "N R R 0000000077 03052024 083015 00 0000000500",
+                            "N W W 0000000005 03052024 083015 00 0000000500"};
   for (size_t i = 0; i < 6; ++i) {
-    const std::string& rdgLine = lines[2 + i * 3 + 2];
-    const clsRecType rdg = Parsed(rdgLine);
-    ASSERT_EQ(rdg.IDText, "RDG");
-    EXPECT_EQ(rdgLine.substr(61, 1), expected[i].readCode) << i;
-    EXPECT_EQ(rdgLine.substr(25, 1), expected[i].readMethod) << i;
-    EXPECT_EQ(rdgLine.substr(93, 1), expected[i].newReadMethod) << i;
-    EXPECT_EQ(rdgLine.substr(33, 10), expected[i].reading) << i;
-    EXPECT_EQ(rdgLine.substr(47, 8), expected[i].date) << i;
-    EXPECT_EQ(rdgLine.substr(55, 6), expected[i].time) << i;
-    EXPECT_EQ(rdgLine.substr(63, 2), "00") << i;  // the reason is always cleared
-    EXPECT_EQ(rdgLine.substr(105, 10), "0000000500") << i;
+    const std::string& l = lines[2 + i * 3 + 2];
+    EXPECT_EQ(l.substr(0, 3) + l.substr(61, 1) + " " + l.substr(25, 1) + " " + l.substr(93, 1) + " " + l.substr(33, 10) +
+                  " " + l.substr(47, 8) + " " + l.substr(55, 6) + " " + l.substr(63, 2) + " " + l.substr(105, 10),
+              std::string("RDG") + expected[i]) << i;
   }
   const clsRecType troubled = Parsed(lines[2 + 3 * 3 + 1]);
   EXPECT_EQ(TextOf(troubled.GetValue("TroubleMessageIndicator")), "Y");
@@ -304,9 +284,8 @@ TEST(MVRSReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
   // stays, with no trailer.
   site.shell.answers = {MsgAnswer::Ignore};
   ASSERT_TRUE(site.Exchange().ConvertReading());
-  ASSERT_EQ(site.shell.questions.size(), 2u);
-  EXPECT_EQ(site.shell.questions[0].text, "Subscript out of range");
-  EXPECT_EQ(site.shell.questions[0].buttons, MsgButtons::AbortRetryIgnore);
+  const Question subscript{"Subscript out of range", "Error", MsgButtons::AbortRetryIgnore};
+  EXPECT_EQ(site.shell.questions, std::vector<Question>(2, subscript));
   auto lines = site.Output();
   ASSERT_EQ(lines.size(), 6u);
   EXPECT_EQ(lines[5].substr(0, 3), "RTR");

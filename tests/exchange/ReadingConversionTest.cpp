@@ -247,16 +247,12 @@ TEST(ReadingDriver, TheReReadFileHoldsTheExceptionsAsUnreadMeters) {
   EXPECT_EQ(site.shell.Logged("Notice: ReRead File prepared with 3 Meters"), 1u);
   const auto records = site.Records("reread.pdb");
   ASSERT_EQ(records.size(), 1u + 1 + 3);  // header, SOUTH renumbered 1, three meters
-  EXPECT_EQ(records[0].Item("RouteNbr"), Value::Long(1));
-  EXPECT_EQ(records[0].Item("PrvReading"), Value::Long(3));
-  EXPECT_EQ(records[0].Item("Sequence"), Value::Long(20240229));
-  EXPECT_EQ(records[1].Item("Initials"), Value("SOUTH"));
-  EXPECT_EQ(records[1].Item("RouteNbr"), Value::Long(1));
-  for (size_t i = 2; i < 5; ++i) {
-    EXPECT_EQ(records[i].Item("RouteNbr"), Value::Long(1));
-    EXPECT_EQ(records[i].Item("Status"), Value::Integer(0));
-    EXPECT_EQ(records[i].Item("CurReading"), Value::Long(0));
-    EXPECT_EQ(records[i].Item("ReadingDate"), Value::Long(0));
+  EXPECT_EQ(std::tuple(records[0].Item("RouteNbr"), records[0].Item("PrvReading"), records[0].Item("Sequence")),
+            std::tuple(Value::Long(1), Value::Long(3), Value::Long(20240229)));
+  EXPECT_EQ(std::tuple(records[1].Item("Initials"), records[1].Item("RouteNbr")), std::tuple(Value("SOUTH"), Value::Long(1)));
+  for (const auto& r : std::vector(records.begin() + 2, records.end())) {
+    EXPECT_EQ(std::tuple(r.Item("RouteNbr"), r.Item("Status"), r.Item("CurReading"), r.Item("ReadingDate")),
+              std::tuple(Value::Long(1), Value::Integer(0), Value::Long(0), Value::Long(0)));
   }
   EXPECT_EQ(records[3].Item("MeterTagNbr"), Value::Long(22));
 }

@@ -48,10 +48,8 @@ TEST(RouteDriver, AnExistingDestinationIsOverwrittenOnlyOnYes) {
   WriteBytes(destination, "old");
   site.shell.answers = {MsgAnswer::No};
   EXPECT_FALSE(site.Exchange().ConvertRoute());
-  ASSERT_EQ(site.shell.questions.size(), 1u);
-  EXPECT_EQ(site.shell.questions[0].title, "Route Destination already exists");
-  EXPECT_EQ(site.shell.questions[0].text, destination + " already exists.  Overwrite?");
-  EXPECT_EQ(site.shell.questions[0].buttons, MsgButtons::YesNo);
+  EXPECT_EQ(site.shell.questions, (std::vector<Question>{{destination + " already exists.  Overwrite?",
+                                                          "Route Destination already exists", MsgButtons::YesNo}}));
   EXPECT_EQ(site.shell.log.back(), "Error: Route Destination already exists");
   EXPECT_EQ(ReadBytes(destination), "old");
 
@@ -108,14 +106,10 @@ TEST(RouteDriver, IndexControlDecidesTheIndexRecords) {
     EXPECT_EQ(CountOf(records, kRecIndex), expected) << control;
     EXPECT_EQ(CountOf(records, kRecLogins), 0);
     EXPECT_EQ(CountOf(records, kRecAlerts), 1);
-    if (control == 2) {
-      ASSERT_EQ(site.shell.questions.size(), 1u);
-      EXPECT_EQ(site.shell.questions[0].title, "Index Control");
-      EXPECT_EQ(site.shell.questions[0].text,
-                "Create indexes?  \n(Takes longer to create and load, but speeds lookups in the field.)");
-    } else {
-      EXPECT_TRUE(site.shell.questions.empty());
-    }
+    const std::vector<Question> asked = {
+        {"Create indexes?  \n(Takes longer to create and load, but speeds lookups in the field.)", "Index Control",
+         MsgButtons::YesNo}};
+    EXPECT_EQ(site.shell.questions, control == 2 ? asked : std::vector<Question>{});
   }
 }
 
@@ -206,13 +200,12 @@ TEST(FlatInput, DelimitedQuotesTildesAndShortLines) {
   site.Source({"1,1,11,\"12 MAIN, APT 2\",\"SAY \"\"HI\"\"\",a~b,x",
                "1,2,12,OAK"});  // short: the last piece repeats into the fields beyond
   ASSERT_TRUE(site.Exchange().ConvertRoute()) << site.shell.log.back();
-  const auto records = site.Records();
-  EXPECT_EQ(records[2].Item("ServiceAddress"), Value("12 MAIN, APT 2"));
-  EXPECT_EQ(records[2].Item("BillingName"), Value("SAY \"HI\""));
-  EXPECT_EQ(records[2].Item("User1"), Value("a,b"));  // every ~ becomes the delimiter
-  EXPECT_EQ(records[3].Item("BillingName"), Value("OAK"));
-  // User1 and User2 repeat the field before them, MeterSerialNbr, unmapped.
-  EXPECT_EQ(records[3].Item("User2"), Value(""));
+  const auto r = site.Records();
+  // Every ~ becomes the delimiter; on the short line User1 and User2 repeat
+  // the field before them, MeterSerialNbr, unmapped.
+  EXPECT_EQ(std::tuple(r[2].Item("ServiceAddress"), r[2].Item("BillingName"), r[2].Item("User1"), r[3].Item("BillingName"),
+                       r[3].Item("User2")),
+            std::tuple(Value("12 MAIN, APT 2"), Value("SAY \"HI\""), Value("a,b"), Value("OAK"), Value("")));
 }
 
 TEST(FlatInput, AutonumbersRepeatInBothPasses) {
@@ -225,11 +218,9 @@ TEST(FlatInput, AutonumbersRepeatInBothPasses) {
   site.shell.promptValues = {"ASKED"};
   site.Source({FixedLine("1", 0, 11, 'W', 'R', "A", "B"), FixedLine("1", 0, 12, 'W', 'R', "A", "B")});
   ASSERT_TRUE(site.Exchange().ConvertRoute());
-  const auto records = site.Records();
-  EXPECT_EQ(records[2].Item("Sequence"), Value::Long(1));
-  EXPECT_EQ(records[3].Item("Sequence"), Value::Long(2));
-  EXPECT_EQ(records[3].Item("User1"), Value("ASKED"));
-  EXPECT_EQ(records[3].Item("User2"), Value("K1"));
+  const auto r = site.Records();
+  EXPECT_EQ(std::tuple(r[2].Item("Sequence"), r[3].Item("Sequence"), r[3].Item("User1"), r[3].Item("User2")),
+            std::tuple(Value::Long(1), Value::Long(2), Value("ASKED"), Value("K1")));
   ASSERT_EQ(site.shell.promptFields.size(), 1u);
   EXPECT_EQ(site.shell.promptFields[0][0].name, "User1");
 }
@@ -238,9 +229,7 @@ TEST(RouteDriver, AFailureInsideIsShownAndTheClosingLineFollows) {
   RouteSite site;
   site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "A", "B", 5), FixedLine("1", 2, 12, 'W', 'R', "A", "B", 99999)});
   EXPECT_FALSE(site.Exchange().ConvertRoute());
-  ASSERT_EQ(site.shell.questions.size(), 1u);
-  EXPECT_EQ(site.shell.questions[0].title, "Error");
-  EXPECT_EQ(site.shell.questions[0].text, "Overflow");
+  EXPECT_EQ(site.shell.questions, (std::vector<Question>{{"Overflow", "Error", MsgButtons::OK}}));
   EXPECT_EQ(site.shell.Tail(2), (std::vector<std::string>{"Route Conversion Finished", ""}));
 }
 
@@ -268,10 +257,8 @@ TEST(RouteDriver, AddRouteFindsRoutesExactly) {
   RouteSite site;
   clsExchange& e = site.Exchange();
   e.ClearRoute();
-  EXPECT_EQ(e.AddRoute("A"), 1);
-  EXPECT_EQ(e.AddRoute("B"), 2);
-  EXPECT_EQ(e.AddRoute("A"), 1);
-  EXPECT_EQ(e.AddRoute("a"), 3);
+  EXPECT_EQ((std::vector<int>{e.AddRoute("A"), e.AddRoute("B"), e.AddRoute("A"), e.AddRoute("a")}),
+            (std::vector<int>{1, 2, 1, 3}));
   EXPECT_EQ(e.RouteNames.size(), 4u);
 }
 
@@ -287,12 +274,11 @@ TEST(ReRead, AllMetersGoIntoOneRoute) {
   ASSERT_TRUE(site.Exchange().ConvertReRead());
   EXPECT_EQ(site.shell.Tail(3),
             (std::vector<std::string>{"1 meters written to ReRead HIF File", "ReRead Conversion Finished", ""}));
-  const auto records = site.Records("reread.pdb");
-  ASSERT_EQ(records.size(), 4u);  // header, the REREAD route, two meters; no code records
-  EXPECT_EQ(records[1].Item("Initials"), Value("REREAD"));
-  EXPECT_EQ(records[3].Item("RouteNbr"), Value::Long(1));
+  const auto r = site.Records("reread.pdb");
+  ASSERT_EQ(r.size(), 4u);  // header, the REREAD route, two meters; no code records
   // The parsed ReadType is already a number, so the letter M counts as 0.
-  EXPECT_EQ(records[3].Item("ReadType"), Value::Integer(0));
+  EXPECT_EQ(std::tuple(r[1].Item("Initials"), r[3].Item("RouteNbr"), r[3].Item("ReadType")),
+            std::tuple(Value("REREAD"), Value::Long(1), Value::Integer(0)));
   EXPECT_EQ(site.Exchange().UntaggedMeters, 1);
 
   site.Source({});

@@ -53,8 +53,7 @@ TEST_F(PdbContainer, TwoRecordsInThreeSlotsMake107Bytes) {
   EXPECT_EQ(ReadBytes(dir / "two.pdb"), expected);
   ASSERT_EQ(reader.OpenFile(dir / "two.pdb"), 0);
   EXPECT_EQ(reader.RecordCount(), 2);
-  EXPECT_EQ(Read(1), "ok 1 CDE");
-  EXPECT_EQ(reader.Title(), "T");
+  EXPECT_EQ(Read(1) + "|" + reader.Title(), "ok 1 CDE|T");
 }
 
 TEST_F(PdbContainer, EmptyFileHasTheDefault999Slots) {
@@ -178,10 +177,7 @@ TEST_F(PdbContainer, WritingPastTheTableFailsAfterTheDataIsOut) {
   // bytes of record 0, the count becomes 2, and only then the write fails.
   EXPECT_EQ(FailureNumber([&] { pdb.WriteRecord("BB"); }), fail::kSubscript);
   const std::string bytes = ReadBytes(path);
-  ASSERT_EQ(bytes.size(), 78u + 8 + 10 + 2);
-  EXPECT_EQ(bytes[77], 2);
-  EXPECT_EQ(bytes.substr(86, 8), Hex("00000060 00000001"));
-  EXPECT_EQ(bytes.substr(94), "AABB");
+  EXPECT_EQ(bytes.substr(76), Hex("0002 00000056 00000000 00000060 00000001") + "AABB");
   EXPECT_THROW(pdb.WriteRecord("CC"), Failure);
 }
 

@@ -109,10 +109,9 @@ std::string Record(int32_t recType, int32_t route, int32_t sequence, int32_t prv
   clsHIF hif(shell);
   hif.SetVersion(version);
   hif.AddNew();
-  hif.SetItem("RecType", Value::Long(recType));
-  hif.SetItem("RouteNbr", Value::Long(route));
-  hif.SetItem("Sequence", Value::Long(sequence));
-  hif.SetItem("MeterTagNbr", Value::Long(tag));
+  for (const auto& [name, n] : {std::pair{"RecType", recType}, {"RouteNbr", route}, {"Sequence", sequence}, {"MeterTagNbr", tag}}) {
+    hif.SetItem(name, Value::Long(n));
+  }
   if (version > 0) {
     hif.SetItem("PrvReading", Value::Long(prvReading));
     hif.SetItem("User1", Value("meter " + std::to_string(tag)));
@@ -227,10 +226,7 @@ TEST_P(SortHIFTest, SortsEachStretchOfARouteAndDropsTheOtherRecords) {
       source[16]};
   EXPECT_TRUE(SameBytes(ReadBytes(path), Image(sorted, static_cast<uint32_t>(source.size()))));
   EXPECT_TRUE(shell.log.empty());
-  ASSERT_EQ(shell.questions.size(), 1u);
-  EXPECT_EQ(shell.questions[0].text, "Indexes would need to be rebuilt");
-  EXPECT_EQ(shell.questions[0].title, "");
-  EXPECT_EQ(shell.questions[0].buttons, MsgButtons::OK);
+  EXPECT_EQ(shell.questions, (std::vector<Question>{{"Indexes would need to be rebuilt", "", MsgButtons::OK}}));
   // One step a record read, in the last third of a bar of 765.
   ASSERT_EQ(shell.progress.size(), source.size());
   EXPECT_GT(shell.progress.front().second, 510);
@@ -257,8 +253,7 @@ TEST_P(SortHIFTest, ARecordTooShortForItsRecTypeIsCopiedAsAHeader) {
   Write(source);
   ASSERT_EQ(SortHIF(shell, path, path), SortOutcome::Sorted);
   EXPECT_TRUE(SameBytes(ReadBytes(path), Image(source, 3)));
-  ASSERT_EQ(shell.questions.size(), 2u);
-  EXPECT_EQ(shell.questions[1].text, "Subscript out of range");  // the short read, shown
+  EXPECT_EQ(shell.Asked().at(1), "Subscript out of range");  // the short read, shown
 }
 
 TEST_P(SortHIFTest, ManyMetersComeOutAsTheQuickSortLeavesThem) {
@@ -343,14 +338,13 @@ TEST_P(SortHIFTest, NoTemporaryFolder) {
     // The PDB container raises what the VFS one returns as a status.
     EXPECT_EQ(FailureNumber([&] { SortHIF(shell, path, path); }), fail::kFileNotFound);
   }
+  const auto asked = shell.Asked();
 #ifdef _WIN32
   // Windows names a temporary folder without looking for it; the name fails.
-  ASSERT_EQ(shell.questions.size(), 2u);
-  EXPECT_EQ(shell.questions[1].text, "Error getting file");
+  EXPECT_EQ(std::vector(asked.begin() + 1, asked.end()), std::vector<std::string>{"Error getting file"});
 #else
-  ASSERT_EQ(shell.questions.size(), 3u);
-  EXPECT_EQ(shell.questions[1].text, "Error getting directory");
-  EXPECT_EQ(shell.questions[2].text, "Error getting file");
+  EXPECT_EQ(std::vector(asked.begin() + 1, asked.end()),
+            (std::vector<std::string>{"Error getting directory", "Error getting file"}));
 #endif
   EXPECT_TRUE(SameBytes(ReadBytes(path), before));
 }

@@ -50,22 +50,8 @@ TEST(UPC, CheckDigitAndHalves) {
   // left; "<" after the first digit and ">" before the last keep the guards
   // and those two digits full height.
   EXPECT_EQ(clsDrawBarcode::CharUPC("035000000455"),
-            "1111"
-            "022111<"
-            "4111"
-            "2311"
-            "022111"
-            "022111"
-            "022111"
-            ">1111<"
-            "3211"
-            "3211"
-            "3211"
-            "1132"
-            "2311"
-            ">"
-            "2311"
-            "1111");
+            "1111" "022111<" "4111" "2311" "022111" "022111" "022111"     // guard, left half
+            ">1111<" "3211" "3211" "3211" "1132" "2311" ">" "2311" "1111");  // centre, right half, guard
 }
 
 TEST(Interleaved2of5, PairsAndTheOddDigit) {
@@ -76,13 +62,7 @@ TEST(Interleaved2of5, PairsAndTheOddDigit) {
 }
 
 TEST(Code39, WideGapsAndUnknownCharacters) {
-  EXPECT_EQ(clsDrawBarcode::Char39("*A*"),
-            "NWNNWNWNN"
-            "W"
-            "WNNNNWNNW"
-            "W"
-            "NWNNWNWNN"
-            "W");
+  EXPECT_EQ(clsDrawBarcode::Char39("*A*"), "NWNNWNWNN" "W" "WNNNNWNNW" "W" "NWNNWNWNN" "W");
   EXPECT_EQ(clsDrawBarcode::Char39("a"), "W");
 }
 

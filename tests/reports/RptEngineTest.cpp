@@ -34,6 +34,14 @@ struct RptEngineTest : ::testing::Test {
     }
     return texts;
   }
+  // Each text as "TEXT@X,Y", "*" behind a bold one.
+  std::vector<std::string> Placed() {
+    std::vector<std::string> placed;
+    for (const auto& t : Texts()) {
+      placed.push_back(t.text + "@" + std::to_string(int(t.x1)) + "," + std::to_string(int(t.y1)) + (t.font.bold ? "*" : ""));
+    }
+    return placed;
+  }
 
   // A report of `rows` detail rows, one text line each ("row N"), with an
   // absolute footer "Page %p" low on the page; MarginTop 0.5 and a 0.5 line
@@ -62,20 +70,16 @@ TEST_F(RptEngineTest, PagesBreakWhenThePositionReachesTheThreshold) {
   int16_t total = 0;
   EXPECT_FALSE(engine.PrintReport(0, 0, 0, &total));
   EXPECT_EQ(total, 3);
-  std::vector<std::pair<std::string, double>> seen;
-  for (const auto& t : Texts()) seen.emplace_back(t.text, t.y1);
-  const std::vector<std::pair<std::string, double>> expected = {
-      {"row 1", 50},    {"row 2", 100},  {"row 3", 150}, {"row 4", 200}, {"Page 1", 1050},
-      {"row 5", 50},    {"row 6", 100},  {"row 7", 150}, {"row 8", 200}, {"Page 2", 1050},
-      {"row 9", 50},    {"row 10", 100}, {"Page 3", 1050}};
-  EXPECT_EQ(seen, expected);
+  // The absolute footer ignores the left margin and, raised while the
+  // position is past the threshold, breaks no page of its own.
+  EXPECT_EQ(Placed(), (std::vector<std::string>{
+                          "row 1@50,50", "row 2@50,100", "row 3@50,150", "row 4@50,200", "Page 1@50,1050",
+                          "row 5@50,50", "row 6@50,100", "row 7@50,150", "row 8@50,200", "Page 2@50,1050",
+                          "row 9@50,50", "row 10@50,100", "Page 3@50,1050"}));
   int newPages = 0;
   for (const auto& call : Device().calls) newPages += call.kind == RptCall::NewPage;
   EXPECT_EQ(newPages, 2);
   EXPECT_EQ(Device().calls.back().kind, RptCall::EndDoc);
-  // The absolute footer ignores the left margin and, raised while the
-  // position is past the threshold, breaks no page of its own.
-  EXPECT_EQ(Texts()[4].x1, 50);
 }
 
 TEST_F(RptEngineTest, APageRangeIsPaintedAloneButEveryPageIsLaidOut) {
@@ -123,14 +127,9 @@ struct PrintElementsTest : RptEngineTest {
 TEST_F(PrintElementsTest, NegativeYAndXContinueTheElementBefore) {
   const float used = Print({MakeElement(0, 1.0f, Value("A")), MakeElement(2.0f, -1, Value("B")),
                             MakeElement(-1, -1, Value("C")), MakeElement(0, 2.0f, Value::Long(7))});
-  const auto t = Texts();
-  ASSERT_EQ(t.size(), 4u);
-  EXPECT_EQ(t[0].y1, 150);  // 1.0 below the top margin of 0.5
-  EXPECT_EQ(t[1].y1, 150);
-  EXPECT_EQ(t[1].x1, 250);  // 2.0 right of the left margin
-  EXPECT_EQ(t[2].y1, 150);
-  EXPECT_EQ(t[2].x1, 260);  // behind "B", one 10-point character wide
-  EXPECT_EQ(t[3].text, "7");
+  // 1.0 below the top margin of 0.5; B 2.0 right of the left margin, C
+  // behind it, one 10-point character wide.
+  EXPECT_EQ(Placed(), (std::vector<std::string>{"A@50,150", "B@250,150", "C@260,150", "7@50,250"}));
   EXPECT_FLOAT_EQ(used, 2.2f);  // the last text's foot less the section's top
 }
 
@@ -152,28 +151,17 @@ TEST_F(PrintElementsTest, StyleBitsAndWhatTheyLeaveBehind) {
 
 TEST_F(PrintElementsTest, MarkupTagsTurnTheFontInsideOneLine) {
   Print({MakeElement(0, 0, Value("plain <b>word</b> more <5 stays"))});
-  std::vector<std::tuple<std::string, double, bool>> seen;
-  for (const auto& t : Texts()) seen.emplace_back(t.text, t.x1, t.font.bold);
-  const std::vector<std::tuple<std::string, double, bool>> expected = {
-      {"plain ", 50, false}, {"word", 110, true}, {" more ", 150, false},
-      // Not a tag: printed from the element's X like any untagged segment.
-      {"<5 stays", 50, false}};
-  EXPECT_EQ(seen, expected);
-  for (const auto& t : Texts()) EXPECT_EQ(t.y1, 50);
+  // "<5" is not a tag: printed from the element's X like any untagged segment.
+  EXPECT_EQ(Placed(), (std::vector<std::string>{"plain @50,50", "word@110,50*", " more @150,50", "<5 stays@50,50"}));
 }
 
 TEST_F(PrintElementsTest, WrappedLinesJustifiedAndRuled) {
   Print({MakeElement(5.0f, 0, Value("ab cd"), kJustifyRight, kStyleRule, {}, 0, 0.3f),
          MakeElement(5.0f, 1.0f, Value("%p/%t"), kJustifyCenter, kStyleDoubleRule)});
-  const auto t = Texts();
-  ASSERT_EQ(t.size(), 3u);
-  EXPECT_EQ(t[0].text, "ab ");
-  EXPECT_EQ(t[0].x1, 520);  // ends at 5.0 + the margin
-  EXPECT_EQ(t[1].text, "cd");
-  EXPECT_EQ(t[1].x1, 530);
-  EXPECT_EQ(t[1].y1, 70);
-  EXPECT_EQ(t[2].text, "1/{Replace with Report Title}");
-  EXPECT_EQ(t[2].x1, 550 - 29 * 10 / 2.0);
+  // Right-justified lines end at 5.0 + the margin; the centred one is
+  // centred on it.
+  EXPECT_EQ(Placed(), (std::vector<std::string>{"ab @520,50", "cd@530,70",
+                                                "1/{Replace with Report Title}@" + std::to_string(550 - 29 * 10 / 2) + ",150"}));
   std::vector<std::array<double, 3>> rules;  // y, from, to
   for (const auto& c : Device().calls) {
     if (c.kind == RptCall::Line) rules.push_back({std::round(c.y1), std::round(c.x1), std::round(c.x2)});
@@ -259,11 +247,7 @@ TEST_F(RptEngineTest, CreateGroupLevels) {
   EXPECT_EQ(engine.Groups().size(), 3u);
 }
 
-TEST(RptEngineSetup, ThresholdFollowsLengthAndBottomMarginButNotPageSetup) {
-  TestShell shell;
-  FixedClock clock{CivilTime{}};
-  RecordingPrinters printers;
-  RptEngine engine(shell, clock, printers);
+TEST_F(RptEngineTest, ThresholdFollowsLengthAndBottomMarginButNotPageSetup) {
   EXPECT_FLOAT_EQ(engine.OverFlowThreshold, 10.5f);
   engine.PageSetup(11.0f, 8.5f, 0.25f, 0.5f, 0.2f, 0.75f, 7.25f);
   EXPECT_FLOAT_EQ(engine.OverFlowThreshold, 7.25f);

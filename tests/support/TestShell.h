@@ -34,7 +34,11 @@ struct Question {
   std::string text;
   std::string title;
   MsgButtons buttons;
+  bool operator==(const Question&) const = default;
 };
+inline void PrintTo(const Question& q, std::ostream* os) {
+  *os << '{' << q.title << ": " << q.text << " [" << static_cast<int>(q.buttons) << "]}";
+}
 
 class TestShell final : public IShell {
  public:
@@ -69,6 +73,12 @@ class TestShell final : public IShell {
     return true;
   }
 
+  // The texts of the message boxes shown, in order.
+  std::vector<std::string> Asked() const {
+    std::vector<std::string> texts;
+    for (const Question& q : questions) texts.push_back(q.text);
+    return texts;
+  }
   // How often the line was logged; the last n lines logged.
   size_t Logged(const std::string& line) const { return static_cast<size_t>(std::count(log.begin(), log.end(), line)); }
   std::vector<std::string> Tail(size_t n) const {
