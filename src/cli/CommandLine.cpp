@@ -149,7 +149,8 @@ std::string ProblemOf(const CLI::App& root, const CLI::App& command, const CLI::
 int SayUsage(const CLI::App& root, const CLI::App& command, const std::string& problem) {
   std::fprintf(stderr, "hifx: %s\n", problem.c_str());
   if (&command == &root) {
-    std::fputs(root.help().c_str(), stderr);
+    // The line's own help, not that of a command it may have reached.
+    std::fputs(root.get_formatter()->make_help(&root, root.get_name(), CLI::AppFormatMode::Normal).c_str(), stderr);
   } else {
     std::fprintf(stderr, "usage: %s\nSee: hifx %s --help\n", UsageLine(command, PathOf(command)).c_str(),
                  PathOf(command).substr(PathOf(command).find(' ') + 1).c_str());
