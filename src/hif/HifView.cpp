@@ -80,9 +80,11 @@ bool HifView::Display(const std::filesystem::path& fileName) {
   return true;
 }
 
+std::vector<std::string> HifView::MeterColumns() { return {kMeterColumns.begin(), kMeterColumns.end()}; }
+
 TextTable HifView::Meters(int32_t route) {
   TextTable table;
-  table.columns.assign(kMeterColumns.begin(), kMeterColumns.end());
+  table.columns = MeterColumns();
   hif_.Rewind();
   while (hif_.ReadData()) {
     if (NumberOf(hif_.Item("RecType")) != kRecMeter) continue;

@@ -28,6 +28,8 @@ class HifView {
   // Every meter record of the route, one column per field; orphans are not
   // shown.
   TextTable Meters(int32_t route);
+  // The meter table's columns, in order.
+  static std::vector<std::string> MeterColumns();
 
  private:
   IShell& shell_;

@@ -1,0 +1,261 @@
+// What the desktop program's windows decide without a toolkit: where a
+// window goes, how the program starts, the report choice, the login and
+// the prompt window's checks, and the guard against a second run.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <stdexcept>
+
+#include "app/Session.h"
+#include "base/UserSettings.h"
+#include "reports/clsReport.h"
+#include "shell/DialogLogic.h"
+#include "shell/MainWindowLogic.h"
+#include "shell/Placement.h"
+#include "shell/StartUp.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx::test {
+namespace {
+
+using namespace hifx::shell;
+
+void Save(MemoryUserSettings& settings, std::string_view key, std::string_view value) {
+  settings.SaveSetting(kPlacementApp, "frmMain", key, value);
+}
+std::string Saved(MemoryUserSettings& settings, std::string_view key) {
+  return settings.GetSetting(kPlacementApp, "frmMain", key, "<none>");
+}
+
+TEST(Placement, ASavedPlaceIsUsedWhereItCanBeRight) {
+  MemoryUserSettings settings;
+  EXPECT_FALSE(LoadPlacement(settings, "frmMain", true).state) << "nothing saved: the designed place";
+
+  SavePlacement(settings, "frmMain", WindowState::Normal, {30, 40, 500, 700}, 120);
+  PlacementPlan plan = LoadPlacement(settings, "frmMain", true);
+  EXPECT_EQ(plan.state, WindowState::Normal);
+  EXPECT_EQ(plan.top, 30);
+  EXPECT_EQ(plan.left, 40);
+  EXPECT_EQ(plan.height, 500);
+  EXPECT_EQ(plan.width, 700);
+  EXPECT_EQ(plan.splitter, 120);
+
+  // A sliver of a window and an edge off a second screen are not used; the
+  // rest of the place is.
+  Save(settings, "Width", "150");
+  Save(settings, "Left", "-5");
+  plan = LoadPlacement(settings, "frmMain", false);
+  EXPECT_EQ(plan.width, std::nullopt);
+  EXPECT_EQ(plan.left, std::nullopt);
+  EXPECT_EQ(plan.top, 30);
+  EXPECT_EQ(plan.height, 500);
+  EXPECT_EQ(plan.splitter, std::nullopt);
+  Save(settings, "Width", "200");
+  Save(settings, "Left", "0");
+  plan = LoadPlacement(settings, "frmMain", false);
+  EXPECT_EQ(plan.width, 200);
+  EXPECT_EQ(plan.left, 0);
+
+  Save(settings, "WindowState", "1");
+  EXPECT_FALSE(LoadPlacement(settings, "frmMain", false).state) << "a minimized state is ignored";
+}
+
+TEST(Placement, AMaximizedWindowKeepsItsNormalPlaceAndAMinimizedOneSavesNothing) {
+  MemoryUserSettings settings;
+  SavePlacement(settings, "frmMain", WindowState::Normal, {30, 40, 500, 700}, 120);
+  SavePlacement(settings, "frmMain", WindowState::Maximized, {0, 0, 900, 1200}, 300);
+  EXPECT_EQ(Saved(settings, "WindowState"), "2");
+  EXPECT_EQ(Saved(settings, "Width"), "700");
+  EXPECT_EQ(Saved(settings, "SplitterNormal"), "120");
+  EXPECT_EQ(Saved(settings, "SplitterMaximized"), "300");
+  PlacementPlan plan = LoadPlacement(settings, "frmMain", true);
+  EXPECT_EQ(plan.state, WindowState::Maximized);
+  EXPECT_EQ(plan.width, std::nullopt);
+  EXPECT_EQ(plan.splitter, 300);
+
+  SavePlacement(settings, "frmMain", WindowState::Normal, {30, 40, 500, 700});
+  SavePlacement(settings, "frmMain", WindowState::Minimized, {-32000, -32000, 20, 160}, 5);
+  EXPECT_EQ(Saved(settings, "WindowState"), "0");
+  EXPECT_EQ(Saved(settings, "Top"), "30");
+  EXPECT_EQ(Saved(settings, "SplitterMaximized"), "300");
+}
+
+struct ViewsSeen final : IStartUpViews {
+  void ShowSplash() override { steps += "splash "; }
+  bool RunLogin() override {
+    steps += "login ";
+    return loginPasses;
+  }
+  void ShowMain() override { steps += "main "; }
+  void HideSplash() override { steps += "hide "; }
+  bool loginPasses = false;
+  std::string steps;
+};
+
+TEST(StartUp, TheLoginGuardsTheMainWindowUnlessTheWordPassesItOver) {
+  struct Case {
+    const char* commandLine;
+    bool security, loginPasses, starts;
+    const char* steps;
+  };
+  const Case cases[] = {
+      {"", false, false, true, "splash main hide "},
+      {"", true, true, true, "splash login main hide "},
+      {"--site /srv/x", true, false, false, "splash login hide "},
+      {"skipit", true, false, true, "splash main hide "},
+      {"/SkipIt2", true, false, true, "splash main hide "},
+      {"SKIP IT", true, false, false, "splash login hide "},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.commandLine);
+    ViewsSeen views;
+    views.loginPasses = c.loginPasses;
+    EXPECT_EQ(StartUp(c.commandLine, c.security, views), c.starts);
+    EXPECT_EQ(views.steps, c.steps);
+  }
+}
+
+TEST(StartUp, TheTitleBearsTheVersionUnlessTheProgramIsTallyDesk) {
+  EXPECT_EQ(MainWindowTitle("hifExchange", "Meter Exchange", 3, 0, 7), "Meter Exchange v3.0.7");
+  EXPECT_EQ(MainWindowTitle("TallyDesk", "Meter Exchange", 3, 0, 7), "Meter Exchange");
+}
+
+class SetupOffer : public testing::Test {
+ protected:
+  TestShell shell;
+  TempDir dir;
+  app::Session session{shell, dir.path() / "site"};
+  int loads = 0;
+  const std::function<void()> load = [this] {
+    ++loads;
+    session.Exchange().RouteMap = "changed by the load";
+  };
+  const Question question{
+      "Setup information has not yet been entered.\nWould you like to load a setup distribution?", "",
+      MsgButtons::YesNo};
+};
+
+TEST_F(SetupOffer, ASiteWithoutARouteMapIsAskedOnEveryStart) {
+  shell.answers = {MsgAnswer::No, MsgAnswer::Yes};
+  OfferSetup(session.Exchange(), shell, load);
+  OfferSetup(session.Exchange(), shell, load);
+  EXPECT_EQ(shell.questions, (std::vector<Question>{question, question}));
+  EXPECT_EQ(loads, 1);
+  // The settings are read again after the load: what it left in the object
+  // alone does not count.
+  EXPECT_EQ(session.Exchange().RouteMap, "");
+}
+
+TEST_F(SetupOffer, ASiteWithARouteMapIsNotAsked) {
+  session.Exchange().RouteMap = "Billing";
+  session.Exchange().SaveSettings();
+  OfferSetup(session.Exchange(), shell, load);
+  EXPECT_TRUE(shell.questions.empty());
+  EXPECT_EQ(loads, 0);
+}
+
+struct ChoicesGiven final : IReportChoice {
+  std::vector<int32_t> masks;
+  size_t next = 0;
+  bool unloaded = false;
+  int32_t Display() override { return next < masks.size() ? masks[next++] : 0; }
+  void Unload() override { unloaded = true; }
+};
+
+TEST(ReportChoice, PreviewsReturnToTheChoiceAndPrintingRunsEachReportInItsOrder) {
+  TestShell shell;
+  ChoicesGiven choice;
+  choice.masks = {kReportReading | kReportPreview, kReportMissed | kReportReading | kReportException, kReportOrphan};
+  std::vector<std::string> runs;
+  ChooseReports(choice, shell, [&](bool preview, int32_t type, const std::string& title) {
+    runs.push_back((preview ? "preview " : "print ") + std::to_string(type) + " " + title);
+  });
+  EXPECT_EQ(runs, (std::vector<std::string>{"preview 4 ", "print 2 Exception Report", "print 4 Reading Report",
+                                            "print 16 Missed Report"}));
+  EXPECT_EQ(shell.Asked(), std::vector<std::string>{"in r and roPreview"});
+  EXPECT_EQ(choice.next, 2U) << "printing ends the choice";
+  EXPECT_TRUE(choice.unloaded);
+
+  ChoicesGiven closed;
+  runs.clear();
+  ChooseReports(closed, shell, [&](bool, int32_t, const std::string&) { runs.emplace_back("run"); });
+  EXPECT_TRUE(runs.empty());
+  EXPECT_TRUE(closed.unloaded);
+}
+
+TEST(Login, OnlyASupervisorGetsInByAPasswordInAnyCase) {
+  TempDir dir;
+  TestShell shell;
+  app::Session session(shell, dir.path() / "site");
+  clsAdvanced& advanced = session.Exchange().Advanced();
+  EXPECT_EQ(CheckLogin(advanced, "SUPER", "pw"), LoginResult::Invalid) << "an empty list lets nobody in";
+  advanced.AddLogin("SUPER", "Secret", "S");
+  advanced.AddLogin("READER", "read1", "");
+  struct Case {
+    const char* name;
+    const char* password;
+    LoginResult result;
+  };
+  const Case cases[] = {
+      {"  ", "x", LoginResult::NameMissing},          {"SUPER", " ", LoginResult::PasswordMissing},
+      {" super ", " sECRET ", LoginResult::Accepted}, {"SUPER", "Secret1", LoginResult::Invalid},
+      {"READER", "READ1", LoginResult::NotSupervisor}, {"NOBODY", "read1", LoginResult::Invalid},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(CheckLogin(advanced, c.name, c.password), c.result);
+  }
+  EXPECT_EQ(LoginMessage(LoginResult::NameMissing), "Login Required!");
+  EXPECT_EQ(LoginMessage(LoginResult::PasswordMissing), "Password Required!");
+  EXPECT_EQ(LoginMessage(LoginResult::NotSupervisor), "Not a supervisor!");
+  EXPECT_EQ(LoginMessage(LoginResult::Invalid), "Invalid User ID or Password, try again!");
+}
+
+TEST(Prompts, RequiredTextFieldsAreCheckedBeforeNumberFields) {
+  const std::vector<PromptField> fields = {
+      {"Reader", 0, false}, {"Cycle", 1, true}, {"Book", 0, true}, {"Rate", 3, true}};
+  EXPECT_EQ(MissingPrompt(fields, {"", "", "", ""}), "Book");
+  EXPECT_EQ(MissingPrompt(fields, {"", "", "B1", " "}), "Cycle");
+  EXPECT_EQ(MissingPrompt(fields, {"", "7", "B1", ""}), "Rate");
+  EXPECT_EQ(MissingPrompt(fields, {"", "7", "B1", "2.5"}), std::nullopt);
+  for (const char key : std::string("0123456789.-\b")) EXPECT_TRUE(IsNumberPromptKey(key)) << key;
+  for (const char key : std::string("aZ +,e")) EXPECT_FALSE(IsNumberPromptKey(key)) << key;
+}
+
+TEST(MainWindow, ASecondRunIsTurnedAwayWhileOneIsUnderWay) {
+  RunGuard guard;
+  std::string seen;
+  EXPECT_TRUE(guard.Run([&] {
+    seen += "first ";
+    EXPECT_FALSE(guard.Run([&] { seen += "second "; }));
+    EXPECT_TRUE(guard.Busy());
+  }));
+  EXPECT_EQ(seen, "first ");
+  EXPECT_THROW(guard.Run([] { throw std::runtime_error("failed"); }), std::runtime_error);
+  EXPECT_FALSE(guard.Busy()) << "a run that fails lets the next one in";
+}
+
+TEST(MainWindow, SizesAndTheBarFollowTheButtons) {
+  EXPECT_EQ(MainLeastSize(206, 332, 36).width, 412);
+  EXPECT_EQ(MainLeastSize(206, 332, 36).height, 386);
+  EXPECT_EQ(LogBoxSize({800, 500}, 206, 10).width, 584);
+  EXPECT_EQ(LogBoxSize({800, 500}, 206, 10).height, 480);
+  EXPECT_EQ(ProgressFillWidth(148, 255, 0), 10);
+  EXPECT_EQ(ProgressFillWidth(148, 255, 255), 158);
+  EXPECT_EQ(ProgressFillWidth(148, 300, 100), 59);
+  EXPECT_EQ(ProgressFillWidth(148, 0, 0), 10);
+}
+
+TEST(MainWindow, ALoadTakesTheOnlyDistributionOfTheFolderWithoutAsking) {
+  TempDir dir;
+  EXPECT_EQ(SoleDistribution(dir.path()), std::nullopt);
+  std::ofstream(dir.path() / "site.DST") << "DIST 1.0\r\n";
+  std::ofstream(dir.path() / "notes.txt") << "x";
+  EXPECT_EQ(SoleDistribution(dir.path()), dir.path() / "site.DST");
+  std::ofstream(dir.path() / "other.dst") << "DIST 1.0\r\n";
+  EXPECT_EQ(SoleDistribution(dir.path()), std::nullopt) << "two: the person chooses";
+}
+
+}  // namespace
+}  // namespace hifx::test
