@@ -5,6 +5,7 @@
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
 
+#include "base/Failure.h"
 #include "base/Numbers.h"
 #include "shell/Dialogs.h"
 
@@ -58,6 +59,7 @@ QTableView* ReportList(const char* name, QAbstractItemModel& model) {
 
 frmHIFView::frmHIFView(IShell& shell, QWidget* parent)
     : QWidget(parent, Qt::Window),
+      shell_(shell),
       view_(shell),
       lstRoutes_(ReportList("lstRoutes", routes_)),
       lstMeters_(ReportList("lstMeters", meters_)) {
@@ -76,7 +78,13 @@ frmHIFView::frmHIFView(IShell& shell, QWidget* parent)
 }
 
 bool frmHIFView::Display(const std::filesystem::path& fileName) {
-  if (!view_.Display(fileName)) return false;
+  try {
+    if (!view_.Display(fileName)) return false;
+  } catch (const Failure&) {
+    // A file that opens but breaks off is no HIF either.
+    shell_.WriteLog("Error: Could not read HIF file");
+    return false;
+  }
   setWindowTitle(PathToQt(fileName));
   routes_.SetTable(view_.Routes());
   TextTable meters;
@@ -90,7 +98,12 @@ void frmHIFView::lstRoutes_Click(int row) {
   const auto& rows = routes_.Table().rows;
   if (row < 0 || static_cast<size_t>(row) >= rows.size()) return;
   const auto route = static_cast<int32_t>(NumericPrefix(rows[static_cast<size_t>(row)][0]));
-  meters_.SetTable(view_.Meters(route));
+  try {
+    meters_.SetTable(view_.Meters(route));
+  } catch (const Failure& failure) {
+    meters_.SetTable({HifView::MeterColumns(), {}});
+    shell_.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
+  }
 }
 
 }  // namespace hifx::shell

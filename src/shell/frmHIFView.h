@@ -44,6 +44,7 @@ class frmHIFView : public QWidget {
   const TextTableModel& Meters() const { return meters_; }
 
  private:
+  IShell& shell_;
   HifView view_;
   TextTableModel routes_;
   TextTableModel meters_;

@@ -203,7 +203,18 @@ void frmMain::ProgressButton(QPushButton& button, bool on) {
 }
 
 void frmMain::Guarded(const std::function<void()>& work) {
-  if (!guard_.Run(work)) QApplication::beep();
+  try {
+    if (!guard_.Run(work)) QApplication::beep();
+  } catch (const Failure& failure) {
+    // What the engine raises past its own frames ends the click, not the
+    // program.
+    if (picPlace_->isVisible()) {
+      QApplication::restoreOverrideCursor();
+      picPlace_->hide();
+      for (QPushButton* button : {cmdRoute_, cmdReRead_, cmdReading_}) button->setEnabled(true);
+    }
+    shell_.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
+  }
 }
 
 void frmMain::Convert(QPushButton& button, bool (clsExchange::*convert)()) {

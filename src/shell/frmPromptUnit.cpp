@@ -19,8 +19,9 @@ frmPromptUnit::frmPromptUnit(const std::vector<std::string>& units, QWidget* par
   install_->setEnabled(false);
   auto* cancel = new QPushButton("&Cancel");
   cancel->setObjectName("btnCancel");
-  connect(lstUnits_, &QListWidget::itemClicked, this, [this] { install_->setEnabled(true); });
-  connect(lstUnits_, &QListWidget::currentRowChanged, this, [this](int row) { install_->setEnabled(row >= 0); });
+  connect(lstUnits_, &QListWidget::itemSelectionChanged, this,
+          [this] { install_->setEnabled(!lstUnits_->selectedItems().isEmpty()); });
+  connect(lstUnits_, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
   connect(install_, &QPushButton::clicked, this, &QDialog::accept);
   connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
   auto* buttons = new QHBoxLayout;
@@ -34,8 +35,8 @@ frmPromptUnit::frmPromptUnit(const std::vector<std::string>& units, QWidget* par
 }
 
 std::string frmPromptUnit::Display() {
-  if (exec() != QDialog::Accepted || lstUnits_->currentItem() == nullptr) return {};
-  return FromQt(lstUnits_->currentItem()->text());
+  if (exec() != QDialog::Accepted || lstUnits_->selectedItems().isEmpty()) return {};
+  return FromQt(lstUnits_->selectedItems().first()->text());
 }
 
 }  // namespace hifx::shell

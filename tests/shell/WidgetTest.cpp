@@ -1,0 +1,500 @@
+// The desktop program's windows on the offscreen platform: every caption,
+// tip, menu and question, the conversions started from the main window
+// against the command line's, and a picture of each window.
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QSettings>
+#include <QtTest/QtTest>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QTableView>
+#include <QtWidgets/QToolButton>
+
+#include <memory>
+
+#include "app/Session.h"
+#include "config/clsDist.h"
+#include "reports/qt/QtRptDevice.h"
+#include "shell/DesktopShell.h"
+#include "shell/ProgressOverlay.h"
+#include "shell/frmHIFView.h"
+#include "shell/frmLogin.h"
+#include "shell/frmMain.h"
+#include "shell/frmUnitInstall.h"
+#include "shell/ModalScript.h"
+#include "support/RunHifx.h"
+#include "support/TestShell.h"
+
+namespace hifx::test {
+
+using namespace hifx::shell;
+
+namespace {
+
+const std::filesystem::path kExamples =
+    std::filesystem::weakly_canonical(std::filesystem::path(HIFX_TEST_SOURCE_DIR) / ".." / "examples");
+
+// A desk: a temporary folder as the working folder, with the examples beside
+// a site folder, the per-user settings in it too, and the main window over
+// the site as the program makes it.
+struct Desk {
+  explicit Desk(bool loadExample = true) {
+    std::filesystem::current_path(dir.path());
+    std::filesystem::create_directory_symlink(kExamples, dir / "examples");
+    std::filesystem::create_directories(dir / "out" / "example");
+    if (loadExample) {
+      TestShell quiet;
+      app::Session loader(quiet, site);
+      clsDist(loader.Store(), quiet, site).LoadDist(kExamples / "site.dst");
+    }
+  }
+  ~Desk() { std::filesystem::current_path(std::filesystem::temp_directory_path()); }
+
+  frmMain& Main() {
+    if (!main) main = std::make_unique<frmMain>(session, shell, settings, [this](const auto& f) { opened.push_back(f); });
+    return *main;
+  }
+  template <typename T = QPushButton>
+  T* Control(const char* name) {
+    return Main().findChild<T*>(name);
+  }
+  QString Log() { return Control<QPlainTextEdit>("txtLog")->toPlainText(); }
+  QAction* Menu(const char* name) { return Main().findChild<QAction*>(name); }
+
+  TempDir dir;
+  std::filesystem::path site = dir / "site";
+  DesktopShell shell;
+  app::Session session{shell, site};
+  QtUserSettings settings;
+  std::vector<std::filesystem::path> opened;
+  std::unique_ptr<frmMain> main;
+};
+
+QString Q(const std::string& text) { return QString::fromStdString(text); }
+
+QStringList MenuItems(QMenu* menu) {
+  QStringList items;
+  for (QAction* action : menu->actions()) {
+    if (!action->isSeparator()) items << action->text();
+  }
+  return items;
+}
+
+}  // namespace
+
+class WidgetTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  // The per-user settings of the whole run, away from the tester's own.
+  void initTestCase() {
+    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(config_.path().string()));
+    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+    qputenv("TZ", "UTC");
+  }
+
+  void mainWindowShowsEveryControlAsDescribed() {
+    Desk desk;
+    desk.Main().Form_Load();
+    desk.Main().show();
+    QCOMPARE(desk.Main().windowTitle(), "Handheld Interchange File Exchange v3.0.0");
+    struct Control {
+      const char* name;
+      const char* caption;
+      const char* tip;
+    };
+    const Control controls[] = {
+        {"cmdRoute", "Route File", "Create RouteHIF to send to handheld"},
+        {"cmdReRead", "Re-Read File", ""},
+        {"cmdReading", "Reading File", "Receive Reading HIF from handheld"},
+        {"cmdSetup", "Setup", "Change conversion properties"},
+        {"btnAdvanced", "Advanced", "Receive Reading HIF from handheld"},
+        {"btnInstall", "Install to Unit(s)", "Receive Reading HIF from handheld"},
+        {"btnClear", "Clear Log", "Clears previous results from log window"},
+        {"btnLog", "Open Log", "Opens log using notepad for printing"},
+    };
+    for (const Control& c : controls) {
+      QAbstractButton* button = desk.Control<QAbstractButton>(c.name);
+      QVERIFY2(button != nullptr, c.name);
+      QCOMPARE(button->text(), c.caption);
+      QCOMPARE(button->toolTip(), c.tip);
+    }
+    QCOMPARE(desk.Control<QToolButton>("cmdRouteEdit")->toolTip(),
+             "Edit File used to Create RouteHIF to send to handheld");
+    QVERIFY(desk.Control<QToolButton>("cmdReReadEdit") != nullptr);
+    QVERIFY(!desk.Control("btnLog")->isEnabled());
+    QVERIFY(!desk.Control("btnClear")->isEnabled());
+
+    QList<QMenu*> menus;
+    for (QAction* action : desk.Main().menuBar()->actions()) menus << action->menu();
+    QStringList titles;
+    for (QMenu* menu : menus) titles << menu->title();
+    QCOMPARE(titles, QStringList({"File", "&Convert", "&Setup", "&Help"}));
+    QCOMPARE(MenuItems(menus[0]), QStringList({"Viewer...", "E&xit"}));
+    QCOMPARE(MenuItems(menus[1]),
+             QStringList({"Make Route Download File", "Make ReRead Download File", "Process Readings File"}));
+    QCOMPARE(MenuItems(menus[2]), QStringList({"Configure Interchange", "Load Distribution", "Create Distribution"}));
+    QCOMPARE(MenuItems(menus[3]), QStringList({"Usage", "Maps", "About"}));
+    Shot(&desk.Main(), "frmMain-idle");
+  }
+
+  void aSiteNeverSetUpIsOfferedADistributionOnEveryStart() {
+    Desk desk(false);
+    std::filesystem::copy_file(kExamples / "site.dst", desk.session.SiteFolder() / "site.dst");
+    const QString question =
+        "Setup information has not yet been entered.\nWould you like to load a setup distribution?";
+    ModalScript script;
+    script.Box(QMessageBox::No, "setup-question");
+    desk.Main().Form_Load();
+    QVERIFY(desk.session.Exchange().RouteMap.empty());
+    // Yes loads the folder's only distribution without a dialog.
+    script.Box(QMessageBox::Yes);
+    script.Box(QMessageBox::Ok);
+    desk.Main().Form_Load();
+    QVERIFY(script.Done());
+    QCOMPARE(script.boxes.size(), size_t(3));
+    QCOMPARE(script.boxes[0], (SeenBox{"hifExchange", question}));
+    QCOMPARE(script.boxes[1], (SeenBox{"hifExchange", question}));
+    QCOMPARE(script.boxes[2], (SeenBox{"Distribution", QString::fromStdString((desk.site / "site.dst").string()) + " loaded."}));
+    QCOMPARE(Q(desk.session.Exchange().RouteMap), "Billing");
+    desk.Main().Form_Load();  // set up now: no question
+    QCOMPARE(script.boxes.size(), size_t(3));
+  }
+
+  void conversionsWriteWhatTheCommandLineWrites() {
+    Desk desk;
+    ModalScript script;
+    desk.Main().show();
+    desk.Main().Form_Load();
+    // A picture of the bar inside the button, taken at a step of the run.
+    bool shot = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+      auto* bar = desk.Main().findChild<ProgressOverlay*>("picPlace");
+      if (!shot && bar->isVisible()) {
+        Shot(&desk.Main(), "frmMain-converting");
+        shot = true;
+      }
+    });
+    watch.start(0);
+    desk.Control("cmdRoute")->click();
+    watch.stop();
+    QVERIFY(shot);
+    desk.Control("cmdReRead")->click();
+    // The reading run makes a re-read file of its own in the same place.
+    const std::filesystem::path out = desk.dir / "out/example";
+    std::filesystem::rename(out / "reread.pdb", out / "reread-tags.pdb");
+    std::filesystem::copy_file(kExamples / "reading.pdb", out / "reading.pdb");
+    // Asked whether or not the file is there.
+    script.Box(QMessageBox::Yes);
+    script.Then("frmReports", [](QWidget* window) {
+      Shot(window, "frmReports");
+      window->findChild<QPushButton*>("btnActionCANCEL")->click();
+    });
+    desk.Control("cmdReading")->click();
+    QVERIFY(script.Done());
+    QVERIFY(desk.Control("btnLog")->isEnabled());
+    const std::string windowLog = desk.Log().toStdString();
+
+    const std::vector<std::string> outputs = {"route.pdb", "reread-tags.pdb", "reread.pdb", "billing.txt",
+                                              "orphans.txt"};
+    std::filesystem::rename(out, desk.dir / "window");
+    std::filesystem::create_directories(out);
+    std::filesystem::copy_file(kExamples / "reading.pdb", out / "reading.pdb");
+    std::string hifxLog;
+    for (const char* command : {"route", "reread", "reading"}) {
+      if (std::string(command) == "reading") std::filesystem::rename(out / "reread.pdb", out / "reread-tags.pdb");
+      const RunResult run = RunHifx({"--site", desk.site.string(), "--yes", command}, desk.dir);
+      QCOMPARE(run.status, 0);
+      hifxLog += run.out;
+    }
+    QCOMPARE(Q(windowLog), Q(hifxLog));
+    for (const std::string& file : outputs) {
+      QVERIFY2(ReadBytes(out / file) == ReadBytes(desk.dir / "window" / file), file.c_str());
+      QVERIFY2(!ReadBytes(out / file).empty(), file.c_str());
+    }
+  }
+
+  void aFailedConversionSaysSoAndTheLogButtonsFollowTheLog() {
+    Desk desk;
+    desk.session.Exchange().RouteSource = (desk.dir / "missing.txt").string();
+    ModalScript script;
+    script.Box(QMessageBox::Ok, "conversion-not-complete");
+    desk.Control("cmdRoute")->click();
+    QVERIFY(script.Done());
+    QCOMPARE(script.boxes.back(), (SeenBox{"Error", "Conversion Not Complete\nCheck Log"}));
+    QVERIFY(desk.Control("btnLog")->isEnabled());
+    QVERIFY(desk.Control("btnClear")->isEnabled());
+    QVERIFY(desk.Control("cmdRoute")->isEnabled());
+
+    desk.Control("btnLog")->click();
+    QCOMPARE(desk.opened.size(), size_t(1));
+    QCOMPARE(QString::fromStdString(ReadBytes(desk.opened[0])), desk.Log());
+    QVERIFY(!desk.Log().isEmpty());
+    std::filesystem::remove(desk.opened[0]);
+
+    desk.Control("btnClear")->click();
+    QCOMPARE(desk.Log(), "");
+    QVERIFY(!desk.Control("btnLog")->isEnabled());
+    QVERIFY(!desk.Control("btnClear")->isEnabled());
+
+    desk.Control<QToolButton>("cmdRouteEdit")->click();
+    desk.Control<QToolButton>("cmdReReadEdit")->click();
+    QVERIFY(desk.opened.at(1) == desk.dir / "missing.txt");
+    QVERIFY(desk.opened.at(2) == "examples/reread-tags.txt");
+  }
+
+  void aSecondRunWaitsForTheFirstAndTheWindowStaysOpen() {
+    Desk desk;
+    desk.Main().show();
+    int turnedAway = 0;
+    QTimer poke;
+    QObject::connect(&poke, &QTimer::timeout, [&] {
+      if (!desk.Main().Busy()) return;
+      desk.Control("cmdReRead")->click();
+      desk.Main().close();
+      ++turnedAway;
+    });
+    poke.start(0);
+    desk.Control("cmdRoute")->click();
+    poke.stop();
+    QVERIFY(turnedAway > 0);
+    QVERIFY(desk.Main().isVisible());
+    QVERIFY(!desk.Log().contains("Re-Read"));
+    QVERIFY(!desk.Log().contains("ReRead"));
+  }
+
+  void thePlaceOfTheMainWindowIsKeptBetweenRuns() {
+    Desk desk;
+    QSettings(QSettings::IniFormat, QSettings::UserScope, "hifexchange", "hifExchange").remove("frmMain");
+    {
+      frmMain& first = desk.Main();
+      first.show();
+      first.Form_Load();
+      first.setGeometry(40, 60, 640, 420);
+      first.close();
+    }
+    QSettings ini(QSettings::IniFormat, QSettings::UserScope, "hifexchange", "hifExchange");
+    QCOMPARE(ini.value("frmMain/Width").toString(), QString::number(desk.Main().width()));
+    QCOMPARE(ini.value("frmMain/WindowState").toString(), "0");
+    ini.setValue("frmMain/Width", "150");
+    ini.sync();
+    desk.main.reset();
+    frmMain& second = desk.Main();
+    const int designed = second.width();
+    second.Form_Load();
+    QCOMPARE(second.width(), designed);
+    QCOMPARE(second.height(), ini.value("frmMain/Height").toInt());
+  }
+
+  void promptWindowAsksForEveryFieldAndInsistsOnTheRequiredOnes() {
+    DesktopShell shell;
+    const std::vector<PromptField> fields = {{"Reader", 0, true}, {"Cycle", 1, false}, {"Book", 0, false}};
+    ModalScript script;
+    script.Then("frmPromptVariables", [](QWidget* window) {
+      Shot(window, "frmPromptVariables");
+      QCOMPARE(window->windowTitle(), "Runtime Variables");
+      QTest::keyClicks(window->findChild<QLineEdit*>("nPrompt"), "12a.5-x ");
+      window->findChild<QPushButton*>("btnActionOK")->click();
+    });
+    script.Box(QMessageBox::Ok);
+    script.Then("frmPromptVariables", [](QWidget* window) {
+      window->findChildren<QLineEdit*>("cPrompt").at(0)->setText("JD");
+      window->findChild<QPushButton*>("btnActionOK")->click();
+    });
+    std::vector<std::string> values;
+    QVERIFY(shell.PromptVariables(fields, values));
+    QCOMPARE(script.boxes.at(0), (SeenBox{"hifExchange", "Reader Required"}));
+    QVERIFY((values == std::vector<std::string>{"JD", "12.5-", ""}));
+
+    script.Then("frmPromptVariables", [](QWidget* window) {
+      QCOMPARE(window->findChild<QPushButton*>("btnActionCancel")->text(), "&Cancel");
+      window->findChild<QPushButton*>("btnActionCancel")->click();
+    });
+    QVERIFY(!shell.PromptVariables(fields, values));
+  }
+
+  void unitChooserReturnsTheUnitClickedOrNothing() {
+    DesktopShell shell;
+    ModalScript script;
+    script.Then("frmPromptUnit", [](QWidget* window) {
+      QCOMPARE(window->windowTitle(), "Install To Unit");
+      auto* install = window->findChild<QPushButton*>("btnInstall");
+      QCOMPARE(install->text(), "&Install to Selected Unit");
+      QVERIFY(!install->isEnabled());
+      auto* units = window->findChild<QListWidget*>("lstUnits");
+      units->setCurrentRow(1);
+      QVERIFY(install->isEnabled());
+      Shot(window, "frmPromptUnit");
+      install->click();
+    });
+    QCOMPARE(Q(shell.ChooseUnit({"Alice", "Bob"})), "Bob");
+    script.Then("frmPromptUnit", [](QWidget* window) { window->findChild<QPushButton*>("btnCancel")->click(); });
+    QVERIFY(shell.ChooseUnit({"Alice", "Bob"}).empty());
+  }
+
+  void unitInstallQueuesTheApplicationForTheUnitsChecked() {
+    Desk desk;
+    const std::filesystem::path sync = desk.dir / "sync";
+    ModalScript script;
+    script.Box(QMessageBox::Ok);
+    frmUnitInstall(desk.site, sync, desk.shell).Display();
+    QCOMPARE(script.boxes.at(0).text,
+             "Unable to locate any units!\nPerhaps the Palm Desktop software is not installed \nor is not set up "
+             "for your login id?");
+
+    std::filesystem::create_directories(sync / "Alice");
+    std::filesystem::create_directories(sync / "Bob");
+    WriteBytes(desk.site / "HALVERNLINK.PRC", "application");
+    script.Then("frmUnitInstall", [](QWidget* window) {
+      auto* list = window->findChild<QListWidget*>("List1");
+      auto* install = window->findChild<QPushButton*>("btnInstallUnit");
+      QCOMPARE(list->count(), 2);
+      QVERIFY(!install->isEnabled());
+      list->item(1)->setCheckState(Qt::Checked);
+      QVERIFY(install->isEnabled());
+      Shot(window, "frmUnitInstall");
+      install->click();
+    });
+    frmUnitInstall(desk.site, sync, desk.shell).Display();
+    QVERIFY(script.Done());
+    QCOMPARE(Q(ReadBytes(sync / "Bob" / "Install" / "HALVERNLINK.PRC")), "application");
+    QVERIFY(!std::filesystem::exists(sync / "Alice" / "Install" / "HALVERNLINK.PRC"));
+  }
+
+  void loginLetsOnlyASupervisorIn() {
+    Desk desk;
+    clsAdvanced& advanced = desk.session.Exchange().Advanced();
+    ModalScript script;
+    auto attempt = [&](const char* name, const char* password) {
+      script.Then("frmLogin", [=](QWidget* window) {
+        window->findChild<QLineEdit*>("txtUserName")->setText(name);
+        window->findChild<QLineEdit*>("txtPassword")->setText(password);
+        if (std::string(name) == "SUPER") Shot(window, "frmLogin");
+        window->findChild<QPushButton*>("cmdOK")->click();
+      });
+    };
+    attempt("", "x");
+    script.Box(QMessageBox::Ok);
+    attempt("READER1", " ");
+    script.Box(QMessageBox::Ok);
+    attempt("READER1", "READ1");
+    script.Box(QMessageBox::Ok);
+    attempt("SUPER", "wrong");
+    script.Box(QMessageBox::Ok);
+    attempt("SUPER", "SUPER123");
+    QVERIFY(frmLogin(advanced).Display());
+    QVERIFY((script.boxes == std::vector<SeenBox>{{"Login", "Login Required!"},
+                                                 {"Login", "Password Required!"},
+                                                 {"hifExchange", "Not a supervisor!"},
+                                                 {"hifExchange", "Invalid User ID or Password, try again!"}}));
+    script.Then("frmLogin", [](QWidget* window) { window->findChild<QPushButton*>("cmdCancel")->click(); });
+    QVERIFY(!frmLogin(advanced).Display());
+  }
+
+  void viewerShowsRoutesAndTheMetersOfTheRouteClicked() {
+    Desk desk;
+    ModalScript script;
+    script.File(kExamples / "reading.pdb");
+    desk.Menu("mnuFViewer")->trigger();
+    QVERIFY(script.Done());
+    QCOMPARE(script.dialogs.at(0).section('|', 0, 2), "Exchange File|Palm Database Files (*.pdb) (*.pdb)|All Files(*.*) (*)");
+    QCOMPARE(QString::fromStdString(desk.settings.GetSetting("hifExchange", "RememberedUse", "ViewerFile", "")),
+             QString::fromStdString((kExamples / "reading.pdb").string()));
+    auto* viewer = desk.Main().findChild<frmHIFView*>("frmHIFView");
+    QVERIFY(viewer != nullptr && viewer->isVisible());
+    const TextTable& routes = viewer->Routes().Table();
+    QVERIFY((routes.columns == std::vector<std::string>{"Index", "Route", "Meters", "First Read", "Last Read"}));
+    QVERIFY(!routes.rows.empty());
+    QCOMPARE(viewer->Meters().Table().columns.size(), size_t(37));
+    QCOMPARE(Q(viewer->Meters().Table().columns.front()), "Sequence");
+    QCOMPARE(Q(viewer->Meters().Table().columns.back()), "User5");
+    viewer->lstRoutes_Click(0);
+    QVERIFY(!viewer->Meters().Table().rows.empty());
+    Shot(viewer, "frmHIFView");
+
+    // The next dialog starts at the file viewed last.
+    script.File({});
+    desk.Menu("mnuFViewer")->trigger();
+    QVERIFY(script.dialogs.at(1).endsWith("|" + Q(kExamples.string())));
+  }
+
+  void viewerOnAFileThatIsNoHifSaysSo() {
+    Desk desk;
+    WriteBytes(desk.dir / "damaged.pdb", std::string(90, '\x7f'));
+    ModalScript script;
+    script.File(desk.dir / "damaged.pdb");
+    script.Box(QMessageBox::Ok);
+    desk.Menu("mnuFViewer")->trigger();
+    QVERIFY(script.Done());
+    QCOMPARE(script.boxes.at(0), (SeenBox{"hifExchange", "Unable to display file"}));
+    QCOMPARE(desk.Log(), "Error: Could not read HIF file\n");
+  }
+
+  void distributionMenuWritesAndLoadsThroughItsDialogs() {
+    Desk desk;
+    ModalScript script;
+    script.File(desk.dir / "copy.dst");
+    script.Box(QMessageBox::Ok);
+    desk.Menu("mnuSUCreateDest")->trigger();
+    QVERIFY(script.Done());
+    const QString site = QString::fromStdString(desk.site.string());
+    QCOMPARE(script.dialogs.at(0), "Save Distribution|Distribution Files (*.dst) (*.dst)|All Files(*.*) (*)|" + site);
+    QCOMPARE(script.boxes.at(0).title, "Distribution");
+    QCOMPARE(script.boxes.at(0).text, QString::fromStdString((desk.dir / "copy.dst").string()) + " written.");
+    QVERIFY(ReadBytes(desk.dir / "copy.dst").starts_with("DIST 1.0\r\n[REGISTRY]\r\n"));
+
+    // Two distributions in the site folder: the person picks one.
+    std::filesystem::copy_file(desk.dir / "copy.dst", desk.site / "a.dst");
+    std::filesystem::copy_file(desk.dir / "copy.dst", desk.site / "b.dst");
+    script.File(desk.site / "b.dst");
+    script.Box(QMessageBox::Ok);
+    desk.Menu("mnuSULoadDist")->trigger();
+    QVERIFY(script.Done());
+    QCOMPARE(script.dialogs.at(1), "Load Distribution|Distribution Files (*.dst) (*.dst)|All Files(*.*) (*)|" + site);
+    QCOMPARE(script.boxes.at(1).text, QString::fromStdString((desk.site / "b.dst").string()) + " loaded.");
+  }
+
+  void aRouteOfThirtyThousandMetersShowsAtOnce() {
+    Desk desk;
+    std::string lines;
+    for (int i = 0; i < 30000; ++i) {
+      char line[200];
+      std::snprintf(line, sizeof line, "%04d%06d%08dW60%010d%010d%010dR20240131%02d%-30s%-30s%-12s%-12s%-30s%-10s\r\n", 1,
+                    i + 1, 1000000 + i, i % 900000, i % 900000 + 5000, i % 900000 + 1, 1, "1 MAIN ST", "CUSTOMER",
+                    "AC", "SN", "", "U");
+      lines += line;
+    }
+    WriteBytes(desk.dir / "big.txt", lines);
+    {
+      TestShell quiet;
+      app::Session session(quiet, desk.site);
+      clsExchange& exchange = session.Exchange();
+      exchange.Advanced().IndexControl(0);
+      exchange.RouteSource = (desk.dir / "big.txt").string();
+      exchange.RouteDestination = (desk.dir / "big.pdb").string();
+      QVERIFY(exchange.ConvertRoute());
+    }
+    frmHIFView viewer(desk.shell);
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(viewer.Display(desk.dir / "big.pdb"));
+    viewer.lstRoutes_Click(0);
+    QCoreApplication::processEvents();
+    qInfo("30,000 meters read and shown in %lld ms", static_cast<long long>(clock.elapsed()));
+    auto* meters = viewer.findChild<QTableView*>("lstMeters");
+    QCOMPARE(meters->model()->rowCount(), 30000);
+    QCOMPARE(meters->model()->index(29999, 1).data().toString(), "1029999");
+  }
+
+ private:
+  TempDir config_;
+};
+
+}  // namespace hifx::test
+
+QTEST_MAIN(hifx::test::WidgetTest)
+#include "WidgetTest.moc"
