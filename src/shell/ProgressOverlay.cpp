@@ -29,8 +29,8 @@ void ProgressOverlay::SetProgress(int32_t total, int32_t position) {
 void ProgressOverlay::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   const QRect inner = rect().adjusted(0, 0, -1, -1);
-  painter.fillRect(rect(), palette().color(QPalette::Button));
-  painter.setPen(palette().color(QPalette::Mid));
+  painter.fillRect(rect(), palette().color(QPalette::Base));
+  painter.setPen(palette().color(QPalette::Dark));
   painter.drawRect(inner);
   const QRect filled(1, 1, std::max(0, fill_ - 1), height() - 2);
   painter.fillRect(filled, palette().color(QPalette::Highlight).lighter(130));

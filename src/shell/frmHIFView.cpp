@@ -50,6 +50,7 @@ QTableView* ReportList(const char* name, QAbstractItemModel& model) {
   list->verticalHeader()->hide();
   // Rows of one height: the list needn't measure tens of thousands of rows.
   list->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  list->verticalHeader()->setDefaultSectionSize(list->fontMetrics().height() + 6);
   list->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
   list->horizontalHeader()->setDefaultSectionSize(96);
   return list;

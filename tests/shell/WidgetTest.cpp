@@ -169,15 +169,18 @@ class WidgetTest : public QObject {
     ModalScript script;
     desk.Main().show();
     desk.Main().Form_Load();
-    // A picture of the bar inside the button, taken at a step of the run.
+    // A picture of the bar inside the button, taken at the last step of the
+    // run that has it less than two thirds full.
     bool shot = false;
+    int shotFill = 0;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
       auto* bar = desk.Main().findChild<ProgressOverlay*>("picPlace");
-      if (!shot && bar->isVisible()) {
-        Shot(&desk.Main(), "frmMain-converting");
-        shot = true;
-      }
+      if (!bar->isVisible() || bar->FillWidth() <= shotFill || bar->FillWidth() > bar->width() * 2 / 3) return;
+      QVERIFY(!desk.Control("cmdRoute")->isEnabled());
+      Shot(&desk.Main(), "frmMain-converting");
+      shot = true;
+      shotFill = bar->FillWidth();
     });
     watch.start(0);
     desk.Control("cmdRoute")->click();

@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# Starts hifx-desktop on a virtual X display as a clerk starts it, on the
+# example site: logs in at the login window, presses Route File with the
+# keyboard, and opens the log in the "text editor", here a stand-in for
+# xdg-open that keeps a copy. Passes when the route HIF is written and the
+# log shows the conversion's closing line.
+#
+#   desktop-under-xvfb.sh HIFX_DESKTOP HIFX EXAMPLES_DIR
+set -euo pipefail
+desktop=$(realpath "$1") hifx=$(realpath "$2") examples=$(realpath "$3")
+
+work=$(mktemp -d)
+cleanup() {
+  [ -n "${app:-}" ] && kill "$app" 2>/dev/null || true
+  [ -n "${xvfb:-}" ] && kill "$xvfb" 2>/dev/null || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+fail() {
+  echo "desktop-under-xvfb: $*" >&2
+  [ -f "$work/desktop.log" ] && sed 's/^/  desktop: /' "$work/desktop.log" >&2
+  exit 1
+}
+
+cd "$work"
+ln -s "$examples" examples
+mkdir -p out/example bin config
+"$hifx" --site site dist load examples/site.dst > /dev/null 2>&1 || fail "the example site did not load"
+cat > bin/xdg-open <<'OPEN'
+#!/bin/sh
+cp "${1#file://}" "$(dirname "$0")/../opened.txt"
+OPEN
+chmod +x bin/xdg-open
+
+exec 3< <(Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp 2>/dev/null & echo "pid $!")
+read -r _ xvfb <&3
+read -r number <&3 || fail "Xvfb did not start"
+export DISPLAY=":$number"
+export XDG_CONFIG_HOME="$work/config" PATH="$work/bin:$PATH"
+export SOURCE_DATE_EPOCH=1700000000 TZ=UTC
+unset QT_QPA_PLATFORM
+
+"$desktop" --site site > "$work/desktop.log" 2>&1 &
+app=$!
+
+window() { timeout 20 xdotool search --sync --onlyvisible --name "$1" | head -1; }
+login=$(window '^Login$') || fail "no login window"
+xdotool windowfocus --sync "$login"
+xdotool type --delay 20 SUPER
+xdotool key Tab
+xdotool type --delay 20 super123
+xdotool key Return
+
+main=$(window '^Handheld Interchange File Exchange v') || fail "no main window after the login"
+xdotool windowfocus --sync "$main"
+sleep 0.5
+xdotool key space  # Route File has the focus when the window opens
+for _ in $(seq 100); do
+  [ -s out/example/route.pdb ] && break
+  sleep 0.2
+done
+[ -s out/example/route.pdb ] || fail "Route File wrote no HIF"
+
+# Open Log is six steps along the tab order from Route File.
+sleep 0.5
+xdotool key Tab Tab Tab Tab Tab Tab space
+for _ in $(seq 50); do
+  [ -s opened.txt ] && break
+  sleep 0.2
+done
+[ -s opened.txt ] || fail "Open Log showed no log"
+grep -qx "Route Conversion Finished.*" opened.txt || fail "the log lacks the closing line: $(cat opened.txt)"
+"$hifx" view out/example/route.pdb > /dev/null || fail "the HIF does not read back"
+echo "desktop-under-xvfb: route HIF written, log shown ($(grep -c '' opened.txt) lines)"
