@@ -5,11 +5,12 @@
 # readings as a handheld does, and converts the readings into the billing
 # file, the orphan file and the re-read file; then the same road for the MVRS
 # example route file and the E5000 example download; last, the Reading and
-# Exception reports of the readings as PDF files.
+# Exception reports of the readings as PDF files. It builds the desktop
+# program too, and ends by saying how to start it on the example site.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
-scripts/build.sh default --target hifx fill_readings >/dev/null
+scripts/build.sh default --target hifx fill_readings hifx-desktop >/dev/null
 
 out=out/example
 hifx="build/default/src/hifx --site $out/site"
@@ -68,3 +69,6 @@ cat "$out/e5000-upload.txt"
 echo "== hifx report --type reading,exception --pdf $out/report.pdf $out/reading.pdb"
 $hifx report --type reading,exception --pdf "$out/report.pdf" "$out/reading.pdb"
 ls -l "$out/report-reading.pdf" "$out/report-exception.pdf"
+
+echo "== the desktop program on the same site, from this folder (log in as SUPER, password super123):"
+echo "   build/default/src/shell/hifx-desktop --site $out/site"

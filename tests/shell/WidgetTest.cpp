@@ -221,6 +221,35 @@ class WidgetTest : public QObject {
     }
   }
 
+  void readingOffersReportsUntilTheyArePrinted() {
+    Desk desk;
+    std::filesystem::copy_file(kExamples / "reading.pdb", desk.dir / "out/example/reading.pdb");
+    ModalScript script;
+    script.Box(QMessageBox::Yes);
+    // A preview comes back to the choice; Continue prints what is checked.
+    script.Then("frmReports", [](QWidget* window) { window->findChild<QPushButton*>("btnPreview4")->click(); });
+    script.Box(QMessageBox::Ok);
+    script.Then("frmReports", [](QWidget* window) {
+      window->findChild<QCheckBox*>("chkReports2")->setChecked(true);
+      window->findChild<QCheckBox*>("chkReports8")->setChecked(true);
+      window->findChild<QPushButton*>("btnActionCONTINUE")->click();
+    });
+    // This desk has no printer: each report is kept as a PDF.
+    script.File(desk.dir / "exceptions.pdf");
+    script.File(desk.dir / "orphans.pdf");
+    desk.Control("cmdReading")->click();
+    QVERIFY(script.Done());
+    QCOMPARE(script.boxes.at(1), (SeenBox{"hifExchange", "in r and roPreview"}));
+    QCOMPARE(desk.opened.size(), size_t(1));
+    QVERIFY(ReadBytes(desk.opened[0]).starts_with("%PDF"));
+    std::filesystem::remove(desk.opened[0]);
+    QVERIFY(script.dialogs.at(0).startsWith("Save Exception Report|PDF Files (*.pdf) (*.pdf)|"));
+    QVERIFY(script.dialogs.at(1).startsWith("Save Orphan Report|"));
+    QVERIFY(ReadBytes(desk.dir / "exceptions.pdf").starts_with("%PDF"));
+    QVERIFY(ReadBytes(desk.dir / "orphans.pdf").starts_with("%PDF"));
+    QCOMPARE(desk.settings.GetSetting("hifExchange", "Reports", "Options", ""), std::string("10"));
+  }
+
   void aFailedConversionSaysSoAndTheLogButtonsFollowTheLog() {
     Desk desk;
     desk.session.Exchange().RouteSource = (desk.dir / "missing.txt").string();
