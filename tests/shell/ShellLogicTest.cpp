@@ -6,13 +6,13 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "app/Session.h"
 #include "base/UserSettings.h"
 #include "reports/clsReport.h"
 #include "shell/DialogLogic.h"
 #include "shell/MainWindowLogic.h"
 #include "shell/Placement.h"
 #include "shell/StartUp.h"
+#include "support/RouteSite.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
 
@@ -123,13 +123,13 @@ TEST(StartUp, TheTitleBearsTheVersionUnlessTheProgramIsTallyDesk) {
 
 class SetupOffer : public testing::Test {
  protected:
-  TestShell shell;
-  TempDir dir;
-  app::Session session{shell, dir.path() / "site"};
+  RouteSite site;
+  TestShell& shell = site.shell;
+  clsExchange& exchange = site.Exchange();
   int loads = 0;
   const std::function<void()> load = [this] {
     ++loads;
-    session.Exchange().RouteMap = "changed by the load";
+    exchange.RouteMap = "changed by the load";
   };
   const Question question{
       "Setup information has not yet been entered.\nWould you like to load a setup distribution?", "",
@@ -138,19 +138,19 @@ class SetupOffer : public testing::Test {
 
 TEST_F(SetupOffer, ASiteWithoutARouteMapIsAskedOnEveryStart) {
   shell.answers = {MsgAnswer::No, MsgAnswer::Yes};
-  OfferSetup(session.Exchange(), shell, load);
-  OfferSetup(session.Exchange(), shell, load);
+  OfferSetup(exchange, shell, load);
+  OfferSetup(exchange, shell, load);
   EXPECT_EQ(shell.questions, (std::vector<Question>{question, question}));
   EXPECT_EQ(loads, 1);
   // The settings are read again after the load: what it left in the object
   // alone does not count.
-  EXPECT_EQ(session.Exchange().RouteMap, "");
+  EXPECT_EQ(exchange.RouteMap, "");
 }
 
 TEST_F(SetupOffer, ASiteWithARouteMapIsNotAsked) {
-  session.Exchange().RouteMap = "Billing";
-  session.Exchange().SaveSettings();
-  OfferSetup(session.Exchange(), shell, load);
+  exchange.RouteMap = "Billing";
+  exchange.SaveSettings();
+  OfferSetup(exchange, shell, load);
   EXPECT_TRUE(shell.questions.empty());
   EXPECT_EQ(loads, 0);
 }
@@ -185,10 +185,8 @@ TEST(ReportChoice, PreviewsReturnToTheChoiceAndPrintingRunsEachReportInItsOrder)
 }
 
 TEST(Login, OnlyASupervisorGetsInByAPasswordInAnyCase) {
-  TempDir dir;
-  TestShell shell;
-  app::Session session(shell, dir.path() / "site");
-  clsAdvanced& advanced = session.Exchange().Advanced();
+  RouteSite site;
+  clsAdvanced& advanced = site.Exchange().Advanced();
   EXPECT_EQ(CheckLogin(advanced, "SUPER", "pw"), LoginResult::Invalid) << "an empty list lets nobody in";
   advanced.AddLogin("SUPER", "Secret", "S");
   advanced.AddLogin("READER", "read1", "");
