@@ -1,7 +1,12 @@
 #include "shell/DesktopShell.h"
 
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
 #include <QtWidgets/QInputDialog>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
 
 #include "delivery/UnitInstall.h"
 #include "shell/Dialogs.h"
@@ -9,6 +14,40 @@
 #include "shell/frmPromptVariables.h"
 
 namespace hifx::shell {
+
+// Shown, not waited on, while a report is laid out and printed; its button
+// asks the run to stop at the next page.
+class ReportStatusWindow final : public QDialog {
+ public:
+  explicit ReportStatusWindow(QWidget* parent)
+      : QDialog(parent), lReport_(new QLabel), btnAbort_(new QPushButton("&Cancel...")) {
+    setObjectName("Dialog");
+    setWindowTitle(ToQt(kProgramTitle));
+    lReport_->setObjectName("lReport");
+    lReport_->setMinimumWidth(260);
+    btnAbort_->setObjectName("btnAbort");
+    connect(btnAbort_, &QPushButton::clicked, this, [this] {
+      aborted_ = true;
+      btnAbort_->setEnabled(false);
+      lReport_->setText("Cancelling...");
+    });
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(lReport_);
+    layout->addWidget(btnAbort_, 0, Qt::AlignRight);
+  }
+  bool Status(const QString& text) {
+    lReport_->setText(text);
+    if (!isVisible()) show();
+    QApplication::processEvents();
+    return aborted_;
+  }
+
+ private:
+  QLabel* lReport_;
+  QPushButton* btnAbort_;
+  bool aborted_ = false;
+};
+
 namespace {
 
 struct ButtonSet {
@@ -54,6 +93,21 @@ QMessageBox::Icon IconOf(MsgIcon icon) {
 QString TitleOf(std::string_view title) { return ToQt(title.empty() ? kProgramTitle : title); }
 
 }  // namespace
+
+DesktopShell::DesktopShell() = default;
+DesktopShell::~DesktopShell() = default;
+
+bool DesktopShell::ReportStatus(std::string_view text) {
+  if (text.empty()) {
+    status_.reset();
+    return false;
+  }
+  // A window of its own: it may outlive none of the others.
+  if (!status_) status_ = std::make_unique<ReportStatusWindow>(nullptr);
+  QString shown = ToQt(text);
+  shown.replace("\r\n", "\n");
+  return status_->Status(shown);
+}
 
 void DesktopShell::SetLogView(ILogView* view) {
   view_ = view;

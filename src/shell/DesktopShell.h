@@ -3,6 +3,7 @@
 // program's own dialogs.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,13 @@ class ILogView {
   virtual void SetProgressButton(int32_t total, int32_t position) = 0;
 };
 
+class ReportStatusWindow;
+
 class DesktopShell final : public IShell {
  public:
+  DesktopShell();
+  ~DesktopShell() override;
+
   // The main window, once it exists; the lines logged before it are kept
   // and shown when it comes.
   void SetLogView(ILogView* view);
@@ -35,11 +41,14 @@ class DesktopShell final : public IShell {
   std::string ChooseUnit(const std::vector<std::string>& units) override;
   std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
                                       std::string_view defaultValue) override;
+  // The status window of a report run, with its Cancel button.
+  bool ReportStatus(std::string_view text) override;
 
  private:
   ILogView* view_ = nullptr;
   QWidget* parent_ = nullptr;
   std::vector<std::string> early_;  // logged before the main window was made
+  std::unique_ptr<ReportStatusWindow> status_;
 };
 
 }  // namespace hifx::shell

@@ -5,6 +5,7 @@
 #include <QtCore/QSettings>
 #include <QtTest/QtTest>
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QMenuBar>
@@ -347,6 +348,27 @@ class WidgetTest : public QObject {
       window->findChild<QPushButton*>("btnActionCancel")->click();
     });
     QVERIFY(!shell.PromptVariables(fields, values));
+  }
+
+  void reportStatusWindowShowsTheRunAndAsksItToStop() {
+    DesktopShell shell;
+    QVERIFY(!shell.ReportStatus("Reading Report\r\nRetrieving data"));
+    QWidget* window = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+      if (w->objectName() == "Dialog" && w->isVisible()) window = w;
+    }
+    QVERIFY(window != nullptr);
+    auto* label = window->findChild<QLabel*>("lReport");
+    QCOMPARE(label->text(), "Reading Report\nRetrieving data");
+    auto* abort = window->findChild<QPushButton*>("btnAbort");
+    QCOMPARE(abort->text(), "&Cancel...");
+    Shot(window, "Dialog");
+    abort->click();
+    QCOMPARE(label->text(), "Cancelling...");
+    QVERIFY(!abort->isEnabled());
+    QVERIFY(shell.ReportStatus("Page 2"));
+    QVERIFY(!shell.ReportStatus(""));
+    QVERIFY(!shell.ReportStatus("Exception Report"));
   }
 
   void unitChooserReturnsTheUnitClickedOrNothing() {
