@@ -2,8 +2,9 @@
 # Starts hifx-desktop on a virtual X display as a clerk starts it, on the
 # example site: logs in at the login window, presses Route File with the
 # keyboard, and opens the log in the "text editor", here a stand-in for
-# xdg-open that keeps a copy. Passes when the route HIF is written and the
-# log shows the conversion's closing line.
+# xdg-open that keeps a copy, and leaves by File, Exit. Passes when the route
+# HIF is written, the log shows the conversion's closing line, and the
+# program ends cleanly (under the sanitizers: with nothing to report).
 #
 #   desktop-under-xvfb.sh HIFX_DESKTOP HIFX EXAMPLES_DIR
 set -euo pipefail
@@ -71,4 +72,17 @@ done
 [ -s opened.txt ] || fail "Open Log showed no log"
 grep -qx "Route Conversion Finished.*" opened.txt || fail "the log lacks the closing line: $(cat opened.txt)"
 "$hifx" view out/example/route.pdb > /dev/null || fail "the HIF does not read back"
+
+# Out by the menus: Convert opens with Alt+C, Left goes to File, X is Exit.
+xdotool key alt+c Left x
+for _ in $(seq 100); do
+  kill -0 "$app" 2>/dev/null || break
+  sleep 0.2
+done
+kill -0 "$app" 2>/dev/null && fail "File, Exit did not end the program"
+status=0
+wait "$app" || status=$?
+app=""
+[ "$status" -eq 0 ] || fail "the program ended with status $status"
+grep -q "LeakSanitizer\|AddressSanitizer" "$work/desktop.log" && fail "the sanitizers spoke"
 echo "desktop-under-xvfb: route HIF written, log shown ($(grep -c '' opened.txt) lines)"
