@@ -251,6 +251,21 @@ class WidgetTest : public QObject {
     QCOMPARE(desk.settings.GetSetting("hifExchange", "Reports", "Options", ""), std::string("10"));
   }
 
+  void withFavoritesTheReadingFileIsChosenFirst() {
+    Desk desk;
+    clsExchange& exchange = desk.session.Exchange();
+    exchange.Advanced().UseFavorite(true);
+    const std::string before = exchange.ReadingSource;
+    ModalScript script;
+    script.File({});
+    desk.Control("cmdReading")->click();
+    QVERIFY(script.Done());
+    QVERIFY(script.dialogs.at(0).startsWith("Readings File|Palm Database Files (*.pdb) (*.pdb)|"));
+    QCOMPARE(Q(exchange.ReadingSource), Q(before));
+    QCOMPARE(desk.Log(), "");
+    QVERIFY2(!desk.Control("btnLog")->isEnabled(), "a cancelled choice runs nothing");
+  }
+
   void aFailedConversionSaysSoAndTheLogButtonsFollowTheLog() {
     Desk desk;
     desk.session.Exchange().RouteSource = (desk.dir / "missing.txt").string();
