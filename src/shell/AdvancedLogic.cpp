@@ -66,27 +66,6 @@ RecordAt RecordsOf(clsAdvanced& advanced, SiteList list, std::string_view type) 
   };
 }
 
-// The stored value of a record by key, through the list's own lookup: the
-// position, -1 when there is none.
-int16_t FindKey(clsAdvanced& advanced, SiteList list, std::string_view type, const std::string& key) {
-  std::string a, b, c;
-  switch (list) {
-    case SiteList::Logins:
-      return advanced.GetLogin(Value(key), a, b, c);
-    case SiteList::Messages:
-      return advanced.GetMessage(type, Value(key), a, b, c);
-    case SiteList::Changeouts:
-      return advanced.GetChangeout(type, Value(key), a, b);
-    case SiteList::Skips:
-      return advanced.GetSkip(Value(key), a, b);
-    case SiteList::Tokens:
-      return advanced.GetToken(type, Value(key), a);
-    case SiteList::Favorites:
-      break;
-  }
-  return advanced.GetFavorite(Value(key), a, b);
-}
-
 // The key of a dialog's values: messages are keyed by route and ID.
 std::string KeyOf(SiteList list, const std::vector<std::string>& values) {
   if (list == SiteList::Messages) return MessageKey(values.at(0), values.at(1));
@@ -111,24 +90,24 @@ std::vector<ListRow> ListRows(clsAdvanced& advanced, SiteList list, std::string_
 
 const RecordDialog& RecordDialogOf(SiteList list) {
   static const RecordDialog kLogin{"frmAdvLogin", "Login",
-                                   {{"Login ID:", "Login ID is required"}, {"Password:", "Password is required"}},
+                                   {{"cLoginID", "Login ID:", "Login ID is required"}, {"cPassword", "Password:", "Password is required"}},
                                    "Already have a login with this ID", "Delete Login"};
   static const RecordDialog kMessage{"frmAdvMessage", "Message",
-                                     {{"Route Nbr:", "Route Nbr or (ANY) is required"},
-                                      {"Account Number:", " is required"},
-                                      {"Message:", "Message is required"}},
+                                     {{"cRouteNbr", "Route Nbr:", "Route Nbr or (ANY) is required"},
+                                      {"cMeterID", "Account Number:", " is required"},
+                                      {"cMessage", "Message:", "Message is required"}},
                                      "Already have a Message with this ID", "Delete Message"};
   static const RecordDialog kChangeout{"frmAdvChangeout", "Changeout",
-                                       {{"Code:", "Code is required"}, {"Description:", "Description is required"}},
+                                       {{"cCode", "Code:", "Code is required"}, {"cDescription", "Description:", "Description is required"}},
                                        "Already have this Code", "Delete Changeout"};
   // "PathName" is the word the reason's message has always used.
   static const RecordDialog kSkip{"frmAdvSkip", "Skip Code",
-                                  {{"Code:", "Code is required"}, {"Reason Skipped:", "PathName is required"}},
+                                  {{"cCode", "Code:", "Code is required"}, {"cPathName", "Reason Skipped:", "PathName is required"}},
                                   "Already have this Code", "Delete Skip"};
-  static const RecordDialog kToken{"frmAdvToken", "Token", {{"Token:", "Address Token is required"}},
+  static const RecordDialog kToken{"frmAdvToken", "Token", {{"cToken", "Token:", "Address Token is required"}},
                                    "Already have this Token", "Delete Token"};
   static const RecordDialog kFavorite{"frmAdvFavorite", "Favorite",
-                                      {{"UnitID:", "UnitID is required"}, {"PathName:", "PathName is required"}},
+                                      {{"cUnitID", "UnitID:", "UnitID is required"}, {"cPathName", "PathName:", "PathName is required"}},
                                       "Already have this UnitID", "Delete Favorite"};
   switch (list) {
     case SiteList::Logins:
@@ -160,9 +139,38 @@ std::optional<RecordProblem> CheckRecord(clsAdvanced& advanced, SiteList list, s
   if (adding) {
     std::vector<std::string> trimmed;
     for (const std::string& value : values) trimmed.emplace_back(Trim(value));
-    if (FindKey(advanced, list, type, KeyOf(list, trimmed)) >= 0) return RecordProblem{0, dialog.duplicate};
+    // The list's own lookup by key, blind to case and to deleted records.
+    if (!RecordValues(advanced, list, type, KeyOf(list, trimmed)).at(0).empty()) {
+      return RecordProblem{0, dialog.duplicate};
+    }
   }
   return std::nullopt;
+}
+
+std::vector<std::string> RecordValues(clsAdvanced& advanced, SiteList list, std::string_view type,
+                                      const std::string& key) {
+  std::string a, b, c;
+  switch (list) {
+    case SiteList::Logins:
+      if (advanced.GetLogin(Value(key), a, b, c) < 0) return {"", "", ""};
+      return {a, b, c};
+    case SiteList::Messages:
+      if (advanced.GetMessage(type, Value(key), a, b, c) < 0) return {"", "", ""};
+      return {a, b, c};
+    case SiteList::Changeouts:
+      if (advanced.GetChangeout(type, Value(key), a, b) < 0) return {"", ""};
+      return {a, b};
+    case SiteList::Skips:
+      if (advanced.GetSkip(Value(key), a, b) < 0) return {"", ""};
+      return {a, b};
+    case SiteList::Tokens:
+      if (advanced.GetToken(type, Value(key), a) < 0) return {""};
+      return {a};
+    case SiteList::Favorites:
+      break;
+  }
+  if (advanced.GetFavorite(Value(key), a, b) < 0) return {"", ""};
+  return {a, b};
 }
 
 std::string MessageIdLabel(std::string_view type) {

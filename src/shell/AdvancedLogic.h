@@ -28,6 +28,7 @@ std::vector<ListRow> ListRows(clsAdvanced& advanced, SiteList list, std::string_
 
 // The record dialogs: their window names, fields and messages.
 struct RecordField {
+  std::string name;      // the field's control
   std::string label;
   std::string required;  // the message when it is left blank
 };
@@ -58,6 +59,11 @@ std::optional<RecordProblem> CheckRecord(clsAdvanced& advanced, SiteList list, s
 // route, the ID and the text.
 void ApplyRecord(clsAdvanced& advanced, SiteList list, std::string_view type, const std::string& result,
                  bool adding, const std::vector<std::string>& values);
+
+// The stored record of the key, as the dialog's values (see ApplyRecord);
+// empty values for a key the list doesn't have.
+std::vector<std::string> RecordValues(clsAdvanced& advanced, SiteList list, std::string_view type,
+                                      const std::string& key);
 
 // A message's key: route, "||" and the ID; "ANY" for every route.
 std::string MessageKey(std::string_view route, std::string_view id);
