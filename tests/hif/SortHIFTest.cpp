@@ -237,12 +237,6 @@ TEST_P(SortHIFTest, ARecordTooShortForItsRecTypeIsCopiedAsAHeader) {
   EXPECT_EQ(shell.Asked().at(1), "Subscript out of range");  // the short read, shown
 }
 
-TEST_P(SortHIFTest, ARouteLongerThanTheHeaderSaysFailsAndChangesNothing) {
-  Write({Header(2), RouteHeader(1), Meter(1, 3, 1), Meter(1, 2, 2), Meter(2, 1, 3),
-         Meter(1, 3, 4), Meter(1, 2, 5), Meter(1, 1, 6)});
-  FailsChangingNothing(fail::kSubscript, path);
-}
-
 TEST_P(SortHIFTest, TheVersionComesFromTheReadingSource) {
   Write({Header(2), RouteHeader(1), Meter(1, 2, 1), Meter(1, 1, 2)});
   const std::string before = ReadBytes(path);
