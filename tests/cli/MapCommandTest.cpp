@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 
@@ -92,25 +90,6 @@ TEST(MapCommand, CheckExitsByTheValidationAndTwoWithoutAMap) {
     const auto r = Map(dir, args);
     EXPECT_EQ(r.status, 2) << r.err;
     EXPECT_EQ(r.out, "") << r.err;
-  }
-}
-
-TEST(MapCommand, DamagedMapsStillShow) {
-  TempDir dir;
-  std::mt19937 random(7);
-  const std::string alphabet = "=,;:#CNPAZLRB0123456789-. \r\n\tMAPTYPEOINSRouteNbrCurReading";
-  for (int round = 0; round < 8; ++round) {
-    std::string bytes(random() % 3000, '\0');
-    for (char& c : bytes) {
-      c = round % 2 ? static_cast<char>(random()) : alphabet[random() % alphabet.size()];
-    }
-    Put(dir, "Damaged.hrm", "MAPTYPE=1\r\n" + bytes);
-    const auto show = Map(dir, {"show", "Damaged.hrm"});
-    ASSERT_TRUE(show.exited) << "show died on round " << round;
-    EXPECT_EQ(show.status, 0) << show.err;
-    const auto check = Map(dir, {"check", "Damaged.hrm"});
-    ASSERT_TRUE(check.exited) << "check died on round " << round;
-    EXPECT_TRUE(check.status == 0 || check.status == 1) << check.status;
   }
 }
 

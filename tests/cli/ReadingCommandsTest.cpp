@@ -72,11 +72,6 @@ TEST_F(ReadingCommand, DamagedReadingFilesEndInTheDriversWords) {
   EXPECT_EQ(o.status, 0) << o.out;
   // Its meters keep their place in the list the file header sized, with no name.
   EXPECT_NE(ReadBytes(dir / "billing.txt").find("\r\n    000010"), std::string::npos);
-  // A text part with no NULs: the texts read as empty, the line is written.
-  WriteBytes(dir / "garbage.pdb", std::string(78, '\0') + "xyz");
-  const auto g = Reading((dir / "garbage.pdb").string());
-  ASSERT_TRUE(g.exited);
-  EXPECT_TRUE(g.status == 0 || g.status == 1);
 }
 
 }  // namespace

@@ -68,28 +68,5 @@ TEST_F(RouteCommand, BadSourcesEndInTheDriversWords) {
   }
 }
 
-TEST_F(RouteCommand, AFailureInsideShowsErrorAndKeepsThePartialFile) {
-  auto line = [](const std::string& start, const std::string& previous, const std::string& address) {
-    std::string l(186, ' ');
-    l.replace(0, start.size(), start);
-    l.replace(21, previous.size(), previous);
-    l.replace(60, 2, "01");
-    l.replace(62, address.size(), address);
-    return l;
-  };
-  // The second previous reading passes the parse as a number but overflows
-  // the file's 32-bit field when the meter is written.
-  WriteBytes(dir / "src.txt", line("000100001001012345W5", "0000001234", "1 MAIN") + "\r\n" +
-                                  line("000100002001012346W5", "9999999999", "2 MAIN") + "\r\n");
-  const auto dest = dir / "partial.pdb";
-  const auto r = Hifx({"route", "--source", (dir / "src.txt").string(), "--dest", dest.string()});
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "Error: Overflow\n");
-  EXPECT_NE(r.out.find("Route Conversion Finished\n\n"), std::string::npos) << r.out;
-  const auto dump = Hifx({"dump", dest.string()});
-  EXPECT_EQ(dump.status, 0);
-  EXPECT_NE(dump.out.find("\"PrvReading\":1234"), std::string::npos);
-}
-
 }  // namespace
 }  // namespace hifx::test

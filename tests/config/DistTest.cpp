@@ -67,17 +67,6 @@ TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
   EXPECT_EQ(to.Registry().GetValue(RootReadPath("MessagesAccount", "ANY||100")), Value("Say \"hi\""));
 }
 
-TEST(Dist, AFileWithoutItsHeaderChangesNothing) {
-  TempDir dir;
-  Site site(dir / "site");
-  WriteBytes(dir / "bad.dst", "[REGISTRY]\r\nRoute:\r\n> Source = \"x\"\r\n");
-  TestShell shell;
-  EXPECT_FALSE(site.Dist(shell).LoadDist(dir / "bad.dst"));
-  EXPECT_EQ(shell.questions,
-            (std::vector<Question>{{"Distribution file not properly formatted", "Distribution", MsgButtons::OK}}));
-  EXPECT_TRUE(site.Registry().GetValue(RootReadPath("Route", "Source")).IsEmpty());
-}
-
 TEST(Dist, BadSectionsAreReportedAndTheRestLoads) {
   TempDir dir;
   Site site(dir / "site");

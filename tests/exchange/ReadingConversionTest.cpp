@@ -271,14 +271,5 @@ TEST(ReadingDriver, NoExceptionsLeaveAHeaderOnlyFileAndTheQuestionIsAlwaysPut) {
   EXPECT_EQ(site.Records("reread.pdb").size(), 1u);
 }
 
-TEST(ReadingDriver, AMeterWithoutItsRouteIsLoggedAndWhatWasWrittenStays) {
-  ReadingSite site;
-  site.Reading({{1, 1, 11, 1, 5, 1, 9}, {7, 1, 12, 1, 5, 1, 9}});
-  EXPECT_FALSE(site.Exchange().ConvertReading());
-  EXPECT_EQ(site.Billing(), "NORTH000011000005R\r\n");
-  EXPECT_EQ(site.shell.Logged("Subscript out of range"), 1u);
-  EXPECT_EQ(site.shell.Tail(2)[0], "Reading Conversion Finished");
-}
-
 }  // namespace
 }  // namespace hifx::test

@@ -241,18 +241,6 @@ TEST(RouteDriver, ASourceOfNoLinesLeavesAnUnusableFile) {
   EXPECT_TRUE(std::filesystem::exists(site.dir / "route.pdb"));
 }
 
-TEST(RouteDriver, TwoRunsWriteTheSameBytes) {
-  RouteSite site;
-  site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "1 MAIN ST", "DOE JANE"),
-              FixedLine("2", 1, 12, 'G', 'R', "2 OAK AVE", "ROE RICK")});
-  site.Exchange().Advanced().IndexControl(1);
-  ASSERT_TRUE(site.Exchange().ConvertRoute());
-  const std::string first = ReadBytes(site.dir / "route.pdb");
-  site.shell.answers = {MsgAnswer::Yes};
-  ASSERT_TRUE(site.Exchange().ConvertRoute());
-  EXPECT_EQ(ReadBytes(site.dir / "route.pdb"), first);
-}
-
 TEST(RouteDriver, AddRouteFindsRoutesExactly) {
   RouteSite site;
   clsExchange& e = site.Exchange();
