@@ -51,6 +51,9 @@ class clsExchange {
 
   // The site's lists, loaded on first use and saved when the run ends.
   clsAdvanced& Advanced();
+  // Saves the site's lists and lets the next use load them afresh, as after
+  // they were edited elsewhere.
+  void RenewAdvanced() { advanced_.reset(); }
   // The run-time values the operator entered for the current conversion.
   clsPrompts Prompts;
 

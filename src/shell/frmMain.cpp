@@ -16,12 +16,16 @@
 #include "base/Failure.h"
 #include "config/clsDist.h"
 #include "delivery/UnitInstall.h"
+#include "delivery/SyncFolders.h"
+#include "delivery/clsPalmUsers.h"
 #include "hif/FileVersion.h"
 #include "reports/clsReport.h"
 #include "reports/qt/QtRptDevice.h"
 #include "shell/Placement.h"
 #include "shell/ProgressOverlay.h"
 #include "shell/StartUp.h"
+#include "shell/frmAdvanced.h"
+#include "shell/frmFavorites.h"
 #include "shell/frmHIFView.h"
 #include "shell/frmReports.h"
 #include "shell/frmUnitInstall.h"
@@ -79,6 +83,7 @@ frmMain::frmMain(app::Session& session, DesktopShell& shell, IUserSettings& sett
   connect(btnClear_, &QPushButton::clicked, this, [this] { btnClear_Click(); });
   connect(btnLog_, &QPushButton::clicked, this, [this] { btnLog_Click(); });
   connect(btnInstall_, &QPushButton::clicked, this, [this] { Guarded([this] { btnInstall_Click(); }); });
+  connect(btnAdvanced_, &QPushButton::clicked, this, [this] { Guarded([this] { btnAdvanced_Click(); }); });
   BuildMenus();
 
   const Size least = MainLeastSize(kLogLeft, btnInstall_->y(), btnInstall_->height());
@@ -232,12 +237,10 @@ void frmMain::ChooseReadingFavorite(bool& go) {
   clsExchange& exchange = session_.Exchange();
   go = true;
   if (!exchange.Advanced().UseFavorite()) return;
-  const auto file = OpenFileDialog(this, {"Readings File", kPdbFilter, "pdb", ToQt(exchange.ReadingSource)});
-  if (!file) {
-    go = false;
-    return;
-  }
-  exchange.ReadingSource = file->string();
+  frmFavorites favorites(exchange.Advanced(), this);
+  const std::string file = favorites.Display();
+  go = !file.empty();
+  if (go) exchange.ReadingSource = file;
 }
 
 void frmMain::cmdReading_Click() {
@@ -319,6 +322,17 @@ void frmMain::EditFile(const std::string& file) { opener_(file); }
 void frmMain::btnInstall_Click() {
   frmUnitInstall window(session_.SiteFolder(), session_.SyncRoot(), shell_, this);
   window.Display();
+}
+
+void frmMain::btnAdvanced_Click() {
+  clsExchange& exchange = session_.Exchange();
+  {
+    const SyncFolders library(session_.SyncRoot());
+    frmAdvanced window(exchange.Advanced(), clsPalmUsers(library).UserNames(), this);
+    window.exec();
+  }
+  // The conversions read the lists afresh from what the window saved.
+  exchange.RenewAdvanced();
 }
 
 void frmMain::mnuSULoadDist_Click() {

@@ -5,6 +5,10 @@
 #include <QtCore/QSettings>
 #include <QtTest/QtTest>
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QRadioButton>
+#include <QtWidgets/QTabWidget>
+#include <QtWidgets/QTreeWidget>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
@@ -255,15 +259,154 @@ class WidgetTest : public QObject {
     Desk desk;
     clsExchange& exchange = desk.session.Exchange();
     exchange.Advanced().UseFavorite(true);
+    WriteBytes(desk.dir / "unit1.pdb", ReadBytes(kExamples / "reading.pdb"));
+    exchange.Advanced().AddFavorite("UNIT1", (desk.dir / "unit1.pdb").string());
+    exchange.Advanced().AddFavorite("UNIT2", "");
     const std::string before = exchange.ReadingSource;
     ModalScript script;
-    script.File({});
+    script.Then("frmFavorites", [](QWidget* window) {
+      QCOMPARE(window->windowTitle(), "Favorites");
+      auto* list = window->findChild<QTreeWidget*>("List1");
+      auto* use = window->findChild<QPushButton*>("btnUse");
+      QCOMPARE(list->topLevelItemCount(), 2);
+      QCOMPARE(list->topLevelItem(1)->text(1), "[No Path set]");
+      list->setCurrentItem(list->topLevelItem(1));
+      QVERIFY(!use->isEnabled());
+      list->setCurrentItem(list->topLevelItem(0));
+      QVERIFY(use->isEnabled());
+      Shot(window, "frmFavorites");
+      window->findChild<QPushButton*>("btnClose")->click();
+    });
     desk.Control("cmdReading")->click();
     QVERIFY(script.Done());
-    QVERIFY(script.dialogs.at(0).startsWith("Readings File|Palm Database Files (*.pdb) (*.pdb)|"));
     QCOMPARE(Q(exchange.ReadingSource), Q(before));
-    QCOMPARE(desk.Log(), "");
-    QVERIFY2(!desk.Control("btnLog")->isEnabled(), "a cancelled choice runs nothing");
+    QVERIFY2(!desk.Control("btnLog")->isEnabled(), "a closed choice runs nothing");
+
+    script.Then("frmFavorites", [](QWidget* window) {
+      auto* list = window->findChild<QTreeWidget*>("List1");
+      list->setCurrentItem(list->topLevelItem(0));
+      window->findChild<QPushButton*>("btnUse")->click();
+    });
+    script.Box(QMessageBox::No);  // the re-read question: the run stops there
+    script.Box(QMessageBox::Ok);
+    desk.Control("cmdReading")->click();
+    QVERIFY(script.Done());
+    QCOMPARE(Q(exchange.ReadingSource), Q((desk.dir / "unit1.pdb").string()));
+  }
+
+  void advancedWindowShowsTheSiteListsInItsTabs() {
+    Desk desk;
+    ModalScript script;
+    script.Then("frmAdvanced", [](QWidget* window) {
+      QCOMPARE(window->windowTitle(), "Advanced");
+      auto* tabs = window->findChild<QTabWidget*>("tbsOptions");
+      QStringList captions, tips;
+      for (int i = 0; i < tabs->count(); ++i) {
+        captions << tabs->tabText(i);
+        tips << tabs->tabToolTip(i);
+        tabs->setCurrentIndex(i);
+        Shot(window, "frmAdvanced-" + tabs->tabText(i).replace(' ', '-'));
+      }
+      QCOMPARE(captions, QStringList({"Logins", "Messages", "Changeouts", "Skip Codes", "Index", "Favorites", "Prefs"}));
+      QCOMPARE(tips, QStringList({"Setup handheld and desktop security", "Configure informational messages by meter",
+                                  "Setup code tables for meter changeouts", "Setup feedback messages for handhelds",
+                                  "Specify which words to skip during index preparation.",
+                                  "Specify HIF file locations by handheld unit.", "Operational Preferences"}));
+      QVERIFY(window->findChild<QCheckBox*>("chkLogin")->isChecked());
+      QCOMPARE(window->findChild<QTreeWidget*>("lstLogins")->topLevelItemCount(), 2);
+      // The first showing chose the first option and filled its list.
+      QVERIFY(window->findChild<QRadioButton*>("optMessageType0")->isChecked());
+      QCOMPARE(window->findChild<QTreeWidget*>("lstMessages")->topLevelItem(0)->text(1), "Gate code 4411");
+      QCOMPARE(window->findChild<QRadioButton*>("optChangeouts3")->text(), "Meter Sizes");
+      QCOMPARE(window->findChild<QComboBox*>("cboIndex")->itemText(2), "Prompt during route creation!");
+      QCOMPARE(window->findChild<QComboBox*>("cboAlertTamper")->itemText(2), "Popup Message!");
+      auto* favorite = window->findChild<QCheckBox*>("chkFavorite");
+      QVERIFY(!favorite->isEnabled());
+      QCOMPARE(favorite->text(),
+               "Use Favorites to select readings file by handheld unit.(Define some paths first)");
+      window->findChild<QPushButton*>("btnClose")->click();
+    });
+    desk.Control("btnAdvanced")->click();
+    QVERIFY(script.Done());
+  }
+
+  void recordDialogsAddEditAndDeleteWhatTheStoreKeeps() {
+    Desk desk;
+    ModalScript script;
+    auto field = [](QWidget* w, const char* name, const char* text) { w->findChild<QLineEdit*>(name)->setText(text); };
+    auto click = [](QWidget* w, const char* name) { w->findChild<QPushButton*>(name)->click(); };
+    script.Then("frmAdvanced", [&](QWidget* window) {
+      window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(3);
+      click(window, "btnSkipsAdd");
+    });
+    // Blank, then a code the list has, then a new one.
+    script.Then("frmAdvSkip", [&](QWidget* w) {
+      QVERIFY(!w->findChild<QPushButton*>("DeleteButton")->isVisible());
+      Shot(w, "frmAdvSkip");
+      field(w, "cCode", "09");
+      click(w, "OKButton");
+    });
+    script.Box(QMessageBox::Ok);
+    script.Then("frmAdvSkip", [&](QWidget* w) {
+      field(w, "cPathName", "Snow");
+      field(w, "cCode", "09");
+      click(w, "OKButton");
+    });
+    script.Then("frmAdvanced", [&](QWidget* window) {
+      auto* list = window->findChild<QTreeWidget*>("lstSkips");
+      QCOMPARE(list->topLevelItem(list->topLevelItemCount() - 1)->text(0), "09");
+      window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(0);
+      auto* logins = window->findChild<QTreeWidget*>("lstLogins");
+      QVERIFY(!window->findChild<QPushButton*>("btnLoginsEdit")->isEnabled());
+      logins->setCurrentItem(logins->topLevelItem(0));
+      click(window, "btnLoginsEdit");
+    });
+    script.Then("frmAdvLogin", [&](QWidget* w) {
+      QVERIFY(!w->findChild<QLineEdit*>("cLoginID")->isEnabled());
+      QVERIFY(!w->findChild<QCheckBox*>("chkSupervisor")->isChecked());
+      w->findChild<QCheckBox*>("chkSupervisor")->setChecked(true);
+      Shot(w, "frmAdvLogin");
+      click(w, "OKButton");
+    });
+    script.Then("frmAdvanced", [&](QWidget* window) {
+      auto* logins = window->findChild<QTreeWidget*>("lstLogins");
+      logins->setCurrentItem(logins->topLevelItem(1));
+      click(window, "btnLoginsEdit");
+    });
+    script.Then("frmAdvLogin", [&](QWidget* w) { click(w, "DeleteButton"); });
+    script.Box(QMessageBox::Yes);
+    script.Then("frmAdvanced", [&](QWidget* window) {
+      QCOMPARE(window->findChild<QTreeWidget*>("lstLogins")->topLevelItemCount(), 1);
+      window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(1);
+      window->findChild<QRadioButton*>("optMessageType2")->click();
+      click(window, "btnMessagesAdd");
+    });
+    script.Then("frmAdvMessage", [&](QWidget* w) {
+      w->findChild<QCheckBox*>("chkMessageAnyRoute")->setChecked(true);
+      field(w, "cMessage", "Check seal");
+      Shot(w, "frmAdvMessage");
+      click(w, "OKButton");
+    });
+    script.Box(QMessageBox::Ok);
+    script.Then("frmAdvMessage", [&](QWidget* w) {
+      field(w, "cMeterID", "1012345");
+      click(w, "OKButton");
+    });
+    script.Then("frmAdvanced", [&](QWidget* window) { click(window, "btnClose"); });
+    desk.Control("btnAdvanced")->click();
+    QVERIFY(script.Done());
+    QVERIFY((script.boxes == std::vector<SeenBox>{{"hifExchange", "PathName is required"},
+                                                  {"Delete Login", "Are you sure?"},
+                                                  {"hifExchange", "Meter Tag Nbr is required"}}));
+    // What the window saved is what the command line and a distribution see.
+    const RunResult dump = RunHifx({"--site", desk.site.string(), "site", "show"}, desk.dir);
+    QVERIFY2(dump.out.find("[LoginIDs]\nREADER1\tread1\tS\n[") != std::string::npos, dump.out.c_str());
+    QVERIFY2(dump.out.find("09\tSnow") != std::string::npos, dump.out.c_str());
+    QVERIFY2(dump.out.find("ANY||1012345\tCheck seal") != std::string::npos, dump.out.c_str());
+    // The main window's lists are read afresh after the window.
+    std::string code, reason;
+    QVERIFY(desk.session.Exchange().Advanced().GetSkip(Value("09"), code, reason) > 0);
+    QCOMPARE(Q(reason), "Snow");
   }
 
   void aFailedConversionSaysSoAndTheLogButtonsFollowTheLog() {
