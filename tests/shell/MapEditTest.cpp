@@ -1,0 +1,499 @@
+// The map editor on the offscreen platform: every kind of map of every use,
+// the questions of its buttons, and the maps it saves against what the
+// engine itself writes for the same changes. Pictures of a route and a
+// reading map are left with the others.
+#include <QtTest/QtTest>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QGroupBox>
+#include <QtWidgets/QInputDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QPushButton>
+
+#include <algorithm>
+#include <functional>
+
+#include "app/Session.h"
+#include "config/clsDist.h"
+#include "shell/DesktopShell.h"
+#include "shell/frmMapEdit.h"
+#include "shell/ModalScript.h"
+#include "support/TempDir.h"
+#include "support/TestShell.h"
+
+namespace hifx::test {
+
+using namespace hifx::shell;
+
+namespace {
+
+const std::filesystem::path kExamples =
+    std::filesystem::weakly_canonical(std::filesystem::path(HIFX_TEST_SOURCE_DIR) / ".." / "examples");
+
+// A site folder with the example distribution's maps in it.
+struct Site {
+  Site() {
+    TestShell quiet;
+    app::Session session(quiet, folder);
+    clsDist(session.Store(), quiet, folder).LoadDist(kExamples / "site.dst");
+  }
+  clsExchMap Load(const std::string& name, int32_t use) const {
+    clsExchMap map(folder);
+    if (!map.LoadMap(name, use)) qFatal("no map %s", name.c_str());
+    return map;
+  }
+  std::string Bytes(const std::string& name) const { return ReadBytes(folder / name); }
+
+  TempDir dir;
+  std::filesystem::path folder = dir / "site";
+};
+
+template <typename T = QWidget>
+T* Get(QWidget* window, const char* name) {
+  T* control = window->findChild<T*>(name);
+  if (control == nullptr) qFatal("no control %s", name);
+  return control;
+}
+
+bool Shown(QWidget* window, const char* name) { return Get(window, name)->isVisibleTo(window); }
+bool On(QWidget* window, const char* name) { return Get(window, name)->isEnabled(); }
+QString Text(QWidget* window, const char* name) { return Get<QLabel>(window, name)->text(); }
+QString Chosen(QWidget* window, const char* name) { return Get<QComboBox>(window, name)->currentText(); }
+QStringList Entries(QWidget* window, const char* name) {
+  auto* list = Get<QComboBox>(window, name);
+  QStringList entries;
+  for (int i = 0; i < list->count(); ++i) entries << list->itemText(i);
+  return entries;
+}
+void Choose(QWidget* window, const char* name, const QString& text) {
+  auto* list = Get<QComboBox>(window, name);
+  const int at = list->findText(text);
+  if (at < 0) qFatal("no entry %s in %s", qPrintable(text), name);
+  list->setCurrentIndex(at);
+}
+void Type(QWidget* window, const char* name, const QString& text) {
+  auto* box = Get<QLineEdit>(window, name);
+  box->clear();
+  QTest::keyClicks(box, text);
+}
+void ClickField(QWidget* window, const QString& text) {
+  auto* list = Get<QListWidget>(window, "lstMapFields");
+  const QList<QListWidgetItem*> found = list->findItems(text, Qt::MatchExactly);
+  if (found.isEmpty()) qFatal("no field %s", qPrintable(text));
+  list->setCurrentItem(found.front());
+}
+QString Q(const std::string& text) { return QString::fromStdString(text); }
+void Press(QWidget* window, const char* key) {
+  Get<QPushButton>(window, (std::string("btnAction") + key).c_str())->click();
+}
+
+// Opens the editor on the map; the step looks at it and closes it.
+std::string Edit(DesktopShell& shell, ModalScript& script, clsExchMap& map, bool isNew,
+                 const std::function<void(QWidget*)>& step) {
+  script.Then("frmMapEdit", step);
+  frmMapEdit editor(shell);
+  return editor.Display(map, isNew);
+}
+
+// What the editor shows of a map's header and first field.
+struct Look {
+  QString title;
+  QStringList types;
+  QString type;
+  bool length, filter, delimiter, quote, mvrs, fields, option;
+  int fieldCount;
+  QString firstField;
+  QString position;
+};
+
+Look LookAt(QWidget* window) {
+  return {window->windowTitle(),
+          Entries(window, "cboMapType"),
+          Chosen(window, "cboMapType"),
+          Shown(window, "txtMapLength") && Shown(window, "lMapLength") && Shown(window, "cboMapTerminator") &&
+              Shown(window, "lMapTerminator"),
+          Shown(window, "cboMapFilter") && Shown(window, "lMapFilter"),
+          On(window, "cboMapDelimiter") && On(window, "lMapDelimiter"),
+          On(window, "cboMapQuote") && On(window, "lMapQuote"),
+          Shown(window, "fraMVRS"),
+          On(window, "lstMapFields") && On(window, "lMapFields"),
+          On(window, "cboMapOption"),
+          Get<QListWidget>(window, "lstMapFields")->count(),
+          Get<QListWidget>(window, "lstMapFields")->currentItem()->text(),
+          Text(window, "lMapPosition")};
+}
+
+const char* const kTypes[] = {"", "Fixed", "Delimited", "MVRS", "E5000"};
+
+}  // namespace
+
+class MapEditTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() {
+    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(config_.path().string()));
+    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+  }
+
+  void everyKindOfMapOfEveryUse_data() {
+    QTest::addColumn<int>("use");
+    QTest::addColumn<int>("type");
+    for (int use : {kUseRoute, kUseReRead, kUseReading, kUseOrphan}) {
+      for (int type = kMapFixed; type <= (use == kUseOrphan ? kMapDelimited : kMapE5000); ++type) {
+        QTest::addRow("%s %s", MapUseName(use).data(), kTypes[type]) << use << type;
+      }
+    }
+  }
+  void everyKindOfMapOfEveryUse() {
+    QFETCH(int, use);
+    QFETCH(int, type);
+    TempDir dir;
+    clsExchMap map(dir.path());
+    map.NewMap("Kind" + MapExtension(use), use);
+    map.SetMapType(type);
+    map.SetDirty(false);
+    DesktopShell shell;
+    ModalScript script;
+    Look look{};
+    Edit(shell, script, map, false, [&](QWidget* window) {
+      look = LookAt(window);
+      Press(window, "CLOSE");
+    });
+    QVERIFY(script.Done());
+
+    const bool fixedLayout = type == kMapMVRS || type == kMapE5000;
+    QCOMPARE(look.title, QString("Edit %1 Map: Kind%2").arg(MapUseName(use).data(), MapExtension(use).c_str()));
+    QCOMPARE(look.types, use == kUseOrphan ? QStringList({"Fixed", "Delimited"})
+                                           : QStringList({"Fixed", "Delimited", "MVRS", "E5000"}));
+    QCOMPARE(look.type, kTypes[type]);
+    QCOMPARE(look.length, use != kUseRoute && !fixedLayout);
+    QCOMPARE(look.filter, use == kUseReading);
+    QCOMPARE(look.delimiter, type == kMapDelimited);
+    QCOMPARE(look.quote, type == kMapDelimited);
+    QCOMPARE(look.mvrs, use == kUseRoute && type == kMapMVRS);
+    QCOMPARE(look.fields, !fixedLayout);
+    QCOMPARE(look.option, !fixedLayout);
+    QCOMPARE(look.fieldCount, map.FieldCount());
+    QCOMPARE(look.firstField, QString::fromStdString(map.Prompt(1, true)));
+    QCOMPARE(look.position, type == kMapDelimited ? "Position" : "Column");
+    QVERIFY(!map.Dirty());
+  }
+
+  void aRouteMapShowsHowTheFileMapsEachField() {
+    Site site;
+    clsExchMap map = site.Load("Billing.hcm", kUseRoute);
+    DesktopShell shell;
+    ModalScript script;
+    QStringList seen, sequence, required;
+    bool width = false, constant = true, format = false, dateFormat = false;
+    Edit(shell, script, map, false, [&](QWidget* window) {
+      Shot(window, "frmMapEdit-route");
+      seen << window->windowTitle() << Text(window, "lMapType") << Text(window, "lMapDelimiter")
+           << Get<QPushButton>(window, "btnActionSAVE")->text() << Get<QPushButton>(window, "btnActionSAVEAS")->text()
+           << Get<QPushButton>(window, "btnActionDELETE")->text() << Get<QPushButton>(window, "btnActionCLOSE")->text()
+           << Chosen(window, "cboMapOption") << Get<QLineEdit>(window, "txtMapPosition")->text()
+           << Get<QLineEdit>(window, "txtMapWidth")->text();
+      width = On(window, "txtMapWidth");
+      constant = On(window, "txtMapConstant");
+      format = On(window, "cboMapFormat");
+      auto* list = Get<QListWidget>(window, "lstMapFields");
+      for (int i = 0; i < list->count(); ++i) {
+        if (list->item(i)->text().endsWith("(Required)")) required << list->item(i)->text();
+      }
+      ClickField(window, "Sequence(Required)");
+      sequence = Entries(window, "cboMapOption");
+      ClickField(window, "LstReadingDate");
+      seen << Chosen(window, "cboMapFormat") << Get<QLineEdit>(window, "txtMapPosition")->text();
+      dateFormat = On(window, "cboMapFormat") && On(window, "lMapFormat");
+      ClickField(window, "Initial Tamper Count(434)");
+      seen << Chosen(window, "cboMapOption") << QString::number(Get<QComboBox>(window, "cboMapFormat")->count());
+      Press(window, "CLOSE");
+    });
+    QVERIFY(script.Done());
+    QCOMPARE(seen, QStringList({"Edit Route Map: Billing.hcm", "Type:", "Delimiter", "&Save", "Save &As...", "&Delete",
+                                "&Close", "Map from Source", "1", "4", "YYYYMMDD", "53", "Do Not Map", "0"}));
+    QCOMPARE(required, QStringList({"RouteNbr(Required)", "Sequence(Required)", "MeterTagNbr(Required)",
+                                    "MeterType(Required)", "UtilityCode(Required)", "ServiceAddress(Required)"}));
+    QCOMPARE(sequence, QStringList({"Do Not Map", "Map from Source", "Autonumber"}));
+    QVERIFY(width);
+    QVERIFY(!constant);
+    QVERIFY(!format);
+    QVERIFY(dateFormat);
+    QVERIFY(!map.Dirty());
+  }
+
+  void anMvrsRouteMapOffersSpecialRadioProcessing() {
+    Site site;
+    clsExchMap map = site.Load("Mvrs.hcm", kUseRoute);
+    DesktopShell shell;
+    ModalScript script;
+    QStringList seen;
+    Edit(shell, script, map, false, [&](QWidget* window) {
+      Shot(window, "frmMapEdit-route-mvrs");
+      auto* frame = Get<QGroupBox>(window, "fraMVRS");
+      auto* check = Get<QCheckBox>(window, "chkMVRS1");
+      seen << frame->title() << check->text() << Text(window, "lMVRS") << (check->isChecked() ? "Y" : "N");
+      check->click();
+      Press(window, "SAVE");
+    });
+    QVERIFY(script.Done());
+    QCOMPARE(seen, QStringList({"MVRS Options", "Enable Special Radio Processing",
+                                "This option cause an 8-digit meter id to be mapped to the transponder id to allow "
+                                "automatic meter reading for meters otherwise configured to be read manually.",
+                                "Y"}));
+    QCOMPARE(Q(map.MapOptions(1)), "N");
+    QVERIFY(site.Bytes("Mvrs.hcm").find("MAPOPTIONS=1:N\r\n") != std::string::npos);
+  }
+
+  void aReadingMapShowsItsOutputSettings() {
+    Site site;
+    clsExchMap map = site.Load("Billing.hrm", kUseReading);
+    DesktopShell shell;
+    ModalScript script;
+    QStringList seen;
+    QList<bool> enabled;
+    Edit(shell, script, map, false, [&](QWidget* window) {
+      seen << Text(window, "lMapFilter") << Chosen(window, "cboMapFilter") << Text(window, "lMapLength")
+           << Text(window, "lMapTerminator") << Chosen(window, "cboMapTerminator") << Chosen(window, "cboMapQuote")
+           << Entries(window, "cboMapTerminator").join(" ") << Entries(window, "cboMapFilter").join("|");
+      ClickField(window, "ReadingTime");
+      seen << Text(window, "lMapAlign") << Text(window, "lMapFormat") << Chosen(window, "cboMapOption")
+           << Chosen(window, "cboMapAlign") << Chosen(window, "cboMapPad") << Chosen(window, "cboMapFormat")
+           << Entries(window, "cboMapFormat").join(" ");
+      for (const char* name : {"txtMapPosition", "txtMapWidth", "txtMapConstant", "cboMapAlign", "lMapAlign",
+                               "cboMapPad", "cboMapFormat"}) {
+        enabled << On(window, name);
+      }
+      Shot(window, "frmMapEdit-reading");
+      Press(window, "CLOSE");
+    });
+    QVERIFY(script.Done());
+    QCOMPARE(seen, QStringList({"Filter:", "All Entries", "Record Length", "Terminator:", "<crlf>", "<none>",
+                                "<none> <cr> <lf> <crlf> <null>", "All Entries|Only Readings|Readings/Exceptions|Unread",
+                                "Align", "Format", "Write to Destination", "Left", "Spaces", "HHMMSS",
+                                "HHMM HH:MM HHMMSS HH:MM:SS"}));
+    QCOMPARE(enabled, QList<bool>({true, true, false, true, true, true, true}));
+  }
+
+  // The window fills its own controls without storing a thing: a map only
+  // looked at closes without a question, by Close or by Escape.
+  void aMapOnlyLookedAtClosesWithoutAsking() {
+    Site site;
+    clsExchMap map = site.Load("Orphans.hom", kUseOrphan);
+    DesktopShell shell;
+    ModalScript script;
+    const std::string result = Edit(shell, script, map, false, [](QWidget* window) {
+      ClickField(window, "NearbyTagNbr4");
+      ClickField(window, "ReadingDate");
+      QTest::keyClick(window, Qt::Key_Escape);
+    });
+    QVERIFY(script.Done());
+    QVERIFY(script.boxes.empty());
+    QCOMPARE(Q(result), "");
+    QVERIFY(!map.Dirty());
+  }
+
+  void closingAFreshMapAsksToSaveIt() {
+    Site site;
+    clsExchMap map(site.folder);
+    map.NewMap("", kUseRoute);
+    DesktopShell shell;
+    ModalScript script;
+    bool openAfterCancel = false;
+    QString icon;
+    QList<int> buttons;
+    script.Then("frmMapEdit", [](QWidget* window) { Press(window, "CLOSE"); });
+    script.Then("messageBox", [&](QWidget* window) {
+      auto* box = static_cast<QMessageBox*>(window);
+      script.boxes.push_back({box->windowTitle(), box->text()});
+      icon = box->icon() == QMessageBox::Question ? "question" : "other";
+      for (QAbstractButton* button : box->buttons()) buttons << box->standardButton(button);
+      std::sort(buttons.begin(), buttons.end());
+      box->button(QMessageBox::Cancel)->click();
+    });
+    script.Then("frmMapEdit", [&](QWidget* window) {
+      openAfterCancel = window->isVisible();
+      Press(window, "CLOSE");
+    });
+    script.Box(QMessageBox::No);
+    frmMapEdit editor(shell);
+    QCOMPARE(Q(editor.Display(map, true)), "");
+    QVERIFY(script.Done());
+    QVERIFY(openAfterCancel);
+    QCOMPARE(icon, "question");
+    QCOMPARE(buttons, QList<int>({QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel}));
+    QVERIFY((script.boxes ==
+             std::vector<SeenBox>{{"Mapping Information", "Save Changes?"}, {"Mapping Information", "Save Changes?"}}));
+    QVERIFY(!map.Dirty());
+    QCOMPARE(editor.windowTitle(), "New Route Map");
+
+    // Yes asks for a name, which must stay a file name.
+    map.NewMap("", kUseRoute);
+    QString prompt;
+    script.Then("frmMapEdit", [](QWidget* window) {
+      Choose(window, "cboMapType", "Delimited");
+      QTest::keyClick(window, Qt::Key_Escape);
+    });
+    script.Box(QMessageBox::Yes);
+    script.Then("inputBox", [&](QWidget* window) {
+      auto* input = static_cast<QInputDialog*>(window);
+      prompt = input->windowTitle() + ": " + input->labelText();
+      input->setTextValue("a.b/c");
+      input->accept();
+    });
+    QCOMPARE(Q(editor.Display(map, true)), "a_b_c.hcm");
+    QVERIFY(script.Done());
+    QCOMPARE(prompt, "Save Map: Map Name");
+    QCOMPARE(Q(site.Bytes("a_b_c.hcm").substr(0, 39)), "HIF=1.1\r\nMAPNAME=a_b_c.hcm\r\nMAPTYPE=2\r\n");
+  }
+
+  void deleteTellsTheCallerToDropTheMap() {
+    Site site;
+    clsExchMap map = site.Load("BillingCsv.hcm", kUseRoute);
+    DesktopShell shell;
+    ModalScript script;
+    QCOMPARE(Q(Edit(shell, script, map, false, [](QWidget* window) { Press(window, "DELETE"); })), "{DELETED}");
+    QVERIFY(script.Done());
+    QVERIFY(!std::filesystem::exists(site.folder / "BillingCsv.hcm"));
+  }
+
+  // MVRS and E5000 files have layouts of their own.
+  void mvrsForAReadingMapLeavesNoFieldToChange() {
+    Site site;
+    clsExchMap map = site.Load("Billing.hrm", kUseReading);
+    DesktopShell shell;
+    ModalScript script;
+    QList<bool> before, after;
+    auto look = [](QWidget* window, QList<bool>& into) {
+      for (const char* name : {"lstMapFields", "cboMapOption", "txtMapPosition", "txtMapWidth", "cboMapAlign"}) {
+        into << On(window, name);
+      }
+      into << Shown(window, "txtMapLength") << Shown(window, "fraMVRS");
+    };
+    script.Then("frmMapEdit", [&](QWidget* window) {
+      look(window, before);
+      Choose(window, "cboMapType", "MVRS");
+      look(window, after);
+      Press(window, "CLOSE");
+    });
+    script.Box(QMessageBox::No);
+    frmMapEdit editor(shell);
+    QCOMPARE(Q(editor.Display(map, false)), "");
+    QVERIFY(script.Done());
+    QCOMPARE(before, QList<bool>({true, true, true, true, true, true, false}));
+    QCOMPARE(after, QList<bool>({false, false, false, false, false, false, false}));
+    QCOMPARE(map.MapType(), kMapMVRS);
+  }
+
+  // What the editor saves is what the engine writes for the same changes to
+  // the same map from the distribution.
+  void changesSavedAreWhatTheEngineWrites_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("use");
+    QTest::addRow("route") << "Billing.hcm" << kUseRoute;
+    QTest::addRow("reading") << "Billing.hrm" << kUseReading;
+    QTest::addRow("orphan") << "Orphans.hom" << kUseOrphan;
+  }
+  void changesSavedAreWhatTheEngineWrites() {
+    QFETCH(QString, name);
+    QFETCH(int, use);
+    const std::string file = name.toStdString();
+    Site edited, engine;
+    clsExchMap map = edited.Load(file, use);
+    const std::string distributed = edited.Bytes(file);
+    DesktopShell shell;
+    ModalScript script;
+    std::function<void(QWidget*)> editing;
+    std::function<void(clsExchMap&)> same;
+    if (use == kUseRoute) {
+      editing = [](QWidget* window) {
+        ClickField(window, "Lat");
+        Choose(window, "cboMapOption", "Map from Source");
+        Type(window, "txtMapPosition", "190");
+        Type(window, "txtMapWidth", "12");
+        ClickField(window, "User2");
+        Choose(window, "cboMapOption", "Map Constant");
+        QTest::keyClicks(Get<QLineEdit>(window, "txtMapConstant"), "W 1");
+        ClickField(window, "Sequence(Required)");
+        Choose(window, "cboMapOption", "Autonumber");
+        ClickField(window, "LstReadingDate");
+        Choose(window, "cboMapFormat", "MM/DD/YYYY");
+      };
+      same = [](clsExchMap& m) {
+        m.SetMapOption("Lat", kOptionSource);
+        m.SetDataPosition("Lat", 190);
+        m.SetDataWidth("Lat", 12);
+        m.SetMapOption("User2", kOptionConstant);
+        m.SetMapConstant("User2", "W 1");
+        m.SetMapOption("Sequence", kOptionAutonumber);
+        m.SetMapFormat("LstReadingDate", 26);
+      };
+    } else if (use == kUseReading) {
+      editing = [](QWidget* window) {
+        Choose(window, "cboMapFilter", "Readings/Exceptions");
+        Type(window, "txtMapLength", "120");
+        Choose(window, "cboMapTerminator", "<null>");
+        ClickField(window, "ReadingDate");
+        Choose(window, "cboMapFormat", "DD-MM-YYYY");
+        Choose(window, "cboMapAlign", "Right");
+        Choose(window, "cboMapPad", "Zeros");
+        ClickField(window, "Signal");
+        Choose(window, "cboMapOption", "Write to Destination");
+        Type(window, "txtMapPosition", "108");
+        Type(window, "txtMapWidth", "3");
+      };
+      same = [](clsExchMap& m) {
+        m.SetMapFilter(2);
+        m.SetMapLength(120);
+        m.SetMapTerminator(3);
+        m.SetMapFormat("ReadingDate", 35);
+        m.SetMapAlign("ReadingDate", 2);
+        m.SetMapPad("ReadingDate", 1);
+        m.SetMapOption("Signal", kOptionDestination);
+        m.SetDataPosition("Signal", 108);
+        m.SetDataWidth("Signal", 3);
+      };
+    } else {
+      editing = [](QWidget* window) {
+        Choose(window, "cboMapDelimiter", ";");
+        Choose(window, "cboMapQuote", "\"");
+        Choose(window, "cboMapTerminator", "<lf>");
+        ClickField(window, "TamperCount");
+        Choose(window, "cboMapOption", "Do Not Map");
+      };
+      same = [](clsExchMap& m) {
+        m.SetMapDelimiter(";");
+        m.SetMapQuote("\"");
+        m.SetMapTerminator(2);
+        m.SetMapOption("TamperCount", kOptionDoNotMap);
+      };
+    }
+    bool dirty = false;
+    const std::string saved = Edit(shell, script, map, false, [&](QWidget* window) {
+      editing(window);
+      dirty = map.Dirty();
+      Press(window, "SAVE");
+    });
+    QCOMPARE(Q(saved), name);
+    QVERIFY(script.Done());
+    QVERIFY(dirty);
+    QVERIFY(!map.Dirty());
+
+    clsExchMap reference = engine.Load(file, use);
+    same(reference);
+    QVERIFY(reference.SaveMap());
+    QCOMPARE(Q(edited.Bytes(file)), Q(engine.Bytes(file)));
+    QVERIFY(engine.Bytes(file) != distributed);
+  }
+
+ private:
+  TempDir config_;
+};
+
+}  // namespace hifx::test
+
+QTEST_MAIN(hifx::test::MapEditTest)
+#include "MapEditTest.moc"
