@@ -52,7 +52,9 @@ std::optional<std::filesystem::path> RunFileDialog(QWidget* parent, const FileDi
   dialog.setAcceptMode(mode);
   dialog.setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   dialog.setOption(QFileDialog::HideNameFilterDetails);
-  dialog.setNameFilters(NameFilters(spec.filter));
+  const QStringList filters = NameFilters(spec.filter);
+  dialog.setNameFilters(filters);
+  if (spec.filterIndex > 0 && spec.filterIndex < filters.size()) dialog.selectNameFilter(filters[spec.filterIndex]);
   QString extension = spec.defaultExtension;
   if (extension.startsWith('.')) extension.remove(0, 1);
   dialog.setDefaultSuffix(extension);

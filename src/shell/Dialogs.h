@@ -27,6 +27,7 @@ struct FileDialogSpec {
   QString filter;            // "Palm Database Files (*.pdb)|*.pdb|All Files(*.*)|*.*"
   QString defaultExtension;  // "pdb", with or without its dot
   QString start;             // a folder, or a file to start at
+  int filterIndex = 0;       // the filter chosen at the start
 };
 
 // The chosen file, or nothing when the dialog was cancelled.

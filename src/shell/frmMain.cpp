@@ -27,6 +27,7 @@
 #include "shell/frmAdvanced.h"
 #include "shell/frmFavorites.h"
 #include "shell/frmHIFView.h"
+#include "shell/frmOptions.h"
 #include "shell/frmReports.h"
 #include "shell/frmUnitInstall.h"
 
@@ -84,6 +85,7 @@ frmMain::frmMain(app::Session& session, DesktopShell& shell, IUserSettings& sett
   connect(btnLog_, &QPushButton::clicked, this, [this] { btnLog_Click(); });
   connect(btnInstall_, &QPushButton::clicked, this, [this] { Guarded([this] { btnInstall_Click(); }); });
   connect(btnAdvanced_, &QPushButton::clicked, this, [this] { Guarded([this] { btnAdvanced_Click(); }); });
+  connect(cmdSetup_, &QPushButton::clicked, this, [this] { Guarded([this] { cmdSetup_Click(); }); });
   BuildMenus();
 
   const Size least = MainLeastSize(kLogLeft, btnInstall_->y(), btnInstall_->height());
@@ -322,6 +324,12 @@ void frmMain::EditFile(const std::string& file) { opener_(file); }
 void frmMain::btnInstall_Click() {
   frmUnitInstall window(session_.SiteFolder(), session_.SyncRoot(), shell_, this);
   window.Display();
+}
+
+void frmMain::cmdSetup_Click() {
+  const SyncFolders library(session_.SyncRoot());
+  frmOptions window(session_.Exchange(), shell_, settings_, clsPalmUsers(library).UserNames(), this);
+  window.exec();
 }
 
 void frmMain::btnAdvanced_Click() {

@@ -65,6 +65,7 @@ class frmMain : public QMainWindow, public ILogView {
   void btnLog_Click();
   void btnInstall_Click();
   void btnAdvanced_Click();
+  void cmdSetup_Click();
   void EditFile(const std::string& file);
   void EnableLogButtons(bool on);
   // Runs work unless a conversion is under way.

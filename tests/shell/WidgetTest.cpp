@@ -6,6 +6,7 @@
 #include <QtTest/QtTest>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QGroupBox>
 #include <QtWidgets/QRadioButton>
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QTreeWidget>
@@ -294,6 +295,107 @@ class WidgetTest : public QObject {
     QCOMPARE(Q(exchange.ReadingSource), Q((desk.dir / "unit1.pdb").string()));
   }
 
+  void setupWindowShowsTheSettingsAndSavesThemAsTheyWere() {
+    Desk desk;
+    const RunResult before = RunHifx({"--site", desk.site.string(), "dist", "write", "before.dst"}, desk.dir);
+    QCOMPARE(before.status, 0);
+    ModalScript script;
+    script.Then("frmOptions", [](QWidget* window) {
+      QCOMPARE(window->windowTitle(), "Setup");
+      auto* tabs = window->findChild<QTabWidget*>("tbsOptions");
+      QStringList captions, tips;
+      for (int i = 0; i < tabs->count(); ++i) {
+        captions << tabs->tabText(i);
+        tips << tabs->tabToolTip(i);
+        tabs->setCurrentIndex(i);
+        Shot(window, "frmOptions-" + QString::number(i));
+      }
+      QCOMPARE(captions, QStringList({"Route Conversion", "Re-Read Conversion", "Reading Conversion",
+                                      "PRC/PDB Installation"}));
+      QCOMPARE(tips, QStringList({"Specify Source for Creating HIF file", "Input Transponder IDs for Re-Reads",
+                                  "Specify Conversions for Meter Readings", "Handling of PRC/PDB files"}));
+      auto* maps = window->findChild<QComboBox*>("cboMapping0");
+      QStringList names;
+      for (int i = 0; i < maps->count(); ++i) names << maps->itemText(i);
+      QCOMPARE(names, QStringList({"Billing", "BillingCsv", "E5000", "Mvrs", "ReRead"}));
+      QCOMPARE(maps->currentText(), "Billing");
+      QCOMPARE(window->findChild<QComboBox*>("cboMapping3")->currentText(), "Orphans");
+      auto* type = window->findChild<QComboBox*>("cboHIFType1");
+      QCOMPARE(type->itemText(2), "Virtual File System (VFS)!");
+      QCOMPARE(window->findChild<QLineEdit*>("txtSource0")->text(), "examples/route-fixed.txt");
+      QVERIFY(window->findChild<QGroupBox*>("fraOrphans")->isEnabled());
+      QCOMPARE(window->findChild<QRadioButton*>("optInstallPRC1")->toolTip(),
+               "The file is left in the destination directory.  You must manually install it onto a handheld.");
+      QVERIFY(!window->findChild<QCheckBox*>("chkPrompt")->isEnabled());
+      window->findChild<QPushButton*>("cmdApply")->click();
+      QVERIFY(!window->findChild<QPushButton*>("cmdApply")->isEnabled());
+      window->findChild<QPushButton*>("cmdOK")->click();
+    });
+    desk.Control("cmdSetup")->click();
+    QVERIFY(script.Done());
+    const RunResult after = RunHifx({"--site", desk.site.string(), "dist", "write", "after.dst"}, desk.dir);
+    QCOMPARE(after.status, 0);
+    QVERIFY(ReadBytes(desk.dir / "after.dst") == ReadBytes(desk.dir / "before.dst"));
+  }
+
+  void setupChangesTakeEffectAsTheyAlwaysHave() {
+    Desk desk;
+    clsExchange& exchange = desk.session.Exchange();
+    exchange.ReReadHIFType = "XYZ";
+    exchange.ReReadDestination = "";
+    ModalScript script;
+    script.Then("frmOptions", [](QWidget* window) {
+      QCOMPARE(window->findChild<QComboBox*>("cboHIFType1")->currentIndex(), 0);
+      window->findChild<QRadioButton*>("optInstallPRC0")->click();
+      window->findChild<QCheckBox*>("chkPrompt")->setChecked(true);
+      // Re-read files of the exceptions want a re-read destination.
+      auto* reread = window->findChild<QCheckBox*>("chkAutoReread");
+      reread->setChecked(false);
+      reread->setChecked(true);
+    });
+    script.Box(QMessageBox::Ok);
+    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("cmdCancel")->click(); });
+    desk.Control("cmdSetup")->click();
+    QVERIFY(script.Done());
+    QCOMPARE(script.boxes.at(0), (SeenBox{"Notice", "Specify the Re-Read destination file in the Re-Read Panel"}));
+    // Cancel leaves the install choices in force for this run, not in the store.
+    QVERIFY(exchange.AutoInstallPrompt && exchange.AutoInstall);
+    QCOMPARE(Q(exchange.ReReadHIFType), "XYZ");
+    const RunResult stored = RunHifx({"--site", desk.site.string(), "settings", "get", "AutoInstallPrompt"}, desk.dir);
+    QCOMPARE(Q(stored.out), "N\n");
+
+    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("cmdOK")->click(); });
+    desk.Control("cmdSetup")->click();
+    QCOMPARE(Q(exchange.ReReadHIFType), "PDB");
+  }
+
+  void aMapChangedInTheEditorReachesTheDistributionAndTheRoute() {
+    Desk desk;
+    ModalScript script;
+    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("btnEditMap0")->click(); });
+    script.Then("frmMapEdit", [](QWidget* editor) {
+      auto* fields = editor->findChild<QListWidget*>("lstMapFields");
+      fields->setCurrentItem(fields->findItems("User5", Qt::MatchExactly).value(0));
+      auto* option = editor->findChild<QComboBox*>("cboMapOption");
+      option->setCurrentIndex(option->findText("Map Constant"));
+      auto* constant = editor->findChild<QLineEdit*>("txtMapConstant");
+      constant->clear();
+      QTest::keyClicks(constant, "Z9");
+      editor->findChild<QPushButton*>("btnActionSAVE")->click();
+    });
+    script.Then("frmOptions", [](QWidget* window) {
+      QCOMPARE(window->findChild<QComboBox*>("cboMapping0")->currentText(), "Billing");
+      window->findChild<QPushButton*>("cmdOK")->click();
+    });
+    desk.Control("cmdSetup")->click();
+    QVERIFY(script.Done());
+    QVERIFY(RunHifx({"--site", desk.site.string(), "dist", "write", "site.dst"}, desk.dir).status == 0);
+    QVERIFY(ReadBytes(desk.dir / "site.dst").find("User5=C,Z9\r\n") != std::string::npos);
+    desk.Control("cmdRoute")->click();
+    const RunResult dump = RunHifx({"dump", "out/example/route.pdb"}, desk.dir);
+    QVERIFY2(dump.out.find("\"User5\":\"Z9\"") != std::string::npos, dump.out.c_str());
+  }
+
   void advancedWindowShowsTheSiteListsInItsTabs() {
     Desk desk;
     ModalScript script;
@@ -403,6 +505,10 @@ class WidgetTest : public QObject {
     QVERIFY2(dump.out.find("[LoginIDs]\nREADER1\tread1\tS\n[") != std::string::npos, dump.out.c_str());
     QVERIFY2(dump.out.find("09\tSnow") != std::string::npos, dump.out.c_str());
     QVERIFY2(dump.out.find("ANY||1012345\tCheck seal") != std::string::npos, dump.out.c_str());
+    // The next route file carries the new skip code to the handheld.
+    desk.Control("cmdRoute")->click();
+    const RunResult route = RunHifx({"dump", "out/example/route.pdb"}, desk.dir);
+    QVERIFY2(route.out.find("\"09\",\"Snow\"") != std::string::npos, route.out.c_str());
     // The main window's lists are read afresh after the window.
     std::string code, reason;
     QVERIFY(desk.session.Exchange().Advanced().GetSkip(Value("09"), code, reason) > 0);
