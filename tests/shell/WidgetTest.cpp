@@ -26,6 +26,7 @@
 #include "reports/qt/QtRptDevice.h"
 #include "shell/DesktopShell.h"
 #include "shell/ProgressOverlay.h"
+#include "shell/frmAdvRecord.h"
 #include "shell/frmHIFView.h"
 #include "shell/frmLogin.h"
 #include "shell/frmMain.h"
@@ -329,9 +330,14 @@ class WidgetTest : public QObject {
       QVERIFY(!window->findChild<QCheckBox*>("chkPrompt")->isEnabled());
       window->findChild<QPushButton*>("cmdApply")->click();
       QVERIFY(!window->findChild<QPushButton*>("cmdApply")->isEnabled());
-      window->findChild<QPushButton*>("cmdOK")->click();
+      window->findChild<QPushButton*>("btnEditMap2")->click();
     });
+    // The reading map saved as it stands, and the advanced window closed.
+    script.Then("frmMapEdit", [](QWidget* editor) { editor->findChild<QPushButton*>("btnActionSAVE")->click(); });
+    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("cmdOK")->click(); });
+    script.Then("frmAdvanced", [](QWidget* window) { window->findChild<QPushButton*>("btnClose")->click(); });
     desk.Control("cmdSetup")->click();
+    desk.Control("btnAdvanced")->click();
     QVERIFY(script.Done());
     const RunResult after = RunHifx({"--site", desk.site.string(), "dist", "write", "after.dst"}, desk.dir);
     QCOMPARE(after.status, 0);
@@ -394,6 +400,60 @@ class WidgetTest : public QObject {
     desk.Control("cmdRoute")->click();
     const RunResult dump = RunHifx({"dump", "out/example/route.pdb"}, desk.dir);
     QVERIFY2(dump.out.find("\"User5\":\"Z9\"") != std::string::npos, dump.out.c_str());
+  }
+
+  void everyRecordDialogAddsEditsAndDeletes() {
+    Desk desk;
+    clsAdvanced& advanced = desk.session.Exchange().Advanced();
+    struct Case {
+      SiteList list;
+      const char* type;
+      const char* window;
+      std::vector<std::pair<const char*, const char*>> added;  // field, text
+      const char* changedField;
+      const char* shownAfterEdit;
+    };
+    const std::vector<Case> cases = {
+        {SiteList::Logins, "", "frmAdvLogin", {{"cLoginID", "ann"}, {"cPassword", "pw"}}, "cPassword", "ann"},
+        {SiteList::Messages, "Account", "frmAdvMessage", {{"cRouteNbr", "0002"}, {"cMeterID", "77"}, {"cMessage", "a"}},
+         "cMessage", "0002||77\tchanged"},
+        {SiteList::Changeouts, "MFG", "frmAdvChangeout", {{"cCode", "BD"}, {"cDescription", "Badger"}}, "cDescription",
+         "BD\tchanged"},
+        {SiteList::Skips, "", "frmAdvSkip", {{"cCode", "11"}, {"cPathName", "Flooded"}}, "cPathName", "11\tchanged"},
+        {SiteList::Tokens, "Address", "frmAdvToken", {{"cToken", "HWY"}}, nullptr, "HWY"},
+        {SiteList::Favorites, "", "frmAdvFavorite", {{"cUnitID", "U9"}, {"cPathName", "/r.pdb"}}, "cPathName",
+         "U9\tchanged"},
+    };
+    for (const Case& c : cases) {
+      const std::string key = c.list == SiteList::Messages ? "0002||77" : c.added.front().second;
+      auto rows = [&] {
+        std::vector<std::string> shown;
+        for (const ListRow& row : ListRows(advanced, c.list, c.type)) {
+          if (row.key == key) shown.push_back(row.shown);
+        }
+        return shown;
+      };
+      ModalScript script;
+      script.Then(c.window, [&](QWidget* w) {
+        for (const auto& [name, text] : c.added) w->findChild<QLineEdit*>(name)->setText(text);
+        Shot(w, c.window);
+        w->findChild<QPushButton*>("OKButton")->click();
+      });
+      QCOMPARE(Q(frmAdvRecord(advanced, c.list, c.type).Display("", "Add")), "Save");
+      QCOMPARE(rows().size(), size_t(1));
+      script.Then(c.window, [&](QWidget* w) {
+        if (c.changedField != nullptr) w->findChild<QLineEdit*>(c.changedField)->setText("changed");
+        w->findChild<QPushButton*>("OKButton")->click();
+      });
+      frmAdvRecord(advanced, c.list, c.type).Display(key, "Edit");
+      QVERIFY2(rows() == std::vector<std::string>{c.shownAfterEdit}, c.window);
+      script.Then(c.window, [](QWidget* w) { w->findChild<QPushButton*>("DeleteButton")->click(); });
+      script.Box(QMessageBox::Yes);
+      QCOMPARE(Q(frmAdvRecord(advanced, c.list, c.type).Display(key, "Edit")), "Delete");
+      QVERIFY2(rows().empty(), c.window);
+      QVERIFY(script.Done());
+      QCOMPARE(script.boxes.at(0).title, Q(RecordDialogOf(c.list).deleteCaption));
+    }
   }
 
   void advancedWindowShowsTheSiteListsInItsTabs() {
