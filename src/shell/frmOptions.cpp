@@ -6,6 +6,7 @@
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QPushButton>
@@ -187,6 +188,9 @@ QWidget* frmOptions::InstallTab() {
                            "handheld."));
   lstUnits_ = new QListWidget;
   lstUnits_->setObjectName("lstUnits");
+  auto* unitsLabel = new QLabel("Handheld unit to install to:");
+  unitsLabel->setBuddy(lstUnits_);
+  layout->addWidget(unitsLabel);
   for (const std::string& unit : units_) lstUnits_->addItem(ToQt(unit));
   layout->addWidget(lstUnits_);
   chkPrompt_ = new QCheckBox("Prompt during Route HIF Creation");

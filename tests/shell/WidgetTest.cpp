@@ -564,6 +564,8 @@ class WidgetTest : public QObject {
     const RunResult dump = RunHifx({"--site", desk.site.string(), "site", "show"}, desk.dir);
     QVERIFY2(dump.out.find("[LoginIDs]\nREADER1\tread1\tS\n[") != std::string::npos, dump.out.c_str());
     QVERIFY2(dump.out.find("09\tSnow") != std::string::npos, dump.out.c_str());
+    QVERIFY(RunHifx({"--site", desk.site.string(), "dist", "write", "site.dst"}, desk.dir).status == 0);
+    QVERIFY(ReadBytes(desk.dir / "site.dst").find("> 09 = \"Snow\"\r\n") != std::string::npos);
     QVERIFY2(dump.out.find("ANY||1012345\tCheck seal") != std::string::npos, dump.out.c_str());
     // The next route file carries the new skip code to the handheld.
     desk.Control("cmdRoute")->click();
