@@ -82,6 +82,25 @@ struct Desk {
 
 QString Q(const std::string& text) { return QString::fromStdString(text); }
 
+// The captions and tips of a window's tabs, with a picture of each tab.
+std::pair<QStringList, QStringList> Tabs(QWidget* window, const QString& shot) {
+  auto* tabs = window->findChild<QTabWidget*>("tbsOptions");
+  QStringList captions, tips;
+  for (int i = 0; i < tabs->count(); ++i) {
+    captions << tabs->tabText(i);
+    tips << tabs->tabToolTip(i);
+    tabs->setCurrentIndex(i);
+    Shot(window, shot + "-" + tabs->tabText(i).replace(' ', '-'));
+  }
+  return {captions, tips};
+}
+
+// Makes the row of the list the current one.
+void Pick(QWidget* window, const char* list, int row) {
+  auto* tree = window->findChild<QTreeWidget*>(list);
+  tree->setCurrentItem(tree->topLevelItem(row));
+}
+
 QStringList MenuItems(QMenu* menu) {
   QStringList items;
   for (QAction* action : menu->actions()) {
@@ -285,8 +304,7 @@ class WidgetTest : public QObject {
     QVERIFY2(!desk.Control("btnLog")->isEnabled(), "a closed choice runs nothing");
 
     script.Then("frmFavorites", [](QWidget* window) {
-      auto* list = window->findChild<QTreeWidget*>("List1");
-      list->setCurrentItem(list->topLevelItem(0));
+      Pick(window, "List1", 0);
       window->findChild<QPushButton*>("btnUse")->click();
     });
     script.Box(QMessageBox::No);  // the re-read question: the run stops there
@@ -303,14 +321,7 @@ class WidgetTest : public QObject {
     ModalScript script;
     script.Then("frmOptions", [](QWidget* window) {
       QCOMPARE(window->windowTitle(), "Setup");
-      auto* tabs = window->findChild<QTabWidget*>("tbsOptions");
-      QStringList captions, tips;
-      for (int i = 0; i < tabs->count(); ++i) {
-        captions << tabs->tabText(i);
-        tips << tabs->tabToolTip(i);
-        tabs->setCurrentIndex(i);
-        Shot(window, "frmOptions-" + QString::number(i));
-      }
+      const auto [captions, tips] = Tabs(window, "frmOptions");
       QCOMPARE(captions, QStringList({"Route Conversion", "Re-Read Conversion", "Reading Conversion",
                                       "PRC/PDB Installation"}));
       QCOMPARE(tips, QStringList({"Specify Source for Creating HIF file", "Input Transponder IDs for Re-Reads",
@@ -412,17 +423,18 @@ class WidgetTest : public QObject {
       std::vector<std::pair<const char*, const char*>> added;  // field, text
       const char* changedField;
       const char* shownAfterEdit;
+      const char* deleteCaption;
     };
     const std::vector<Case> cases = {
-        {SiteList::Logins, "", "frmAdvLogin", {{"cLoginID", "ann"}, {"cPassword", "pw"}}, "cPassword", "ann"},
+        {SiteList::Logins, "", "frmAdvLogin", {{"cLoginID", "ann"}, {"cPassword", "pw"}}, "cPassword", "ann", "Delete Login"},
         {SiteList::Messages, "Account", "frmAdvMessage", {{"cRouteNbr", "0002"}, {"cMeterID", "77"}, {"cMessage", "a"}},
-         "cMessage", "0002||77\tchanged"},
+         "cMessage", "0002||77\tchanged", "Delete Message"},
         {SiteList::Changeouts, "MFG", "frmAdvChangeout", {{"cCode", "BD"}, {"cDescription", "Badger"}}, "cDescription",
-         "BD\tchanged"},
-        {SiteList::Skips, "", "frmAdvSkip", {{"cCode", "11"}, {"cPathName", "Flooded"}}, "cPathName", "11\tchanged"},
-        {SiteList::Tokens, "Address", "frmAdvToken", {{"cToken", "HWY"}}, nullptr, "HWY"},
+         "BD\tchanged", "Delete Changeout"},
+        {SiteList::Skips, "", "frmAdvSkip", {{"cCode", "11"}, {"cPathName", "Flooded"}}, "cPathName", "11\tchanged", "Delete Skip"},
+        {SiteList::Tokens, "Address", "frmAdvToken", {{"cToken", "HWY"}}, nullptr, "HWY", "Delete Token"},
         {SiteList::Favorites, "", "frmAdvFavorite", {{"cUnitID", "U9"}, {"cPathName", "/r.pdb"}}, "cPathName",
-         "U9\tchanged"},
+         "U9\tchanged", "Delete Favorite"},
     };
     for (const Case& c : cases) {
       const std::string key = c.list == SiteList::Messages ? "0002||77" : c.added.front().second;
@@ -452,7 +464,7 @@ class WidgetTest : public QObject {
       QCOMPARE(Q(frmAdvRecord(advanced, c.list, c.type).Display(key, "Edit")), "Delete");
       QVERIFY2(rows().empty(), c.window);
       QVERIFY(script.Done());
-      QCOMPARE(script.boxes.at(0).title, Q(RecordDialogOf(c.list).deleteCaption));
+      QCOMPARE(script.boxes.at(0), (SeenBox{c.deleteCaption, "Are you sure?"}));
     }
   }
 
@@ -461,14 +473,7 @@ class WidgetTest : public QObject {
     ModalScript script;
     script.Then("frmAdvanced", [](QWidget* window) {
       QCOMPARE(window->windowTitle(), "Advanced");
-      auto* tabs = window->findChild<QTabWidget*>("tbsOptions");
-      QStringList captions, tips;
-      for (int i = 0; i < tabs->count(); ++i) {
-        captions << tabs->tabText(i);
-        tips << tabs->tabToolTip(i);
-        tabs->setCurrentIndex(i);
-        Shot(window, "frmAdvanced-" + tabs->tabText(i).replace(' ', '-'));
-      }
+      const auto [captions, tips] = Tabs(window, "frmAdvanced");
       QCOMPARE(captions, QStringList({"Logins", "Messages", "Changeouts", "Skip Codes", "Index", "Favorites", "Prefs"}));
       QCOMPARE(tips, QStringList({"Setup handheld and desktop security", "Configure informational messages by meter",
                                   "Setup code tables for meter changeouts", "Setup feedback messages for handhelds",
@@ -518,9 +523,8 @@ class WidgetTest : public QObject {
       auto* list = window->findChild<QTreeWidget*>("lstSkips");
       QCOMPARE(list->topLevelItem(list->topLevelItemCount() - 1)->text(0), "09");
       window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(0);
-      auto* logins = window->findChild<QTreeWidget*>("lstLogins");
       QVERIFY(!window->findChild<QPushButton*>("btnLoginsEdit")->isEnabled());
-      logins->setCurrentItem(logins->topLevelItem(0));
+      Pick(window, "lstLogins", 0);
       click(window, "btnLoginsEdit");
     });
     script.Then("frmAdvLogin", [&](QWidget* w) {
@@ -531,14 +535,6 @@ class WidgetTest : public QObject {
       click(w, "OKButton");
     });
     script.Then("frmAdvanced", [&](QWidget* window) {
-      auto* logins = window->findChild<QTreeWidget*>("lstLogins");
-      logins->setCurrentItem(logins->topLevelItem(1));
-      click(window, "btnLoginsEdit");
-    });
-    script.Then("frmAdvLogin", [&](QWidget* w) { click(w, "DeleteButton"); });
-    script.Box(QMessageBox::Yes);
-    script.Then("frmAdvanced", [&](QWidget* window) {
-      QCOMPARE(window->findChild<QTreeWidget*>("lstLogins")->topLevelItemCount(), 1);
       window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(1);
       window->findChild<QRadioButton*>("optMessageType2")->click();
       click(window, "btnMessagesAdd");
@@ -558,11 +554,10 @@ class WidgetTest : public QObject {
     desk.Control("btnAdvanced")->click();
     QVERIFY(script.Done());
     QVERIFY((script.boxes == std::vector<SeenBox>{{"hifExchange", "PathName is required"},
-                                                  {"Delete Login", "Are you sure?"},
                                                   {"hifExchange", "Meter Tag Nbr is required"}}));
     // What the window saved is what the command line and a distribution see.
     const RunResult dump = RunHifx({"--site", desk.site.string(), "site", "show"}, desk.dir);
-    QVERIFY2(dump.out.find("[LoginIDs]\nREADER1\tread1\tS\n[") != std::string::npos, dump.out.c_str());
+    QVERIFY2(dump.out.find("\nREADER1\tread1\tS\n") != std::string::npos, dump.out.c_str());
     QVERIFY2(dump.out.find("09\tSnow") != std::string::npos, dump.out.c_str());
     QVERIFY(RunHifx({"--site", desk.site.string(), "dist", "write", "site.dst"}, desk.dir).status == 0);
     QVERIFY(ReadBytes(desk.dir / "site.dst").find("> 09 = \"Snow\"\r\n") != std::string::npos);
