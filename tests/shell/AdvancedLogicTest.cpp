@@ -70,19 +70,14 @@ TEST(AdvancedLists, DialogsCheckTheirFieldsInOrderAndKeysOnlyWhenAdding) {
   }
 }
 
-TEST(AdvancedLists, AClosedDialogAddsUpdatesOrDeletesByItsResult) {
+// Save and Delete go through the dialogs in the window's tests; here, what
+// they do not show: a key typed with spaces, and Cancel.
+TEST(AdvancedLists, AKeyIsTrimmedAndACancelledDialogChangesNothing) {
   RouteSite site;
   clsAdvanced& advanced = site.Exchange().Advanced();
   ApplyRecord(advanced, SiteList::Changeouts, "MT", "Save", true, {" W5 ", "Water 5/8"});
-  ApplyRecord(advanced, SiteList::Changeouts, "MT", "Save", false, {"W5", "Water 5/8 in"});
   ApplyRecord(advanced, SiteList::Changeouts, "MT", "Cancel", false, {"W5", "lost"});
-  EXPECT_EQ(Shown(ListRows(advanced, SiteList::Changeouts, "MT")), std::vector<std::string>{"W5\tWater 5/8 in"});
-  ApplyRecord(advanced, SiteList::Logins, "", "Save", true, {"ann", "pw", "S"});
-  std::string id, password, rights;
-  advanced.GetLogin(Value("ANN"), id, password, rights);
-  EXPECT_EQ(rights, "S");
-  ApplyRecord(advanced, SiteList::Logins, "", "Delete", false, {"ann", "pw", "S"});
-  EXPECT_TRUE(ListRows(advanced, SiteList::Logins).empty());
+  EXPECT_EQ(Shown(ListRows(advanced, SiteList::Changeouts, "MT")), std::vector<std::string>{"W5\tWater 5/8"});
 }
 
 TEST(Favorites, RowsShowTheFileDateOrWhyThereIsNone) {
