@@ -45,23 +45,23 @@ QStringList NameFilters(const QString& filter) {
   return filters;
 }
 
-std::optional<std::filesystem::path> RunFileDialog(QWidget* parent, const FileDialogSpec& spec,
+std::optional<std::filesystem::path> RunFileDialog(QWidget* parent, const FileDialogRequest& request,
                                                    QFileDialog::AcceptMode mode) {
-  QFileDialog dialog(parent, spec.title);
+  QFileDialog dialog(parent, request.title);
   dialog.setObjectName(mode == QFileDialog::AcceptSave ? "saveFileDialog" : "openFileDialog");
   dialog.setAcceptMode(mode);
   dialog.setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   dialog.setOption(QFileDialog::HideNameFilterDetails);
-  const QStringList filters = NameFilters(spec.filter);
+  const QStringList filters = NameFilters(request.filter);
   dialog.setNameFilters(filters);
-  if (spec.filterIndex > 0 && spec.filterIndex < filters.size()) dialog.selectNameFilter(filters[spec.filterIndex]);
-  QString extension = spec.defaultExtension;
+  if (request.filterIndex > 0 && request.filterIndex < filters.size()) dialog.selectNameFilter(filters[request.filterIndex]);
+  QString extension = request.defaultExtension;
   if (extension.startsWith('.')) extension.remove(0, 1);
   dialog.setDefaultSuffix(extension);
-  const QFileInfo start(spec.start);
-  if (!spec.start.isEmpty() && start.isDir()) {
-    dialog.setDirectory(spec.start);
-  } else if (!spec.start.isEmpty()) {
+  const QFileInfo start(request.start);
+  if (!request.start.isEmpty() && start.isDir()) {
+    dialog.setDirectory(request.start);
+  } else if (!request.start.isEmpty()) {
     dialog.setDirectory(start.absolutePath());
     dialog.selectFile(start.fileName());
   }
@@ -71,12 +71,12 @@ std::optional<std::filesystem::path> RunFileDialog(QWidget* parent, const FileDi
 
 }  // namespace
 
-std::optional<std::filesystem::path> OpenFileDialog(QWidget* parent, const FileDialogSpec& spec) {
-  return RunFileDialog(parent, spec, QFileDialog::AcceptOpen);
+std::optional<std::filesystem::path> OpenFileDialog(QWidget* parent, const FileDialogRequest& request) {
+  return RunFileDialog(parent, request, QFileDialog::AcceptOpen);
 }
 
-std::optional<std::filesystem::path> SaveFileDialog(QWidget* parent, const FileDialogSpec& spec) {
-  return RunFileDialog(parent, spec, QFileDialog::AcceptSave);
+std::optional<std::filesystem::path> SaveFileDialog(QWidget* parent, const FileDialogRequest& request) {
+  return RunFileDialog(parent, request, QFileDialog::AcceptSave);
 }
 
 void OpenWithDesktop(const std::filesystem::path& file) {

@@ -22,7 +22,7 @@ std::string FromQt(const QString& text);
 QString PathToQt(const std::filesystem::path& path);
 std::filesystem::path PathFromQt(const QString& text);
 
-struct FileDialogSpec {
+struct FileDialogRequest {
   QString title;
   QString filter;            // "Palm Database Files (*.pdb)|*.pdb|All Files(*.*)|*.*"
   QString defaultExtension;  // "pdb", with or without its dot
@@ -31,8 +31,8 @@ struct FileDialogSpec {
 };
 
 // The chosen file, or nothing when the dialog was cancelled.
-std::optional<std::filesystem::path> OpenFileDialog(QWidget* parent, const FileDialogSpec& spec);
-std::optional<std::filesystem::path> SaveFileDialog(QWidget* parent, const FileDialogSpec& spec);
+std::optional<std::filesystem::path> OpenFileDialog(QWidget* parent, const FileDialogRequest& request);
+std::optional<std::filesystem::path> SaveFileDialog(QWidget* parent, const FileDialogRequest& request);
 
 // Opens a file as the desktop opens it: a text file in the text editor (on
 // Windows, Notepad), a PDF in the PDF reader.

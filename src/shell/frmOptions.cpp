@@ -265,10 +265,10 @@ void frmOptions::PickFile(Panel& panel, bool destination) {
   // Route and re-read files are made as handheld files; the reading
   // conversion reads one.
   const bool interchange = (destination && panel.hifType != nullptr) || (!destination && panel.use == kUseReading);
-  FileDialogSpec spec{ToQt(TypeDescr(panel.use)), interchange ? kInterchangeFilter : kAnyFileFilter,
+  FileDialogRequest request{ToQt(TypeDescr(panel.use)), interchange ? kInterchangeFilter : kAnyFileFilter,
                       ToQt(DefaultFileExtension(panel.use)), box->text(),
                       interchange ? InterchangeFilterIndex(PathFromQt(box->text())) : 0};
-  const auto file = destination ? SaveFileDialog(this, spec) : OpenFileDialog(this, spec);
+  const auto file = destination ? SaveFileDialog(this, request) : OpenFileDialog(this, request);
   if (file) box->setText(PathToQt(*file));
 }
 
