@@ -41,6 +41,11 @@ class RecordingDevice final : public RptSurface {
     return texts;
   }
 
+  void Resize(double pageWidthInches, double pageHeightInches) {
+    pageWidth_ = pageWidthInches;
+    pageHeight_ = pageHeightInches;
+  }
+
   std::vector<RptCall> calls;
 
  protected:
@@ -100,6 +105,31 @@ class RecordingPrinters final : public IRptPrinters {
   std::vector<std::string> names_;
   std::map<std::string, RecordingDevice> devices_;
   std::string current_;
+};
+
+// A preview window that answers each page with the next of its actions
+// ("CLOSE" when they run out), keeping the captions it was shown and the
+// texts painted on each page.
+class RecordingPreview final : public IRptPreview {
+ public:
+  explicit RecordingPreview(std::vector<std::string> actions) : actions_(std::move(actions)) {}
+
+  IRptDevice& Picture() override { return picture; }
+  void SizePicture(double widthInches, double lengthInches) override { picture.Resize(widthInches, lengthInches); }
+  void ClearPicture() override { picture.calls.clear(); }
+  std::string Display(const std::string& caption) override {
+    captions.push_back(caption);
+    pages.push_back(picture.Texts());
+    return next_ < actions_.size() ? actions_[next_++] : "CLOSE";
+  }
+
+  RecordingDevice picture;
+  std::vector<std::string> captions;
+  std::vector<std::vector<std::string>> pages;
+
+ private:
+  std::vector<std::string> actions_;
+  size_t next_ = 0;
 };
 
 }  // namespace hifx

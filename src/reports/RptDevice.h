@@ -165,6 +165,23 @@ class RptSurface : public IRptDevice {
   double y_ = 0;
 };
 
+// The preview window as the engine sees it: a picture for one page, and the
+// person's answer to it.
+class IRptPreview {
+ public:
+  virtual ~IRptPreview() = default;
+  // The surface the page is drawn on.
+  virtual IRptDevice& Picture() = 0;
+  // Sizes the picture to a page of width by length inches, so that the
+  // report's inches map onto it.
+  virtual void SizePicture(double widthInches, double lengthInches) = 0;
+  // White again, ready for the next page.
+  virtual void ClearPicture() = 0;
+  // Shows the page under the caption and returns what the person chose:
+  // "FIRST", "PREV", "NEXT", "LAST", "CLOSE" or "PRINT".
+  virtual std::string Display(const std::string& caption) = 0;
+};
+
 // The printers of the system: the one in use, the installed ones by name.
 class IRptPrinters {
  public:

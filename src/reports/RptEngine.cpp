@@ -131,13 +131,53 @@ bool RptEngine::PrintReport(int16_t FromPage, int16_t ToPage, int32_t Tray, int1
     device_ = &printers_.Printer();
     outputMode_ = 2;
     // A printer without that bin prints from its own.
-    if (Tray < 65535) printers_.SetPaperBin(Tray);
+    if (Tray < kPrinterOwnBin) printers_.SetPaperBin(Tray);
   }
   device_->SetScaleMode(ScaleMode);
   const bool cancelled = Begin(FromPage, ToPage, TotalPages);
   ClearStatus();
   if (previousPrinter) printers_.Select(*previousPrinter);
   return cancelled;
+}
+
+namespace {
+
+// The page an action of the preview leads to; nullopt leaves the preview.
+std::optional<int16_t> PreviewPage(const std::string& action, int16_t page, int16_t total) {
+  if (action == "FIRST") return int16_t{1};
+  if (action == "PREV") return static_cast<int16_t>(std::max(1, page - 1));
+  if (action == "NEXT") return static_cast<int16_t>(std::min<int>(total, page + 1));
+  if (action == "LAST") return total;
+  if (action == "CLOSE" || action == "PRINT") return std::nullopt;
+  return page;
+}
+
+}  // namespace
+
+bool RptEngine::PreviewReport(IRptPreview& preview, int32_t Tray) {
+  // The picture takes the page's orientation and its inches.
+  preview.SizePicture(PageWidth, pageLength_);
+  IRptDevice& picture = preview.Picture();
+  int16_t page = 1;
+  for (;;) {
+    device_ = &picture;
+    outputMode_ = 1;
+    device_->SetScaleMode(ScaleMode);
+    preview.ClearPicture();
+    int16_t total = 0;
+    if (Begin(page, page, &total)) {
+      device_ = nullptr;
+      return true;
+    }
+    const std::string action =
+        preview.Display(Title + " Page " + std::to_string(page) + " of " + std::to_string(total));
+    const std::optional<int16_t> next = PreviewPage(action, page, total);
+    if (!next) {
+      device_ = nullptr;
+      return action == "PRINT" && PrintReport(0, 0, Tray);
+    }
+    page = *next;
+  }
 }
 
 bool RptEngine::Begin(int16_t FromPage, int16_t ToPage, int16_t* TotalPages) {
@@ -201,7 +241,8 @@ bool RptEngine::TestOverflow() {
 
 void RptEngine::NewPage(int16_t level) {
   Raise(6, 0);
-  if (outputMode_ == 2) device_->NewPage();
+  // A cancelled run starts no more sheets: the pages after it would be blank.
+  if (outputMode_ == 2 && !cancel_) device_->NewPage();
   ++pageNo_;
   currentYPos_ = MarginTop;
   sectionHeight_ = 0;

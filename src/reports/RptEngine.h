@@ -41,6 +41,8 @@ struct RptGroup {
 
 class RptEngine {
  public:
+  // A tray number that leaves the printer on its own paper bin.
+  static constexpr int32_t kPrinterOwnBin = 65535;
   using PrintEvent = std::function<void(int16_t code, int16_t level, float& height)>;
 
   RptEngine(IShell& shell, const IClock& clock, IRptPrinters& printers);
@@ -87,6 +89,10 @@ class RptEngine {
   // result is true when the run was cancelled. TotalPages, when given and 0,
   // receives the number of pages.
   bool PrintReport(int16_t FromPage, int16_t ToPage, int32_t Tray, int16_t* TotalPages = nullptr);
+  // Shows the report a page at a time in the preview window, laying the
+  // whole report out again for every page shown; "PRINT" prints every page
+  // on the OutputDevice with the tray given. True when cancelled.
+  bool PreviewReport(IRptPreview& preview, int32_t Tray = kPrinterOwnBin);
   // Runs the report on the device in use; true when cancelled.
   bool Begin(int16_t FromPage, int16_t ToPage, int16_t* TotalPages = nullptr);
 

@@ -234,8 +234,13 @@ bool clsReport::Begin(bool Preview, const std::filesystem::path& HIFPath, int32_
     hif_.reset();
     return false;
   }
-  // The preview window belongs to the desktop program.
-  const bool cancelled = Preview ? true : engine_.PrintReport(0, 0, tray_);
+  bool cancelled = true;
+  if (!Preview) {
+    cancelled = engine_.PrintReport(0, 0, tray_);
+  } else if (makePreview_) {
+    const std::unique_ptr<IRptPreview> window = makePreview_();
+    cancelled = engine_.PreviewReport(*window, tray_);
+  }
   hif_.reset();
   return !cancelled;
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -34,6 +35,11 @@ std::string ReportTitle(int32_t reportType);
 class clsReport {
  public:
   clsReport(IShell& shell, const IClock& clock, IRptPrinters& printers, IUserSettings& settings);
+
+  // Makes the preview window of a run with preview on; a report without one
+  // has nothing to preview on.
+  using PreviewMaker = std::function<std::unique_ptr<IRptPreview>()>;
+  void SetPreviewWindow(PreviewMaker maker) { makePreview_ = std::move(maker); }
 
   void Init(RptOutputDevice Device) { engine_.OutputDevice = std::move(Device); }
   std::string Tray() const { return std::to_string(tray_); }
@@ -72,6 +78,7 @@ class clsReport {
   IUserSettings& settings_;
   IRptPrinters& printers_;
   RptEngine engine_;
+  PreviewMaker makePreview_;
   int16_t tray_ = 0;
   int32_t reportType_ = 0;
   std::unique_ptr<clsHIF> hif_;

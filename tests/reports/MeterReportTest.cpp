@@ -176,6 +176,33 @@ TEST_F(MeterReportTest, APageBreakRepeatsTheUnitHeader) {
   EXPECT_EQ(titles, 3);
 }
 
+// The window a report makes for its preview, lending the test's recorder.
+struct LentPreview final : IRptPreview {
+  explicit LentPreview(RecordingPreview& r) : recorder(r) {}
+  IRptDevice& Picture() override { return recorder.Picture(); }
+  void SizePicture(double width, double length) override { recorder.SizePicture(width, length); }
+  void ClearPicture() override { recorder.ClearPicture(); }
+  std::string Display(const std::string& caption) override { return recorder.Display(caption); }
+  RecordingPreview& recorder;
+};
+
+TEST_F(MeterReportTest, APreviewShowsTheReportsPagesOnItsWindowOnly) {
+  std::vector<Row> rows(40, Rows()[0]);
+  for (size_t i = 0; i < rows.size(); ++i) rows[i].tag = 1000 + static_cast<int32_t>(i);
+  const auto file = File(rows);
+  clsReport report(shell, clock, printers, settings);
+  EXPECT_FALSE(report.Begin(true, file, kReportReading, "")) << "nothing to preview on";
+  RecordingPreview preview({"LAST"});
+  report.SetPreviewWindow([&] { return std::make_unique<LentPreview>(preview); });
+  ASSERT_TRUE(report.Begin(true, file, kReportReading, ""));
+  EXPECT_EQ(preview.captions, (std::vector<std::string>{"Reading Report Page 1 of 3", "Reading Report Page 3 of 3"}));
+  const auto& last = preview.pages.back();
+  EXPECT_EQ(std::vector(last.begin(), last.begin() + 5),
+            (std::vector<std::string>{"hifExchange", "3/9/2024", "Reading Report", "Page 3", "Unit ID:"}));
+  EXPECT_DOUBLE_EQ(preview.picture.ScaleWidth(), 11.0);
+  EXPECT_TRUE(printers.Current().calls.empty());
+}
+
 TEST_F(MeterReportTest, AFileWithNoMetersIsOnePageWithoutAUnitHeader) {
   clsReport report(shell, clock, printers, settings);
   ASSERT_TRUE(report.Begin(false, File({}), kReportReading, ""));

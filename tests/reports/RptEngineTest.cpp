@@ -3,6 +3,7 @@
 // are exact.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -53,6 +54,7 @@ struct RptEngineTest : ::testing::Test {
     auto footer = std::make_shared<RptElements>(RptElements{MakeElement(0.5f, 10.5f, Value("Page %p"))});
     auto count = std::make_shared<int>(0);
     engine.SetPrintEvent([=, this](int16_t code, int16_t, float& height) {
+      if (code == 0) *count = 0;  // each run starts at the first row
       if (code == 6) engine.PrintElements(*footer, true);
       if (code != 4) return;
       if (++*count > rows) {
@@ -102,6 +104,57 @@ TEST_F(RptEngineTest, AnAbortPaintsNothingMoreAndIsTheResult) {
   EXPECT_EQ(Texts().size(), 5u);
   EXPECT_EQ(shell.statuses.front(), "{Replace with Report Title}\nRetrieving data");
   EXPECT_EQ(shell.statuses[1], "{Replace with Report Title}\nFormatting page 2\nRows processed: 0");
+  EXPECT_EQ(shell.statuses.back(), "");
+  // The sheet of page 2 was started before the abort was seen; no blank
+  // sheet follows it.
+  int newPages = 0;
+  for (const auto& call : Device().calls) newPages += call.kind == RptCall::NewPage;
+  EXPECT_EQ(newPages, 1);
+}
+
+TEST_F(RptEngineTest, PreviewShowsThePageAskedForAndLaysTheWholeReportOutEachTime) {
+  RowsReport(10);
+  engine.Title = "Rows";
+  RecordingPreview preview({"NEXT", "NEXT", "NEXT", "PREV", "FIRST", "PREV", "LAST"});
+  EXPECT_FALSE(engine.PreviewReport(preview));
+  EXPECT_EQ(preview.captions, (std::vector<std::string>{"Rows Page 1 of 3", "Rows Page 2 of 3", "Rows Page 3 of 3",
+                                                        "Rows Page 3 of 3", "Rows Page 2 of 3", "Rows Page 1 of 3",
+                                                        "Rows Page 1 of 3", "Rows Page 3 of 3"}));
+  EXPECT_EQ(preview.pages[1], (std::vector<std::string>{"row 5", "row 6", "row 7", "row 8", "Page 2"}));
+  EXPECT_EQ(preview.pages[2], (std::vector<std::string>{"row 9", "row 10", "Page 3"}));
+  const auto laidOut = std::count(shell.statuses.begin(), shell.statuses.end(), "Rows\nFormatting page 3\nRows processed: 0");
+  EXPECT_EQ(laidOut, 8);
+  EXPECT_TRUE(Device().calls.empty());
+}
+
+TEST_F(RptEngineTest, PreviewOfOnePageRedrawsItAndTakesTheLandscapePage) {
+  RowsReport(2);
+  engine.PageSetup(11.0f, 8.5f, 0.5f, 0.5f, 0.5f, 0.5f, 2.5f);
+  engine.Title = "One";
+  RecordingPreview preview({"NEXT", "PREV", "LAST"});
+  EXPECT_FALSE(engine.PreviewReport(preview));
+  EXPECT_EQ(preview.captions, std::vector<std::string>(4, "One Page 1 of 1"));
+  EXPECT_EQ(preview.pages[3], (std::vector<std::string>{"row 1", "row 2", "Page 1"}));
+  EXPECT_DOUBLE_EQ(preview.picture.ScaleWidth(), 11.0);
+  EXPECT_DOUBLE_EQ(preview.picture.ScaleHeight(), 8.5);
+}
+
+TEST_F(RptEngineTest, PrintFromThePreviewPrintsEveryPageFromTheTrayGiven) {
+  RowsReport(10);
+  RecordingPreview preview({"NEXT", "PRINT"});
+  EXPECT_FALSE(engine.PreviewReport(preview, 2));
+  EXPECT_EQ(preview.captions.size(), 2u);
+  EXPECT_EQ(Texts().size(), 13u);
+  EXPECT_EQ(printers.paperBin, 2);
+  EXPECT_EQ(Device().calls.back().kind, RptCall::EndDoc);
+}
+
+TEST_F(RptEngineTest, ACancelWhileTheLayoutRunsLeavesThePreview) {
+  RowsReport(10);
+  shell.abortReports = true;
+  RecordingPreview preview({});
+  EXPECT_TRUE(engine.PreviewReport(preview));
+  EXPECT_TRUE(preview.captions.empty());
   EXPECT_EQ(shell.statuses.back(), "");
 }
 
