@@ -1,4 +1,5 @@
-// report: the meter reports of a reading HIF, as PDF files or on a printer.
+// report: the meter reports of a reading HIF, as PDF files, on a printer, or
+// as one picture a page, drawn as the desktop program's preview draws them.
 // Several types make one report each, in the order the main window prints
 // them: Exception, Reading, Orphan, Missed.
 #include <CLI/CLI.hpp>
@@ -60,8 +61,9 @@ std::filesystem::path ReportFileName(const std::filesystem::path& out, const cha
 }
 
 struct ReportOptions {
-  std::string types, pdf, printer, file;
+  std::string types, pdf, printer, png, file;
   std::optional<std::string> title;
+  double dpi = 96;
 };
 
 // A report never takes the place of the file it reports on, nor of anything
@@ -77,11 +79,24 @@ void CheckReportFiles(const ReportOptions& options, int32_t mask, bool several) 
   }
 }
 
+// The folder of the pictures, made when it is missing.
+void MakePictureFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error || !std::filesystem::is_directory(folder)) {
+    throw WriteFailure(fail::kPathAccess, "Could not make the folder {}", folder,
+                       error ? error.message() : "a file has its name");
+  }
+}
+
 int Report(Context& context, const ReportOptions& options) {
   const int32_t mask = ParseTypes(options.types);
-  if (options.pdf.empty() == options.printer.empty()) throw UsageError("takes --pdf OUT or --printer NAME");
+  if (options.pdf.empty() + options.printer.empty() + options.png.empty() != 2) {
+    throw UsageError("takes --pdf OUT, --printer NAME or --png DIR");
+  }
   const bool several = (mask & (mask - 1)) != 0;
   CheckReportFiles(options, mask, several);
+  if (!options.png.empty()) MakePictureFolder(options.png);
 #ifndef HIFX_HAVE_QT
   (void)context;
   throw UsageError("PDF and printed reports need the Qt build of hifx");
@@ -91,9 +106,10 @@ int Report(Context& context, const ReportOptions& options) {
   try {
     for (const ReportKind& kind : kKinds) {
       if ((mask & kind.type) == 0) continue;
-      std::unique_ptr<QtPrinters> printers = options.pdf.empty()
-                                                 ? QtPrinters::ToDefaultPrinter()
-                                                 : QtPrinters::ToPdf(ReportFileName(options.pdf, kind.word, several));
+      std::unique_ptr<QtPrinters> printers =
+          !options.pdf.empty()   ? QtPrinters::ToPdf(ReportFileName(options.pdf, kind.word, several))
+          : !options.png.empty() ? QtPrinters::ToPictures(options.png, kind.word, options.dpi)
+                                 : QtPrinters::ToDefaultPrinter();
       clsReport report(context.Shell(), context.Clock(), *printers, settings);
       if (!options.printer.empty() && !report.Engine().SetPrinter(options.printer)) {
         throw UsageError("no printer's name holds \"" + options.printer + "\"");
@@ -125,8 +141,18 @@ void AddReportCommand(CommandTable& table) {
                          ->type_name("OUT");
   CLI::Option* printer = report.add_option("--printer", options->printer, "the printer whose name holds NAME")
                              ->type_name("NAME");
-  pdf->excludes(printer);
-  printer->excludes(pdf);
+  CLI::Option* png =
+      report.add_option("--png", options->png, "one PNG picture a page in DIR: TYPE-00001.png, TYPE-00002.png, ...")
+          ->type_name("DIR");
+  report.add_option("--dpi", options->dpi, "the pictures' resolution, 24 to 600 pixels an inch (default 96)")
+      ->type_name("N")
+      ->check(CLI::Range(24.0, 600.0).description(""))
+      ->needs(png);
+  for (CLI::Option* one : {pdf, printer, png}) {
+    for (CLI::Option* other : {pdf, printer, png}) {
+      if (one != other) one->excludes(other);
+    }
+  }
   report.add_option("--title", options->title, "the title of every page")->type_name("T");
   report.add_option("file", options->file, "the reading HIF")->type_name("FILE")->required();
 }

@@ -116,7 +116,10 @@ class RecordingPreview final : public IRptPreview {
 
   IRptDevice& Picture() override { return picture; }
   void SizePicture(double widthInches, double lengthInches) override { picture.Resize(widthInches, lengthInches); }
-  void ClearPicture() override { picture.calls.clear(); }
+  void ClearPicture() override {
+    picture.calls.clear();
+    picture.ResetDrawing();
+  }
   std::string Display(const std::string& caption) override {
     captions.push_back(caption);
     pages.push_back(picture.Texts());

@@ -139,6 +139,13 @@ class RptSurface : public IRptDevice {
                     double height) override;
   void Blit(const RptPicture& picture, int32_t width, int32_t height, int32_t x, int32_t y) override;
 
+  // Drawn on as a new surface again: the first font, pen and position.
+  void ResetDrawing() {
+    font_ = RptFont{};
+    drawMode_ = kDrawCopyPen;
+    x_ = 0;
+    y_ = 0;
+  }
   const RptFont& Font() const { return font_; }
   int16_t DrawMode() const { return drawMode_; }
   double PixelsPerUnit() const;
@@ -175,7 +182,8 @@ class IRptPreview {
   // Sizes the picture to a page of width by length inches, so that the
   // report's inches map onto it.
   virtual void SizePicture(double widthInches, double lengthInches) = 0;
-  // White again, ready for the next page.
+  // White again and drawn on as a new surface (font, position), so that
+  // every page shown is laid out as the printer lays it out.
   virtual void ClearPicture() = 0;
   // Shows the page under the caption and returns what the person chose:
   // "FIRST", "PREV", "NEXT", "LAST", "CLOSE" or "PRINT".

@@ -24,8 +24,8 @@ TEST(CommandLine, UsageLinesAreTheContractsWords) {
       {{"install", "--help"}, "usage: hifx install FILE [--unit NAME]"},
       {{"map", "show", "--help"}, "usage: hifx map show NAME"},
       {{"report", "--help"},
-       "usage: hifx report --type reading|exception|missed|orphan[,...] [--pdf OUT | --printer NAME] [--title T] "
-       "FILE"},
+       "usage: hifx report --type reading|exception|missed|orphan[,...] [--pdf OUT | --printer NAME | --png DIR] "
+       "[--dpi N] [--title T] FILE"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.args[0]);

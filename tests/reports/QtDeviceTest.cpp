@@ -13,9 +13,13 @@
 #include "reports/qt/QtRptDevice.h"
 #include "support/ExampleSite.h"
 #include "support/FaultDevice.h"
+#include "support/ReadingHif.h"
 #include "support/RunHifx.h"
 #include "support/TempDir.h"
 #include "support/TestShell.h"
+
+// Qt last: its keywords would stand for the words of the headers above.
+#include <QtGui/QImage>
 
 namespace hifx {
 namespace {
@@ -58,7 +62,7 @@ TEST_F(QtDeviceTest, ADecoderReadsTheBarcodes) {
     QtImageDevice image(4.0, 1.5, 300);
     clsDrawBarcode().Draw(c.symbology, image, 0.5f, 0.25f, 0.8f, 3, c.text);
     const auto png = dir / "barcode.png";
-    ASSERT_TRUE(image.SavePng(png));
+    image.SavePng(png);
     EXPECT_EQ(Output("zbarimg --quiet --raw " + test::ShellQuote(png.string()) + " 2>/dev/null"), c.decoded) << c.text;
   }
 }
@@ -132,6 +136,92 @@ TEST_F(QtDeviceTest, APdfThatCannotBeWrittenLeavesTheOldFile) {
   EXPECT_EQ(same.status, 2);
   EXPECT_NE(same.err.find("is the same file as the reading file"), std::string::npos) << same.err;
   EXPECT_EQ(test::ReadBytes(dir / "reading.pdb"), before);
+}
+
+// The preview's picture as a window would show it, keeping each page shown
+// and going on to the next.
+struct PicturePreview final : IRptPreview {
+  explicit PicturePreview(std::vector<QImage>& into) : shown(into) {}
+  IRptDevice& Picture() override { return picture; }
+  void SizePicture(double width, double length) override { picture.Resize(width, length); }
+  void ClearPicture() override { picture.Clear(); }
+  std::string Display(const std::string&) override {
+    shown.push_back(picture.Image().copy());
+    return shown.size() < 3 ? "NEXT" : "CLOSE";
+  }
+  QtImageDevice picture{8.5, 11.0, 96};
+  std::vector<QImage>& shown;
+};
+
+// Pixels darker than mid-grey in one picture and not the other, looked for
+// one pixel around, so that a glyph's edge falling one pixel over counts
+// as agreeing.
+int64_t InkNotMatched(const QImage& a, const QImage& b) {
+  const auto ink = [](const QImage& image, int x, int y) {
+    return x >= 0 && y >= 0 && x < image.width() && y < image.height() && qGray(image.pixel(x, y)) < 128;
+  };
+  int64_t unmatched = 0;
+  for (int y = 0; y < a.height(); ++y) {
+    for (int x = 0; x < a.width(); ++x) {
+      if (!ink(a, x, y)) continue;
+      bool near = false;
+      for (int dy = -1; dy <= 1 && !near; ++dy) {
+        for (int dx = -1; dx <= 1 && !near; ++dx) near = ink(b, x + dx, y + dy);
+      }
+      unmatched += !near;
+    }
+  }
+  return unmatched;
+}
+
+int64_t Ink(const QImage& image) {
+  int64_t ink = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) ink += qGray(image.pixel(x, y)) < 128;
+  }
+  return ink;
+}
+
+// The page the preview shows, the page of the PDF as poppler draws it, and
+// the picture `report --png` writes are one page: the pictures the same to
+// the pixel, the PDF within 2% of the ink either way (its glyphs are drawn
+// by another rasteriser, anti-aliased differently).
+TEST_F(QtDeviceTest, ThePreviewPageIsThePdfPageAndThePngPage) {
+  const auto reading = dir / "reading.pdb";
+  test::WriteReadingHif(reading, 60);
+  const test::Env env{{"SOURCE_DATE_EPOCH", "1710000000"}, {"TZ", "UTC"}, {"XDG_CONFIG_HOME", (dir / "config").string()}};
+  for (const char* output : {"--pdf", "--png"}) {
+    const auto out = dir / (std::string(output) == "--pdf" ? "reading.pdf" : "pictures");
+    const auto run = test::RunHifx({"report", "--type", "reading", output, out.string(), reading.string()}, dir, env);
+    ASSERT_EQ(run.status, 0) << run.err;
+  }
+  ASSERT_EQ(std::system(("pdftoppm -r 96 -png -f 2 -l 2 " + (dir / "reading.pdf").string() + " " +
+                         (dir / "pdf").string()).c_str()), 0);
+
+  test::TestShell shell;
+  const FixedClock clock{CivilTime{2024, 3, 9, 16, 0, 0}};
+  MemoryUserSettings settings;
+  const auto printers = QtPrinters::ToPdf(dir / "unused.pdf");
+  clsReport report(shell, clock, *printers, settings);
+  std::vector<QImage> shown;
+  report.SetPreviewWindow([&] { return std::make_unique<PicturePreview>(shown); });
+  ASSERT_TRUE(report.Begin(true, reading, kReportReading, ""));
+  ASSERT_EQ(shown.size(), 3u);  // pages 1, 2 and 3 of 3
+
+  const QImage png(QString::fromStdString((dir / "pictures" / "reading-00002.png").string()));
+  const QImage pdf(QString::fromStdString((dir / "pdf-2.png").string()));
+  const QImage page = shown[1].convertToFormat(png.format());
+  EXPECT_EQ(page.size(), QSize(1056, 816));
+  EXPECT_TRUE(page == png);
+  ASSERT_EQ(pdf.size(), page.size());
+  const int64_t ink = Ink(page);
+  EXPECT_GT(ink, 20000);
+  EXPECT_LT(InkNotMatched(page, pdf), ink / 50);
+  EXPECT_LT(InkNotMatched(pdf, page), ink / 50);
+  // A picture for each page of the PDF.
+  const std::string pages = Output("pdfinfo " + (dir / "reading.pdf").string() + " | awk '/^Pages:/ {print $2}'");
+  EXPECT_TRUE(std::filesystem::exists(dir / "pictures" / ("reading-0000" + pages + ".png"))) << pages;
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "pictures"), {}), std::stoi(pages));
 }
 
 TEST_F(QtDeviceTest, UserSettingsLastBetweenRuns) {

@@ -67,10 +67,12 @@ struct QtSurface::Impl {
   bool ended = false;
 
   // A font with the advance of each of the 256 characters, measured once:
-  // a text's width is their sum, as nothing is kerned.
+  // a text's width is their sum, as nothing is kerned. All is in the
+  // device's pixels.
   struct Measured {
-    QFont font;
-    QFontMetricsF metrics;
+    QFont font;  // sized for the layout resolution
+    double ascent = 0;
+    double lineSpacing = 0;
     std::array<double, 256> advance{};
   };
   using Key = std::tuple<std::string, float, bool, bool, bool>;
@@ -79,22 +81,36 @@ struct QtSurface::Impl {
   mutable RptFont lastFont;
   const Measured* painted = nullptr;  // the painter's font
 
-  Impl(QPaintDevice& d, QPagedPaintDevice* p) : device(d), paged(p), raster(d.devType() == QInternal::Image) {}
+  // Texts are measured and lettered as at the printer's resolution and
+  // scaled down to the device's: a screen's font sizes fall on whole
+  // pixels, and a page laid out with them would wrap and break where the
+  // printed page doesn't.
+  static constexpr double kLayoutDotsPerInch = 1200.0;
+  double textScale = 1.0;  // layout pixels a device pixel
+
+  Impl(QPaintDevice& d, QPagedPaintDevice* p) : device(d), paged(p), raster(d.devType() == QInternal::Image) {
+    if (raster) textScale = kLayoutDotsPerInch / d.logicalDpiX();
+  }
 
   const Measured& For(const RptFont& f) const {
     if (last != nullptr && lastFont == f) return *last;
     auto& slot = fonts[Key{f.name, f.size, f.bold, f.italic, f.underline}];
     if (!slot) {
       QFont font(ToQString(f.name));
-      font.setPointSizeF(f.size > 0 ? f.size : 1.0);
+      font.setPointSizeF((f.size > 0 ? f.size : 1.0) * textScale);
       font.setBold(f.bold);
       font.setItalic(f.italic);
       font.setUnderline(f.underline);
       font.setKerning(false);
-      slot = std::make_unique<Measured>(Measured{font, QFontMetricsF(font, &device)});
+      // The font's own advances, not those fitted to the pixel grid: a page
+      // on screen is laid out and lettered as it is on paper.
+      font.setHintingPreference(QFont::PreferNoHinting);
+      const QFontMetricsF metrics(font, &device);
+      slot = std::make_unique<Measured>(Measured{font, metrics.ascent() / textScale, metrics.lineSpacing() / textScale});
       for (int c = 0; c < 256; ++c) {
         const char byte = static_cast<char>(c);
-        slot->advance[static_cast<size_t>(c)] = slot->metrics.horizontalAdvance(FromCodePage(std::string_view(&byte, 1)));
+        slot->advance[static_cast<size_t>(c)] =
+            metrics.horizontalAdvance(FromCodePage(std::string_view(&byte, 1))) / textScale;
       }
     }
     last = slot.get();
@@ -144,7 +160,7 @@ double QtSurface::MeasureText(std::string_view line) const {
   return width;
 }
 
-double QtSurface::LineHeightPixels() const { return impl_->For(Font()).metrics.lineSpacing(); }
+double QtSurface::LineHeightPixels() const { return impl_->For(Font()).lineSpacing; }
 
 void QtSurface::PaintText(double x, double y, std::string_view line) {
   if (line.empty()) return;
@@ -156,7 +172,14 @@ void QtSurface::PaintText(double x, double y, std::string_view line) {
     p.setFont(measured.font);
     impl_->painted = &measured;
   }
-  p.drawText(QPointF(x, y + measured.metrics.ascent()), FromCodePage(line));
+  const double scale = impl_->textScale;
+  if (scale == 1.0) {
+    p.drawText(QPointF(x, y + measured.ascent), FromCodePage(line));
+    return;
+  }
+  p.setTransform(QTransform::fromScale(1 / scale, 1 / scale));
+  p.drawText(QPointF(x * scale, (y + measured.ascent) * scale), FromCodePage(line));
+  p.resetTransform();
 }
 
 void QtSurface::PaintLine(double x1, double y1, double x2, double y2) {
@@ -187,6 +210,10 @@ void QtSurface::NewPage() {
   impl_->paged->newPage();
 }
 
+void QtSurface::PausePainting() {
+  if (impl_->painter.isActive()) impl_->painter.end();
+}
+
 void QtSurface::EndDoc() {
   impl_->Painter();
   impl_->painter.end();
@@ -212,11 +239,44 @@ QtImageDevice::QtImageDevice(double widthInches, double heightInches, double dot
 
 QtImageDevice::QtImageDevice(std::unique_ptr<QImage> image) : QtSurface(*image, nullptr), image_(std::move(image)) {}
 
-QtImageDevice::~QtImageDevice() { EndDoc(); }
+QtImageDevice::~QtImageDevice() { QtSurface::EndDoc(); }
 
-bool QtImageDevice::SavePng(const std::filesystem::path& path) {
-  EndDoc();
-  return image_->save(QString::fromStdString(path.string()), "PNG");
+void QtImageDevice::Resize(double widthInches, double heightInches) {
+  PausePainting();
+  *image_ = std::move(*WhiteImage(widthInches, heightInches, DotsPerInch()));
+}
+
+void QtImageDevice::Clear() {
+  PausePainting();
+  image_->fill(Qt::white);
+  ResetDrawing();
+}
+
+const QImage& QtImageDevice::Image() {
+  PausePainting();
+  return *image_;
+}
+
+void QtImageDevice::SavePng(const std::filesystem::path& path) { ReplaceFile(path, PngBytes(Image())); }
+
+void QtImageDevice::NewPage() {
+  if (!sink_) return;
+  sink_(Image());
+  image_->fill(Qt::white);  // the next sheet: the font and the pen go on
+}
+
+void QtImageDevice::EndDoc() {
+  if (sink_ && !done_) sink_(Image());
+  done_ = true;
+  QtSurface::EndDoc();
+}
+
+std::string PngBytes(const QImage& image) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  image.save(&buffer, "PNG");
+  return bytes.toStdString();
 }
 
 // One printer: its paint device and the surface on it. A PDF is drawn into
@@ -225,6 +285,7 @@ struct QtPrinters::Target {
   std::unique_ptr<QBuffer> pdf;  // outlives the writer drawing into it
   std::unique_ptr<QPagedPaintDevice> device;
   std::unique_ptr<QtSurface> surface;  // goes first, ending its painter
+  QtImageDevice* pictures = nullptr;   // the surface, when the pages are pictures
 };
 
 QtPrinters::QtPrinters() = default;
@@ -249,6 +310,7 @@ std::unique_ptr<QtPrinters> QtPrinters::ToPdf(const std::filesystem::path& file)
 void QtPrinters::Finish() {
   for (auto& [name, target] : targets_) {
     if (!target) continue;
+    target->pictures = nullptr;
     target->surface.reset();  // ends the painter: the document is complete
     target->device.reset();
     if (target->pdf) ReplaceFile(pdfFile_, target->pdf->data().toStdString());
@@ -258,6 +320,23 @@ void QtPrinters::Finish() {
 std::unique_ptr<QtPrinters> QtPrinters::ToDefaultPrinter() {
   std::unique_ptr<QtPrinters> printers(new QtPrinters());
   printers->current_ = QPrinterInfo::defaultPrinterName().toStdString();
+  return printers;
+}
+
+std::unique_ptr<QtPrinters> QtPrinters::ToPictures(const std::filesystem::path& folder, const std::string& stem,
+                                                   double dotsPerInch) {
+  std::unique_ptr<QtPrinters> printers(new QtPrinters());
+  auto target = std::make_unique<Target>();
+  auto pictures = std::make_unique<QtImageDevice>(8.5, 11.0, dotsPerInch);
+  pictures->SetPageSink([folder, stem, page = 0](const QImage& image) mutable {
+    char number[16];
+    std::snprintf(number, sizeof number, "%05d", ++page);
+    ReplaceFile(folder / (stem + "-" + number + ".png"), PngBytes(image));
+  });
+  target->pictures = pictures.get();
+  target->surface = std::move(pictures);
+  printers->current_ = (folder / stem).string();
+  printers->targets_.emplace(printers->current_, std::move(target));
   return printers;
 }
 
@@ -289,7 +368,17 @@ void QtPrinters::Select(const std::string& deviceName) { current_ = deviceName; 
 
 void QtPrinters::SetOrientation(int16_t orientation) {
   orientation_ = orientation;
-  Current().device->setPageOrientation(orientation == 2 ? QPageLayout::Landscape : QPageLayout::Portrait);
+  Target& target = Current();
+  if (target.pictures != nullptr) {
+    // Letter paper, as the printers have it.
+    if (orientation == 2) {
+      target.pictures->Resize(11.0, 8.5);
+    } else {
+      target.pictures->Resize(8.5, 11.0);
+    }
+    return;
+  }
+  target.device->setPageOrientation(orientation == 2 ? QPageLayout::Landscape : QPageLayout::Portrait);
 }
 
 bool QtPrinters::SetPaperBin(int32_t bin) {

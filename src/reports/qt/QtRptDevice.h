@@ -5,6 +5,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -46,6 +47,8 @@ class QtSurface : public RptSurface {
   void EndDoc() override;
 
  protected:
+  // Ends the painting so far; the next drawing starts it again.
+  void PausePainting();
   double DotsPerInch() const override;
   double PageWidthPixels() const override;
   double PageHeightPixels() const override;
@@ -61,18 +64,39 @@ class QtSurface : public RptSurface {
   std::unique_ptr<Impl> impl_;
 };
 
-// A surface on an image of the given size in inches, white to start with.
+// A surface on an image of the given size in inches, white to start with:
+// the preview's picture, or a report's pages as pictures.
 class QtImageDevice final : public QtSurface {
  public:
+  using PageSink = std::function<void(const QImage& page)>;
+
   QtImageDevice(double widthInches, double heightInches, double dotsPerInch);
   ~QtImageDevice() override;
-  // Finishes the painting and writes the image as a PNG file.
-  bool SavePng(const std::filesystem::path& path);
+  // A new white page of that size, at the same resolution.
+  void Resize(double widthInches, double heightInches);
+  // A fresh page: white, and drawn on as a new surface.
+  void Clear();
+  // The page as painted so far.
+  const QImage& Image();
+  // Writes the image as a PNG file in place of the file of that name;
+  // raises, naming the file, when it can't.
+  void SavePng(const std::filesystem::path& path);
+  // With a sink, each finished page (at a new page and at the end of the
+  // document) is handed to it and the next one starts white.
+  void SetPageSink(PageSink sink) { sink_ = std::move(sink); }
+
+  void NewPage() override;
+  void EndDoc() override;
 
  private:
   explicit QtImageDevice(std::unique_ptr<QImage> image);
   std::unique_ptr<QImage> image_;
+  PageSink sink_;
+  bool done_ = false;
 };
+
+// A picture's bytes as a PNG file.
+std::string PngBytes(const QImage& image);
 
 // The system printer and the installed printers. The system printer is a
 // PDF file, or the platform's default printer.
@@ -80,6 +104,10 @@ class QtPrinters final : public IRptPrinters {
  public:
   static std::unique_ptr<QtPrinters> ToPdf(const std::filesystem::path& file);
   static std::unique_ptr<QtPrinters> ToDefaultPrinter();
+  // Each page a PNG picture in the folder, named STEM-00001.png and on, at
+  // the resolution given.
+  static std::unique_ptr<QtPrinters> ToPictures(const std::filesystem::path& folder, const std::string& stem,
+                                                double dotsPerInch);
   ~QtPrinters() override;
 
   IRptDevice& Printer() override;
