@@ -369,11 +369,13 @@ std::string RptEngine::ElementText(const Value& value, const std::string& format
 
 void RptEngine::DrawText(const clsPrintElement& e, std::string text, bool Absolute) {
   IRptDevice& device = *device_;
-  ReplaceAll(text, "%p", std::to_string(pageNo_));
-  ReplaceAll(text, "%c", Company);
-  ReplaceAll(text, "%t", Title);
-  ReplaceAll(text, "%s", SubTitle);
-  ReplaceAll(text, "%d", ShortDate(clock_.Now()));
+  if (text.find('%') != std::string::npos) {
+    ReplaceAll(text, "%p", std::to_string(pageNo_));
+    ReplaceAll(text, "%c", Company);
+    ReplaceAll(text, "%t", Title);
+    ReplaceAll(text, "%s", SubTitle);
+    if (text.find("%d") != std::string::npos) ReplaceAll(text, "%d", ShortDate(clock_.Now()));
+  }
   if (e.Width != 0) text = WraptoWidth(text, e.Width);
 
   const bool broken = text.find(kRptLineBreak) != std::string::npos;

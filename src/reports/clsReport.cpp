@@ -1,7 +1,9 @@
 #include "reports/clsReport.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <string_view>
 
 #include "base/DateText.h"
 #include "base/Numbers.h"
@@ -9,6 +11,77 @@
 #include "exchange/ExchangeText.h"
 
 namespace hifx {
+
+// The fields of a record that the report reads.
+enum ReportField : size_t {
+  fRecType,
+  fRouteNbr,
+  fStatus,
+  fDigits,
+  fDecimals,
+  fReadType,
+  fCurReading,
+  fReadingDate,
+  fReadingTime,
+  fMeterTagNbr,
+  fTamperCount,
+  fPrvReading,
+  fMinReading,
+  fMaxReading,
+  fLstReadingDate,
+  fServiceUniqueID,
+  fMeterType,
+  fMeterSerialNbr,
+  fBillingName,
+  fServiceAddress,
+  fResponseText,
+  fResponseCode,
+  fInitials,
+  kReportFields
+};
+
+constexpr std::array<std::string_view, kReportFields> kReportFieldNames = {
+    "RecType",
+    "RouteNbr",
+    "Status",
+    "Digits",
+    "Decimals",
+    "ReadType",
+    "CurReading",
+    "ReadingDate",
+    "ReadingTime",
+    "MeterTagNbr",
+    "TamperCount",
+    "PrvReading",
+    "MinReading",
+    "MaxReading",
+    "LstReadingDate",
+    "ServiceUniqueID",
+    "MeterType",
+    "MeterSerialNbr",
+    "BillingName",
+    "ServiceAddress",
+    "ResponseText",
+    "ResponseCode",
+    "Initials"};
+
+// One record as the report reads it. The fields' places in the file's
+// schema are found once a run; a field the schema lacks reads null.
+struct ReportRow {
+  std::array<int16_t, kReportFields> index{};
+  std::array<Value, kReportFields> value;
+
+  void Resolve(clsPalmDB& db) {
+    for (size_t f = 0; f < kReportFields; ++f) index[f] = db.FindItem(kReportFieldNames[f]);
+  }
+  void Read(clsPalmDB& db) {
+    for (size_t f = 0; f < kReportFields; ++f) value[f] = db.Item(static_cast<int32_t>(index[f]));
+  }
+  bool Has(ReportField f) const { return index[f] != 0; }
+  const Value& operator[](ReportField f) const { return value[f]; }
+  Value& operator[](ReportField f) { return value[f]; }
+};
+
 namespace {
 
 // Detail cells, and the column titles of the unit header behind its four
@@ -35,14 +108,7 @@ constexpr size_t kReaderCell = 3;
 
 const std::string kBreak(kRptLineBreak);
 
-// A field of the record; a field its schema lacks is null.
-Value Field(const KeyedCollection<Value>& values, std::string_view name) {
-  return values.Contains(name) ? values.Item(name) : Value::Null();
-}
-
-int32_t Number(const KeyedCollection<Value>& values, std::string_view name) {
-  return NumberOf(Field(values, name));
-}
+int32_t Number(const Value& value) { return NumberOf(value); }
 
 // Characters start to start + length - 1 of the text, counted from 1.
 std::string Mid(const std::string& text, size_t start, size_t length) {
@@ -59,9 +125,7 @@ std::string MeterLetter(const Value& meterType) {
 }
 
 // Shown only when not 0.
-std::string NonZero(const KeyedCollection<Value>& values, std::string_view name) {
-  return Number(values, name) != 0 ? TextOf(Field(values, name)) : std::string();
-}
+std::string NonZero(const Value& value) { return Number(value) != 0 ? TextOf(value) : std::string(); }
 
 std::string WithResponse(std::string text, const std::string& response) {
   if (!response.empty()) text += kBreak + response;
@@ -77,14 +141,14 @@ struct RowNumbers {
   int32_t date = 0;
 };
 
-RowNumbers NumbersOf(const KeyedCollection<Value>& values) {
-  return {Number(values, "Status"), Number(values, "Digits"), Number(values, "ReadType"),
-          Number(values, "CurReading"), Number(values, "ReadingDate")};
+RowNumbers NumbersOf(const ReportRow& values) {
+  return {Number(values[fStatus]), Number(values[fDigits]), Number(values[fReadType]),
+          Number(values[fCurReading]), Number(values[fReadingDate])};
 }
 
 // The Reading cell: "--" unread, else the reading on as many dials as the
 // meter has, with "*" behind a keyed one.
-std::string ReadingText(const KeyedCollection<Value>& values, const RowNumbers& row) {
+std::string ReadingText(const ReportRow& values, const RowNumbers& row) {
   std::string reading;
   if (row.status == 0) {
     reading = "--";
@@ -92,15 +156,15 @@ std::string ReadingText(const KeyedCollection<Value>& values, const RowNumbers& 
     const std::string zeros = FormatZeros(row.current, 8);
     reading = zeros.substr(zeros.size() - std::min<size_t>(static_cast<size_t>(row.digits), zeros.size()));
   } else {
-    reading = TextOf(Field(values, "CurReading"));
+    reading = TextOf(values[fCurReading]);
   }
   if (row.readType == 2 && row.status > 0) reading += "*";
   return reading;
 }
 
 // The Date/Time cell: yyyy/mm/dd over hh:nn:ss, either empty when not set.
-std::string DateTimeText(const KeyedCollection<Value>& values, const RowNumbers& row) {
-  const int32_t time = Number(values, "ReadingTime");
+std::string DateTimeText(const ReportRow& values, const RowNumbers& row) {
+  const int32_t time = Number(values[fReadingTime]);
   std::string dateTime;
   if (row.date > 0) {
     const std::string d = std::to_string(row.date);
@@ -116,25 +180,25 @@ std::string DateTimeText(const KeyedCollection<Value>& values, const RowNumbers&
 
 // The Account/Meter cell: the account with its runs of blanks made one, over
 // the meter type letter and the serial number.
-std::string AccountMeterText(const KeyedCollection<Value>& values) {
-  std::string service = TextOf(Field(values, "ServiceUniqueID"));
+std::string AccountMeterText(const ReportRow& values) {
+  std::string service = TextOf(values[fServiceUniqueID]);
   for (const char* run : {"     ", "    ", "   ", "  "}) ReplaceAll(service, run, " ");
-  const std::string letter = MeterLetter(Field(values, "MeterType"));
-  return service + kBreak + letter + " " + TextOf(Field(values, "MeterSerialNbr"));
+  const std::string letter = MeterLetter(values[fMeterType]);
+  return service + kBreak + letter + " " + TextOf(values[fMeterSerialNbr]);
 }
 
 // The cells of a meter row, the exception apart.
-void FillMeterCells(RptElements& detail, const KeyedCollection<Value>& values, const RowNumbers& row) {
-  detail[kTransponder].Value = Field(values, "MeterTagNbr");
-  detail[kTamper].Value = Field(values, "TamperCount");
+void FillMeterCells(RptElements& detail, const ReportRow& values, const RowNumbers& row) {
+  detail[kTransponder].Value = values[fMeterTagNbr];
+  detail[kTamper].Value = values[fTamperCount];
   detail[kReading].Value = Value(ReadingText(values, row));
   detail[kDateTime].Value = Value(DateTimeText(values, row));
-  detail[kPrevious].Value = Value(NonZero(values, "PrvReading"));
-  detail[kMin].Value = Value(NonZero(values, "MinReading"));
-  detail[kMax].Value = Value(NonZero(values, "MaxReading"));
+  detail[kPrevious].Value = Value(NonZero(values[fPrvReading]));
+  detail[kMin].Value = Value(NonZero(values[fMinReading]));
+  detail[kMax].Value = Value(NonZero(values[fMaxReading]));
   detail[kAccountMeter].Value = Value(AccountMeterText(values));
   detail[kBillingAddress].Value =
-      Value(TextOf(Field(values, "BillingName")) + kBreak + TextOf(Field(values, "ServiceAddress")));
+      Value(TextOf(values[fBillingName]) + kBreak + TextOf(values[fServiceAddress]));
 }
 
 // A row's exception text and the report types it prints in.
@@ -145,10 +209,10 @@ struct RowException {
 
 // The first test that matches gives the words and the mask; a tamper count
 // adds "TAMPER" whatever the words.
-RowException ExceptionOf(const KeyedCollection<Value>& values, const RowNumbers& row) {
-  const std::string response = TextOf(Field(values, "ResponseText"));
-  const int32_t minimum = Number(values, "MinReading");
-  const int32_t maximum = Number(values, "MaxReading");
+RowException ExceptionOf(const ReportRow& values, const RowNumbers& row) {
+  const std::string response = TextOf(values[fResponseText]);
+  const int32_t minimum = Number(values[fMinReading]);
+  const int32_t maximum = Number(values[fMaxReading]);
   const int32_t current = row.current;
   RowException exception;
   if (row.status == 0) {
@@ -158,18 +222,18 @@ RowException ExceptionOf(const KeyedCollection<Value>& values, const RowNumbers&
   } else if (minimum < maximum && (current < minimum || current > maximum)) {
     exception = {WithResponse(current < minimum ? "Low Reading" : "High Reading", response),
                  kReportException | kReportReading};
-  } else if (current < Number(values, "PrvReading")) {
+  } else if (current < Number(values[fPrvReading])) {
     exception = {WithResponse("Rollover", response), kReportException | kReportReading};
   } else if (minimum > maximum && current > maximum && current < minimum) {
     // A range that wraps past the end of the dials: the words are swapped.
     exception = {WithResponse(current < minimum ? "High Reading" : "Low Reading", response),
                  kReportException | kReportReading};
-  } else if (row.readType == 2 && Number(values, "ResponseCode") != 0) {
+  } else if (row.readType == 2 && Number(values[fResponseCode]) != 0) {
     exception = {WithResponse("Manually Read", response), kReportException | kReportReading};
   } else {
     exception = {response, kReportReading | (response.empty() ? 0 : kReportException)};
   }
-  if (Number(values, "TamperCount") != 0) exception.text += (exception.text.empty() ? "" : kBreak) + "TAMPER";
+  if (Number(values[fTamperCount]) != 0) exception.text += (exception.text.empty() ? "" : kBreak) + "TAMPER";
   return exception;
 }
 
@@ -181,12 +245,12 @@ void FillOrphanCells(RptElements& detail) {
 
 // An orphan's limits hold the tags heard nearest to it: "Nearby:" and those
 // that are set, or nothing.
-std::string NearbyText(const KeyedCollection<Value>& values) {
+std::string NearbyText(const ReportRow& values) {
   std::string nearby;
-  for (const char* name : {"PrvReading", "MaxReading", "MinReading", "LstReadingDate"}) {
-    if (Number(values, name) == 0) continue;
+  for (const ReportField field : {fPrvReading, fMaxReading, fMinReading, fLstReadingDate}) {
+    if (Number(values[field]) == 0) continue;
     if (!nearby.empty()) nearby += " ";
-    nearby += TextOf(Field(values, name));
+    nearby += TextOf(values[field]);
   }
   return nearby.empty() ? nearby : "Nearby:" + nearby;
 }
@@ -203,11 +267,14 @@ std::string ReportTitle(int32_t reportType) {
 }
 
 clsReport::clsReport(IShell& shell, const IClock& clock, IRptPrinters& printers, IUserSettings& settings)
-    : shell_(shell), clock_(clock), settings_(settings), printers_(printers), engine_(shell, clock, printers) {
+    : shell_(shell), clock_(clock), settings_(settings), printers_(printers), engine_(shell, clock, printers),
+      row_(std::make_unique<ReportRow>()) {
   // Landscape letter paper.
   engine_.PageSetup(11.0f, 8.5f, 0.25f, 0.5f, 0.2f, 0.75f, 7.25f);
   engine_.SetPrintEvent([this](int16_t code, int16_t level, float& height) { p_PrintEvent(code, level, height); });
 }
+
+clsReport::~clsReport() = default;
 
 void clsReport::SetTray(std::string_view tray) { tray_ = Value(std::string(tray)).ToInt16(); }
 
@@ -278,6 +345,7 @@ void clsReport::p_PrintEvent(int16_t code, int16_t, float& height) {
   switch (code) {
     case 0:
       hif_->Rewind();
+      row_->Resolve(hif_->DB());
       lineHeight_ = engine_.LineHeight();
       BuildArrays();
       break;
@@ -311,7 +379,8 @@ void clsReport::PrintRow(float& height) {
     height = 0;
     return;
   }
-  KeyedCollection<Value> values = hif_->GetValues();
+  ReportRow& values = *row_;
+  values.Read(hif_->DB());
   if (recType == kRecFileHeader) {
     TakeUnitRecord(values);
     height = 0;
@@ -324,9 +393,9 @@ void clsReport::PrintRow(float& height) {
   }
 
   if (unitHeaderDue_) PrintUnitHeader(values, height);
-  if (recType == kRecMeter && values.Contains("RouteNbr")) {
-    const auto it = initials_.find(Number(values, "RouteNbr"));
-    values.Set("RouteNbr", Value(it == initials_.end() ? std::string() : it->second));
+  if (recType == kRecMeter && values.Has(fRouteNbr)) {
+    const auto it = initials_.find(Number(values[fRouteNbr]));
+    values[fRouteNbr] = Value(it == initials_.end() ? std::string() : it->second);
   }
   ScaleReading(values);
   const RowNumbers row = NumbersOf(values);
@@ -343,35 +412,35 @@ void clsReport::PrintRow(float& height) {
   height = (reportType_ & exception.mask) != 0 ? engine_.PrintElements(detail_, false) + lineHeight_ / 2 : 0.0f;
 }
 
-void clsReport::TakeUnitRecord(const KeyedCollection<Value>& values) {
+void clsReport::TakeUnitRecord(const ReportRow& values) {
   // Here RouteNbr counts the routes.
-  routeCount_ = Number(values, "RouteNbr");
+  routeCount_ = Number(values[fRouteNbr]);
   initials_.clear();
   unitHeaderDue_ = true;
-  unitHeader_[kUnitIdCell].Value = Value(TextOf(Field(values, "ResponseText")));
+  unitHeader_[kUnitIdCell].Value = Value(TextOf(values[fResponseText]));
 }
 
-void clsReport::TakeRouteRecord(const KeyedCollection<Value>& values) {
-  const int32_t route = Number(values, "RouteNbr");
-  if (route >= 0 && route <= routeCount_) initials_[route] = TextOf(Field(values, "Initials"));
+void clsReport::TakeRouteRecord(const ReportRow& values) {
+  const int32_t route = Number(values[fRouteNbr]);
+  if (route >= 0 && route <= routeCount_) initials_[route] = TextOf(values[fInitials]);
 }
 
-void clsReport::PrintUnitHeader(const KeyedCollection<Value>& values, float& height) {
+void clsReport::PrintUnitHeader(const ReportRow& values, float& height) {
   unitHeaderDue_ = false;
-  unitHeader_[kReaderCell].Value = Value(TextOf(Field(values, "Initials")));
+  unitHeader_[kReaderCell].Value = Value(TextOf(values[fInitials]));
   // The engine moves down by the event's height, so the header's height goes
   // there before the row's own.
   height = engine_.PrintElements(unitHeader_, false) + lineHeight_ / 2;
   engine_.AddSectionHeight(height);
 }
 
-void clsReport::ScaleReading(KeyedCollection<Value>& values) {
-  const int32_t decimals = Number(values, "Decimals");
-  if (decimals <= 0 || !values.Contains("CurReading")) return;
+void clsReport::ScaleReading(ReportRow& values) {
+  const int32_t decimals = Number(values[fDecimals]);
+  if (decimals <= 0 || !values.Has(fCurReading)) return;
   const Value whole = Value::Long(static_cast<int32_t>(
-      std::trunc(Number(values, "CurReading") / PowerOfTen(std::min(decimals, 9)))));
+      std::trunc(Number(values[fCurReading]) / PowerOfTen(std::min(decimals, 9)))));
   hif_->SetItem("CurReading", whole);
-  values.Set("CurReading", whole);
+  values[fCurReading] = whole;
 }
 
 }  // namespace hifx

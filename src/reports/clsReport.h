@@ -11,7 +11,6 @@
 #include <unordered_map>
 
 #include "base/Clock.h"
-#include "base/KeyedCollection.h"
 #include "base/Shell.h"
 #include "base/UserSettings.h"
 #include "base/Value.h"
@@ -32,9 +31,14 @@ enum ReportType : int32_t {
 // The report's name as the main window titles it: "Reading Report", ...
 std::string ReportTitle(int32_t reportType);
 
+struct ReportRow;
+
 class clsReport {
  public:
   clsReport(IShell& shell, const IClock& clock, IRptPrinters& printers, IUserSettings& settings);
+  ~clsReport();
+  clsReport(const clsReport&) = delete;
+  clsReport& operator=(const clsReport&) = delete;
 
   // Makes the preview window of a run with preview on; a report without one
   // has nothing to preview on.
@@ -63,15 +67,15 @@ class clsReport {
   void PrintRow(float& height);
   // The unit record: the unit ID, a fresh list of initials, and the unit
   // header due at the next row.
-  void TakeUnitRecord(const KeyedCollection<Value>& values);
+  void TakeUnitRecord(const ReportRow& values);
   // A route record: its reader's initials.
-  void TakeRouteRecord(const KeyedCollection<Value>& values);
+  void TakeRouteRecord(const ReportRow& values);
   // Prints the unit header with the row's reader; height is the detail
   // event's.
-  void PrintUnitHeader(const KeyedCollection<Value>& values, float& height);
+  void PrintUnitHeader(const ReportRow& values, float& height);
   // A register with decimals reads in whole dial units, in the record too,
   // so the tests of the row see the same number.
-  void ScaleReading(KeyedCollection<Value>& values);
+  void ScaleReading(ReportRow& values);
 
   IShell& shell_;
   const IClock& clock_;
@@ -82,6 +86,7 @@ class clsReport {
   int16_t tray_ = 0;
   int32_t reportType_ = 0;
   std::unique_ptr<clsHIF> hif_;
+  std::unique_ptr<ReportRow> row_;  // the record being printed
   float lineHeight_ = 0;
   RptElements pageHeader_;
   RptElements pageFooter_;

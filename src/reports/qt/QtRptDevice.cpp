@@ -88,8 +88,11 @@ struct QtSurface::Impl {
   static constexpr double kLayoutDotsPerInch = 1200.0;
   double textScale = 1.0;  // layout pixels a device pixel
 
-  Impl(QPaintDevice& d, QPagedPaintDevice* p) : device(d), paged(p), raster(d.devType() == QInternal::Image) {
-    if (raster) textScale = kLayoutDotsPerInch / d.logicalDpiX();
+  double dotsPerInch;  // asked of the device once: the asking is not cheap
+
+  Impl(QPaintDevice& d, QPagedPaintDevice* p)
+      : device(d), paged(p), raster(d.devType() == QInternal::Image), dotsPerInch(d.logicalDpiX()) {
+    if (raster) textScale = kLayoutDotsPerInch / dotsPerInch;
   }
 
   const Measured& For(const RptFont& f) const {
@@ -131,7 +134,7 @@ struct QtSurface::Impl {
     QPainter& p = Painter();
     QPen pen(Qt::black);
     // A printer's one-pixel line would be a hairline at PDF resolution.
-    pen.setWidthF(std::max(1.0, device.logicalDpiX() / 300.0));
+    pen.setWidthF(std::max(1.0, dotsPerInch / 300.0));
     p.setPen(pen);
     if (!raster) return;
     switch (drawMode) {
@@ -149,7 +152,7 @@ QtSurface::~QtSurface() {
   if (impl_->painter.isActive()) impl_->painter.end();
 }
 
-double QtSurface::DotsPerInch() const { return impl_->device.logicalDpiX(); }
+double QtSurface::DotsPerInch() const { return impl_->dotsPerInch; }
 double QtSurface::PageWidthPixels() const { return impl_->device.width(); }
 double QtSurface::PageHeightPixels() const { return impl_->device.height(); }
 
