@@ -28,6 +28,7 @@
 #include "shell/frmFavorites.h"
 #include "shell/frmHIFView.h"
 #include "shell/frmOptions.h"
+#include "shell/frmPreview.h"
 #include "shell/frmReports.h"
 #include "shell/frmUnitInstall.h"
 
@@ -266,33 +267,26 @@ void frmMain::cmdReading_Click() {
 
 void frmMain::RunReport(bool preview, int32_t type, const std::string& title) {
   const std::filesystem::path source = session_.Exchange().ReadingSource;
-  std::filesystem::path pdf;
-  std::unique_ptr<QtPrinters> printers;
-  if (preview) {
-    // Until the program has a preview window of its own, a preview is the
-    // report as a PDF in the temporary folder, shown by the PDF reader.
-    QTemporaryFile file(QDir::tempPath() + "/hifx-preview-XXXXXX.pdf");
-    file.setAutoRemove(false);
-    if (!file.open()) return;
-    pdf = PathFromQt(file.fileName());
-  } else if (QPrinterInfo::availablePrinterNames().isEmpty()) {
-    // A desk without a printer keeps the report as a PDF of its choice.
-    const auto chosen = SaveFileDialog(
-        this, {"Save " + ToQt(title), "PDF Files (*.pdf)|*.pdf", "pdf",
-               PathToQt(std::filesystem::absolute(source).parent_path() / (title + ".pdf"))});
-    if (!chosen) return;
-    pdf = *chosen;
-  }
-  printers = pdf.empty() ? QtPrinters::ToDefaultPrinter() : QtPrinters::ToPdf(pdf);
+  // A desk without a printer keeps what it prints as a PDF of its choice,
+  // asked for once the report is done.
+  const bool printer = !QPrinterInfo::availablePrinterNames().isEmpty();
+  std::unique_ptr<QtPrinters> printers = printer ? QtPrinters::ToDefaultPrinter() : QtPrinters::ToPdf({});
   clsReport report(shell_, session_.Clock(), *printers, settings_);
+  report.SetPreviewWindow([this] { return std::make_unique<frmPreview>(this); });
   try {
-    if (!report.Begin(false, source, type, title)) return;
+    if (!report.Begin(preview, source, type, title) || !printers->Printed()) return;
+    if (!printer) {
+      const auto chosen = SaveFileDialog(
+          this, {"Save " + ToQt(title.empty() ? ReportTitle(type) : title), "PDF Files (*.pdf)|*.pdf", "pdf",
+                 PathToQt(std::filesystem::absolute(source).parent_path() /
+                          ((title.empty() ? ReportTitle(type) : title) + ".pdf"))});
+      if (!chosen) return;
+      printers->SetPdfFile(*chosen);
+    }
     printers->Finish();
   } catch (const Failure& failure) {
     shell_.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
-    return;
   }
-  if (preview) opener_(pdf);
 }
 
 void frmMain::EnableLogButtons(bool on) {

@@ -114,7 +114,12 @@ class ModalScript {
     last_ = modal;
     // The step runs from a timer of its own: a window it brings up in turn
     // is then answered by this one.
-    QTimer::singleShot(0, modal, [step, modal] { step(modal); });
+    // A window kept between showings (the page preview, a chooser asked
+    // again) counts as a new one once its step has closed it.
+    QTimer::singleShot(0, modal, [this, step, modal] {
+      step(modal);
+      if (!modal->isVisible()) last_ = nullptr;
+    });
   }
 
   QTimer timer_;

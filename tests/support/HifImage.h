@@ -15,8 +15,8 @@
 
 namespace hifx::test {
 
-// A PDB HIF: the 78-byte header, a table of `slots` slots, the records.
-inline std::string PdbImage(uint32_t slots, const std::vector<std::string>& records) {
+// A PDB HIF: the 78-byte header, a table of `slotCount` slots, the records.
+inline std::string PdbImage(uint32_t slotCount, const std::vector<std::string>& records) {
   std::string header = std::string("RouteHIF") + std::string(24, '\0');  // name
   header += std::string(28, '\0');                                        // attributes to SortInfo
   header += "DATAqHVN";
@@ -24,13 +24,13 @@ inline std::string PdbImage(uint32_t slots, const std::vector<std::string>& reco
   header += BigEndian(static_cast<uint32_t>(records.size()), 2);
   std::string table;
   std::string data;
-  uint32_t offset = 78 + 8 * slots;
+  uint32_t offset = 78 + 8 * slotCount;
   for (size_t i = 0; i < records.size(); ++i) {
     table += BigEndian(offset, 4) + '\0' + '\0' + BigEndian(static_cast<uint32_t>(i), 2);
     offset += static_cast<uint32_t>(records[i].size());
     data += records[i];
   }
-  table.resize(8 * slots, '\0');
+  table.resize(8 * slotCount, '\0');
   return header + table + data;
 }
 
@@ -43,9 +43,9 @@ inline std::string VfsImage(const std::vector<std::string>& records) {
   return bytes;
 }
 
-inline std::string HifImage(int32_t fileType, uint32_t slots,
+inline std::string HifImage(int32_t fileType, uint32_t slotCount,
                             const std::vector<std::string>& records) {
-  return fileType == kFilePDB ? PdbImage(slots, records) : VfsImage(records);
+  return fileType == kFilePDB ? PdbImage(slotCount, records) : VfsImage(records);
 }
 
 // One field of a record being written: a number or a text.
@@ -62,10 +62,10 @@ struct Field {
 class HifWriter {
  public:
   HifWriter(IShell& shell, const std::filesystem::path& path, int16_t version = 3, int32_t fileType = kFilePDB,
-            int32_t slots = 100)
+            int32_t slotCount = 100)
       : hif(shell) {
     hif.SetVersion(version);
-    hif.CreateHIF(path, fileType, slots);
+    hif.CreateHIF(path, fileType, slotCount);
   }
   void Add(std::initializer_list<Field> fields) {
     hif.AddNew();
@@ -84,9 +84,9 @@ class HifWriter {
 
 // Writes the records, as they are, to a new file of that container.
 inline void WriteRecords(IShell& shell, const std::filesystem::path& path, int32_t fileType,
-                         int32_t slots, const std::vector<std::string>& records) {
+                         int32_t slotCount, const std::vector<std::string>& records) {
   clsHIF hif(shell);
-  hif.CreateHIF(path, fileType, slots);
+  hif.CreateHIF(path, fileType, slotCount);
   for (const auto& record : records) {
     hif.SetRawData(record);
     hif.WriteData();

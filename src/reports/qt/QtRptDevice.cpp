@@ -310,6 +310,13 @@ std::unique_ptr<QtPrinters> QtPrinters::ToPdf(const std::filesystem::path& file)
   return printers;
 }
 
+bool QtPrinters::Printed() const {
+  for (const auto& [name, target] : targets_) {
+    if (target && target->surface && target->pictures == nullptr) return true;
+  }
+  return false;
+}
+
 void QtPrinters::Finish() {
   for (auto& [name, target] : targets_) {
     if (!target) continue;

@@ -116,6 +116,11 @@ class QtPrinters final : public IRptPrinters {
   void Select(const std::string& deviceName) override;
   void SetOrientation(int16_t orientation) override;
   bool SetPaperBin(int32_t bin) override;
+  // Whether anything was printed: a preview closed without printing prints
+  // nothing.
+  bool Printed() const;
+  // Where the PDF goes, when the file is chosen once the report is done.
+  void SetPdfFile(const std::filesystem::path& file) { pdfFile_ = file; }
   // Ends every document; a PDF is then written whole in place of the file of
   // its name. Raises, naming the file, when that fails.
   void Finish();
