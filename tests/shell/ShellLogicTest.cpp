@@ -1,6 +1,7 @@
 // What the desktop program's windows decide without a toolkit: where a
 // window goes, how the program starts, the report choice, the login and
-// the prompt window's checks, and the guard against a second run.
+// the prompt window's checks, the guard against a second run, and the page
+// preview's keys and zoom.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -11,6 +12,7 @@
 #include "shell/DialogLogic.h"
 #include "shell/MainWindowLogic.h"
 #include "shell/Placement.h"
+#include "shell/PreviewLogic.h"
 #include "shell/StartUp.h"
 #include "support/RouteSite.h"
 #include "support/TempDir.h"
@@ -239,6 +241,44 @@ TEST(MainWindow, ALoadTakesTheOnlyDistributionOfTheFolderWithoutAsking) {
   EXPECT_EQ(SoleDistribution(dir.path()), dir.path() / "site.DST");
   std::ofstream(dir.path() / "other.dst") << "DIST 1.0\r\n";
   EXPECT_EQ(SoleDistribution(dir.path()), std::nullopt) << "two: the person chooses";
+}
+
+TEST(PreviewLogic, KeysAndDragsMoveThePageWithinTheBars) {
+  ScrollBar h{0, 300, 10, 100};
+  ScrollBar v{0, 500, 20, 400};
+  const auto move = [&](int key) {
+    EXPECT_TRUE(MoveByKey(key, h, v)) << key;
+    return std::pair(h.value, v.value);
+  };
+  EXPECT_EQ(move(kKeyDown), std::pair(0, 20));
+  EXPECT_EQ(move(kKeyPageDown), std::pair(0, 420));
+  EXPECT_EQ(move(kKeyPageDown), std::pair(0, 500));  // not past the end
+  EXPECT_EQ(move(kKeyUp), std::pair(0, 480));
+  EXPECT_EQ(move(kKeyHome), std::pair(0, 0));
+  EXPECT_EQ(move(kKeyPageUp), std::pair(0, 0));
+  EXPECT_EQ(move(kKeyEnd), std::pair(0, 500));
+  EXPECT_EQ(move(kKeyRight), std::pair(10, 500));
+  EXPECT_EQ(move(kKeyLeft), std::pair(0, 500));
+  EXPECT_EQ(move(kKeyLeft), std::pair(0, 500));
+  EXPECT_FALSE(MoveByKey(65, h, v));
+  // Dragging the page up and left shows more of its right and its foot.
+  MoveByDrag(-50, -700, h, v);
+  EXPECT_EQ(std::pair(h.value, v.value), std::pair(50, 500));
+  MoveByDrag(80, 30, h, v);
+  EXPECT_EQ(std::pair(h.value, v.value), std::pair(0, 470));
+}
+
+TEST(PreviewLogic, ThePageOnScreenForEachZoomAndTheClosedWindowsAction) {
+  // Landscape letter at 96 pixels an inch: 1056 by 816 at its printed size.
+  EXPECT_EQ(PageOnScreen(PreviewZoom::ActualSize, 11, 8.5, {400, 300}, 96).width, 1056);
+  const Size wide = PageOnScreen(PreviewZoom::FitWidth, 11, 8.5, {1100, 500}, 96);
+  EXPECT_EQ(std::pair(wide.width, wide.height), std::pair(1100, 850));
+  const Size whole = PageOnScreen(PreviewZoom::WholePage, 11, 8.5, {1100, 425}, 96);
+  EXPECT_EQ(std::pair(whole.width, whole.height), std::pair(550, 425));
+  // A frame too small for anything still shows a page an inch across.
+  EXPECT_EQ(PageOnScreen(PreviewZoom::WholePage, 11, 8.5, {0, 0}, 96).width, 96);
+  EXPECT_EQ(PreviewAction(""), "CLOSE");
+  EXPECT_EQ(PreviewAction("NEXT"), "NEXT");
 }
 
 }  // namespace
