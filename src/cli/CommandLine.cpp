@@ -232,6 +232,7 @@ int Main(int argc, const char* const* argv) {
   AddDeliveryCommands(table);
   AddConversionCommands(table);
   AddReportCommand(table);
+  AddCheckCommand(table);
 
   try {
     root.parse(argc, argv);

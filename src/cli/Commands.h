@@ -53,6 +53,7 @@ void AddSiteCommands(CommandTable& table);        // settings, site, dist, regis
 void AddDeliveryCommands(CommandTable& table);    // users, install
 void AddConversionCommands(CommandTable& table);  // route, reread, reading
 void AddReportCommand(CommandTable& table);       // report
+void AddCheckCommand(CommandTable& table);        // check
 
 // The whole command line: parses it, runs the command, says any failure;
 // returns the exit status.

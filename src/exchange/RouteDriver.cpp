@@ -232,9 +232,9 @@ bool clsExchange::ConvertRoute() {
     WriteCodeRecords();
     SettleRouteFile(result, closingLine);
   } catch (const Failure& failure) {
-    env_.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
+    ShowRouteFailure(failure.Description());
   } catch (const std::exception& failure) {
-    env_.shell.MsgBox(Describe(failure), "Error", MsgButtons::OK, MsgIcon::Critical);
+    ShowRouteFailure(Describe(failure));
   }
   if (closingLine) LogRouteClosing();
   SeenTags = KeyedCollection<std::string>();
@@ -283,8 +283,21 @@ bool clsExchange::RecordsFit(int32_t meters, int32_t routes) {
 }
 
 bool clsExchange::Fail(const std::string& line) {
+  if (check_ != nullptr) {
+    check_->Fault({0, {}, {}, kFaultStop, line});
+    check_->Stop(line);
+  }
   Log(line);
   return false;
+}
+
+void clsExchange::ShowRouteFailure(const std::string& description) {
+  if (check_ == nullptr) {
+    env_.shell.MsgBox(description, "Error", MsgButtons::OK, MsgIcon::Critical);
+    return;
+  }
+  check_->Fault({LineNumber, {}, {}, kFaultStop, description});
+  check_->Stop(LineNumber > 0 ? "line " + std::to_string(LineNumber) + ": " + description : description);
 }
 
 }  // namespace hifx

@@ -6,7 +6,17 @@
 #include "exchange/clsExchange.h"
 
 namespace hifx {
-void clsExchange::Report(const std::string& message, int16_t& result) {
+void clsExchange::Report(const std::string& message, int16_t& result, RouteFault fault) {
+  if (check_ != nullptr) {
+    // Every fault is kept, and the check goes on where the conversion would
+    // have stopped.
+    fault.message = message;
+    check_->Fault(std::move(fault));
+    if (MessageCount == 50) check_->Stop("more than 50 faults: the conversion stops at the 51st");
+    if (MessageCount <= 50) ++MessageCount;
+    result = 1;
+    return;
+  }
   // Fifty messages are shown; the fifty-first fault ends the conversion.
   if (MessageCount < 50) {
     Log(message);
@@ -34,16 +44,20 @@ int16_t clsExchange::ValidateRoute(const KeyedCollection<Value>& values) {
       if (number > field.MaxValue) {
         Report("Value of " + field.FieldName + "(" + TextOf(value) +
                    ") exceeds maximum permitted value in Line " + line(),
-               result);
+               result, {LineNumber, field.FieldName, TextOf(value), kFaultOverMaximum, {}});
       }
     }
     if (field.Required && !skipTag) {
       if (field.DataType == kTypeInteger || field.DataType == kTypeLong || field.DataType == kTypeNumber) {
         // A number's text reads back as the number itself.
         const double number = value.IsText() ? NumericPrefix(value.Text()) : value.ToDouble();
-        if (number == 0) Report(field.FieldName + " zero in Line " + line(), result);
+        if (number == 0) {
+          Report(field.FieldName + " zero in Line " + line(), result,
+                 {LineNumber, field.FieldName, TextOf(value), kFaultZero, {}});
+        }
       } else if (Trim(TextOf(value)).empty()) {
-        Report(field.FieldName + " empty in Line " + line(), result);
+        Report(field.FieldName + " empty in Line " + line(), result,
+               {LineNumber, field.FieldName, TextOf(value), kFaultEmpty, {}});
       }
     }
   }
@@ -68,7 +82,15 @@ bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& i
     return false;
   } catch (const Failure& failure) {
     if (failure.Number() == fail::kDuplicateKey) {
-      Log("Meter Tag Number of " + tag + " is duplicate in Line " + std::string(line));
+      const std::string message = "Meter Tag Number of " + tag + " is duplicate in Line " + std::string(line);
+      if (check_ != nullptr) {
+        // The check lists every repeated tag; the conversion stops at the first.
+        check_->Fault({static_cast<int32_t>(NumericPrefix(line)), "MeterTagNbr", tag, kFaultDuplicateTag,
+                       message + " (" + info + ")"});
+        check_->Stop("a duplicate tag: " + tag);
+        return false;
+      }
+      Log(message);
       Log("   Info: " + info);
       return true;
     }

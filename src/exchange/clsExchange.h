@@ -20,6 +20,7 @@
 #include "base/Value.h"
 #include "config/IRegistryStore.h"
 #include "config/clsAdvanced.h"
+#include "exchange/RouteCheck.h"
 #include "hif/clsHIF.h"
 #include "hif/clsIndex.h"
 #include "maps/clsExchMap.h"
@@ -67,6 +68,12 @@ class clsExchange {
 
   // Makes the route HIF of the settings; true when the file was made.
   bool ConvertRoute();
+  // Runs the route conversion of the settings as a check: into a scratch
+  // file in a folder of its own, removed at the end, never queued for a
+  // unit, and going on past the faults that would end the conversion. The
+  // faults, counts and verdict go to check; true when the conversion would
+  // make the file.
+  bool CheckRoute(RouteCheck& check);
   // Makes a route HIF of the meters to visit again; true on success.
   bool ConvertReRead();
   bool ConvertRouteFlat();
@@ -240,7 +247,12 @@ class clsExchange {
   void WriteCodeRecords();
   void AddValue(KeyedCollection<Value>& values, const MapField& field, std::string_view raw,
                 bool trimBothEnds, bool keep);
-  void Report(const std::string& message, int16_t& result);
+  // One fault of a line's validation: logged while fewer than fifty are,
+  // or, in a check, kept with the rest.
+  void Report(const std::string& message, int16_t& result, RouteFault fault);
+  // A failure that ends a route run: shown, or, in a check, kept.
+  void ShowRouteFailure(const std::string& description);
+  RouteCheck* check_ = nullptr;  // set while CheckRoute runs
   void WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route);
   void WriteReReadMeter(const KeyedCollection<Value>& values);
   // Asks before an existing destination is overwritten; false (logged) when

@@ -68,5 +68,29 @@ TEST_F(RouteCommand, BadSourcesEndInTheDriversWords) {
   }
 }
 
+// check prints the faults and the verdict, and nothing of the conversion's
+// log; the exit says whether the route would convert.
+TEST_F(RouteCommand, CheckListsTheFaultsAndSaysWhetherTheRouteWouldConvert) {
+  const auto good = Hifx({"check", kExamples + "route-fixed.txt"});
+  EXPECT_EQ(good.status, 0) << good.err;
+  EXPECT_EQ(good.out, "5 lines, 2 routes, 5 meters; 0 faults\nThe route would convert.\n");
+  const auto csv = Hifx({"check", "--map", "BillingCsv", kExamples + "route-delimited.csv"});
+  EXPECT_EQ(csv.status, 0) << csv.out;
+
+  std::string lines = ReadBytes(kExamples + "route-fixed.txt");
+  const std::string first = lines.substr(0, lines.find('\n') + 1);
+  // The first line again (a repeated tag), then with its sequence 0.
+  WriteBytes(dir / "bad.txt", lines + first + "0001000000" + first.substr(10));
+  const auto bad = Hifx({"check", (dir / "bad.txt").string()});
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_EQ(bad.out,
+            "line 6: MeterTagNbr \"1012345\": Meter Tag Number of 1012345 is duplicate in Line 6 (12 MAIN ST O'BRIEN J)\n"
+            "line 7: Sequence \"0\": Sequence zero in Line 7\n"
+            "line 7: MeterTagNbr \"1012345\": Meter Tag Number of 1012345 is duplicate in Line 7 (12 MAIN ST O'BRIEN J)\n"
+            "7 lines, 2 routes, 7 meters; 3 faults: 2 duplicate tag, 1 zero\n"
+            "The route would not convert: a duplicate tag: 1012345\n");
+  EXPECT_FALSE(std::filesystem::exists(dir / "out"));
+}
+
 }  // namespace
 }  // namespace hifx::test
