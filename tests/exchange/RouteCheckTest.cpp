@@ -7,6 +7,7 @@
 
 #include "config/clsDist.h"
 #include "support/RouteSite.h"
+#include "support/TemporaryFolder.h"
 
 namespace hifx::test {
 namespace {
@@ -20,11 +21,8 @@ std::vector<std::string> Listed(const RouteCheck& check) {
 
 struct RouteCheckTest : ::testing::Test {
   RouteSite site;
-  void SetUp() override {
-    std::filesystem::create_directory(site.dir / "tmp");
-    setenv("TMPDIR", (site.dir / "tmp").c_str(), 1);
-  }
-  void TearDown() override { unsetenv("TMPDIR"); }
+  bool made = std::filesystem::create_directory(site.dir / "tmp");
+  TemporaryFolder temp{site.dir / "tmp"};
 };
 
 TEST_F(RouteCheckTest, EveryFaultWithItsLineAndNothingWritten) {

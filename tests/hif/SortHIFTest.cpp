@@ -13,6 +13,7 @@
 #include "support/FailureNumber.h"
 #include "support/HifImage.h"
 #include "support/TempDir.h"
+#include "support/TemporaryFolder.h"
 #include "support/TestShell.h"
 
 namespace hifx::test {
@@ -114,34 +115,6 @@ std::string RouteHeader(int32_t route) { return Record(kRecRouteHeader, route, 0
 std::string Meter(int32_t route, int32_t sequence, int32_t tag) {
   return Record(kRecMeter, route, sequence, 1000 + tag, tag);
 }
-
-// Points the temporary folder (TMPDIR, TMP on Windows) at a folder of the
-// test's own for as long as it lives.
-class TemporaryFolder {
- public:
-  explicit TemporaryFolder(const std::filesystem::path& folder) {
-    if (const char* old = std::getenv(kVariable)) old_ = old;
-    Set(folder.string());
-  }
-  ~TemporaryFolder() { Set(old_.value_or("")); }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
- private:
-#ifdef _WIN32
-  static constexpr const char* kVariable = "TMP";
-  static void Set(const std::string& value) { _putenv_s(kVariable, value.c_str()); }
-#else
-  static constexpr const char* kVariable = "TMPDIR";
-  static void Set(const std::string& value) {
-    if (value.empty()) ::unsetenv(kVariable);
-    else ::setenv(kVariable, value.c_str(), 1);
-  }
-#endif
-
- private:
-  std::optional<std::string> old_;
-};
 
 // Equal bytes, or where they first differ.
 testing::AssertionResult SameBytes(const std::string& got, const std::string& expected) {
