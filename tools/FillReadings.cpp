@@ -108,11 +108,6 @@ struct Orphan {
   std::array<int32_t, 4> nearby{};
 };
 
-// A field the file's version doesn't hold reads as null: take it as 0.
-int32_t NumberOf(const Value& value) {
-  return value.IsEmpty() || value.IsNull() ? 0 : value.ToInt32();
-}
-
 int32_t Field(clsHIF& hif, const char* name) { return NumberOf(hif.Item(name)); }
 
 std::optional<sys_days> DayOf(int32_t yyyymmdd) {

@@ -80,4 +80,9 @@ std::string TextOf(const Value& value) {
   return value.ToText();
 }
 
+int32_t NumberOf(const Value& value) {
+  if (value.IsEmpty() || value.IsNull()) return 0;
+  return value.IsText() ? ToInt32(NumericPrefix(value.Text())) : value.ToInt32();
+}
+
 }  // namespace hifx

@@ -62,4 +62,8 @@ class Value {
 // in its text form.
 std::string TextOf(const Value& value);
 
+// A field's value as a whole number: empty and null as 0, a text by its
+// leading number.
+int32_t NumberOf(const Value& value);
+
 }  // namespace hifx

@@ -18,11 +18,4 @@ inline void ReplaceAll(std::string& text, std::string_view from, std::string_vie
   }
 }
 
-// A field's value as a whole number: empty and null as 0, a text by its
-// leading number.
-inline int32_t NumberOf(const Value& v) {
-  if (v.IsEmpty() || v.IsNull()) return 0;
-  return v.IsText() ? ToInt32(NumericPrefix(v.Text())) : v.ToInt32();
-}
-
 }  // namespace hifx

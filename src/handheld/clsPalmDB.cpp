@@ -129,14 +129,14 @@ namespace {
 
 // A text written to a number field counts by its leading number, as fields
 // that can't be converted read as zero.
-int32_t NumberOf(const Value& value) {
+int32_t LeadingNumberOf(const Value& value) {
   return value.IsText() ? ToInt32(NumericPrefix(value.Text())) : value.ToInt32();
 }
 
 }  // namespace
 
 int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
-  const int32_t v = NumberOf(value);
+  const int32_t v = LeadingNumberOf(value);
   if (offset + 1 > fixedLength_) BufferChanged();
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
     buffer_[static_cast<size_t>(offset)] = static_cast<char>(v & 0xFF);
@@ -145,7 +145,7 @@ int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
-  const int32_t v = NumberOf(value);
+  const int32_t v = LeadingNumberOf(value);
   if (offset + 2 > fixedLength_) BufferChanged();
   // Only this setter grows the buffer, so hand-built records can be made of
   // words and packed texts with no schema.

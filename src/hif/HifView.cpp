@@ -23,7 +23,7 @@ std::string Cell(const Value& value) {
   return value.ToText();
 }
 
-int32_t NumberOf(const Value& value) {
+int32_t NumberOrMinusOne(const Value& value) {
   if (value.IsNull() || value.IsEmpty() || value.IsText()) return -1;
   return value.ToInt32();
 }
@@ -63,14 +63,14 @@ bool HifView::Display(const std::filesystem::path& fileName) {
     return false;
   }
   if (hif_.ReadData()) {
-    const int32_t recType = NumberOf(hif_.Item("RecType"));
-    const int32_t version = NumberOf(hif_.Item("MeterType"));
+    const int32_t recType = NumberOrMinusOne(hif_.Item("RecType"));
+    const int32_t version = NumberOrMinusOne(hif_.Item("MeterType"));
     if (recType == kRecFileHeader && version > 0) hif_.SetVersion(static_cast<int16_t>(version));
   }
   routes_.columns = {"Index", "Route", "Meters", "First Read", "Last Read"};
   hif_.Rewind();
   while (hif_.ReadData()) {
-    const int32_t recType = NumberOf(hif_.Item("RecType"));
+    const int32_t recType = NumberOrMinusOne(hif_.Item("RecType"));
     if (recType != kRecRouteHeader && recType != kRecRouteHeaderAlt) continue;
     // In a route record Sequence and MeterTagNbr carry the first and last read.
     routes_.rows.push_back({Cell(hif_.Item("RouteNbr")), Cell(hif_.Item("Initials")),
@@ -87,8 +87,8 @@ TextTable HifView::Meters(int32_t route) {
   table.columns = MeterColumns();
   hif_.Rewind();
   while (hif_.ReadData()) {
-    if (NumberOf(hif_.Item("RecType")) != kRecMeter) continue;
-    if (NumberOf(hif_.Item("RouteNbr")) != route) continue;
+    if (NumberOrMinusOne(hif_.Item("RecType")) != kRecMeter) continue;
+    if (NumberOrMinusOne(hif_.Item("RouteNbr")) != route) continue;
     std::vector<std::string> row;
     row.reserve(kMeterColumns.size());
     for (const char* name : kMeterColumns) row.push_back(Cell(hif_.Item(name)));

@@ -9,6 +9,7 @@
 #include "base/Numbers.h"
 #include "delivery/UnitInstall.h"
 #include "exchange/ExchangeText.h"
+#include "hif/ReadingOutcome.h"
 
 namespace hifx {
 
@@ -211,27 +212,19 @@ struct RowException {
 // adds "TAMPER" whatever the words.
 RowException ExceptionOf(const ReportRow& values, const RowNumbers& row) {
   const std::string response = TextOf(values[fResponseText]);
-  const int32_t minimum = Number(values[fMinReading]);
-  const int32_t maximum = Number(values[fMaxReading]);
-  const int32_t current = row.current;
+  constexpr int32_t kBoth = kReportException | kReportReading;
   RowException exception;
-  if (row.status == 0) {
-    exception = {WithResponse("Missed", response), kReportMissed};
-  } else if (row.readType == 4 || row.date == 0 || (row.readType == 2 && current == 0)) {
-    exception = {WithResponse("Skipped", response), kReportException};
-  } else if (minimum < maximum && (current < minimum || current > maximum)) {
-    exception = {WithResponse(current < minimum ? "Low Reading" : "High Reading", response),
-                 kReportException | kReportReading};
-  } else if (current < Number(values[fPrvReading])) {
-    exception = {WithResponse("Rollover", response), kReportException | kReportReading};
-  } else if (minimum > maximum && current > maximum && current < minimum) {
-    // A range that wraps past the end of the dials: the words are swapped.
-    exception = {WithResponse(current < minimum ? "High Reading" : "Low Reading", response),
-                 kReportException | kReportReading};
-  } else if (row.readType == 2 && Number(values[fResponseCode]) != 0) {
-    exception = {WithResponse("Manually Read", response), kReportException | kReportReading};
-  } else {
-    exception = {response, kReportReading | (response.empty() ? 0 : kReportException)};
+  switch (OutcomeOf({row.status, row.readType, row.current, row.date, Number(values[fMinReading]),
+                     Number(values[fMaxReading]), Number(values[fPrvReading]), Number(values[fResponseCode])})) {
+    case ReadingOutcome::Missed: exception = {WithResponse("Missed", response), kReportMissed}; break;
+    case ReadingOutcome::Skipped: exception = {WithResponse("Skipped", response), kReportException}; break;
+    case ReadingOutcome::Low: exception = {WithResponse("Low Reading", response), kBoth}; break;
+    case ReadingOutcome::High: exception = {WithResponse("High Reading", response), kBoth}; break;
+    case ReadingOutcome::Rollover: exception = {WithResponse("Rollover", response), kBoth}; break;
+    case ReadingOutcome::ManuallyRead: exception = {WithResponse("Manually Read", response), kBoth}; break;
+    case ReadingOutcome::Read:
+      exception = {response, kReportReading | (response.empty() ? 0 : kReportException)};
+      break;
   }
   if (Number(values[fTamperCount]) != 0) exception.text += (exception.text.empty() ? "" : kBreak) + "TAMPER";
   return exception;
