@@ -1,4 +1,4 @@
-// Any bytes, read as a HIF the way `hifx dump` and `hifx view` read one,
+// Any bytes, read as a HIF the way `hifx dump`, `view` and `stats` read one,
 // opened as each container (PDB and VFS) whatever its first bytes say, and
 // sorted in place the way `hifx sort` sorts one.
 //
@@ -26,6 +26,7 @@
 #include "handheld/clsPalmFilePDB.h"
 #include "handheld/clsPalmFileVFS.h"
 #include "hif/HifView.h"
+#include "hif/ReadStats.h"
 #include "hif/SortHIF.h"
 #include "hif/clsHIF.h"
 
@@ -96,6 +97,16 @@ size_t View(hifx::IShell& shell, const std::filesystem::path& path) {
   return cells;
 }
 
+// As `hifx stats FILE`: every meter counted, the skip list kept.
+size_t Stats(hifx::IShell& shell, const std::filesystem::path& path) {
+  try {
+    const hifx::ReadStats stats = hifx::CountReadings(shell, path);
+    return stats.routes.size() + stats.skipCodes.size() + static_cast<size_t>(stats.total.SpanSeconds() & 1);
+  } catch (const hifx::Failure&) {
+    return 0;  // a damaged file, refused cleanly
+  }
+}
+
 // The container alone, taken as the kind given: its header and every record.
 // A detected open picks VFS only for a file that starts with a record
 // length, so this is what reaches the VFS reader with anything else.
@@ -149,6 +160,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzShell shell;
   volatile size_t sink = Dump(shell, InputPath());
   sink = sink + View(shell, InputPath());
+  sink = sink + Stats(shell, InputPath());
   hifx::clsPalmFilePDB pdb;
   sink = sink + Container(pdb, InputPath());
   hifx::clsPalmFileVFS vfs;

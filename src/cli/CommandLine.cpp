@@ -233,6 +233,7 @@ int Main(int argc, const char* const* argv) {
   AddConversionCommands(table);
   AddReportCommand(table);
   AddCheckCommand(table);
+  AddStatsCommand(table);
 
   try {
     root.parse(argc, argv);

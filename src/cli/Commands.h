@@ -54,6 +54,7 @@ void AddDeliveryCommands(CommandTable& table);    // users, install
 void AddConversionCommands(CommandTable& table);  // route, reread, reading
 void AddReportCommand(CommandTable& table);       // report
 void AddCheckCommand(CommandTable& table);        // check
+void AddStatsCommand(CommandTable& table);        // stats
 
 // The whole command line: parses it, runs the command, says any failure;
 // returns the exit status.

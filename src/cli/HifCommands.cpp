@@ -7,16 +7,13 @@
 
 #include "base/Failure.h"
 #include "cli/Commands.h"
+#include "cli/HifFile.h"
 #include "handheld/PalmFileCheck.h"
 #include "hif/HifView.h"
 #include "hif/clsHIF.h"
 
 namespace hifx::cli {
-namespace {
 
-// A control character of a file's text shown as \xHH: a terminal never
-// receives an escape sequence it would act on, nor a tab or line break that
-// would shift the table.
 void AppendShown(std::string& line, const std::string& text) {
   static constexpr char kHex[] = "0123456789ABCDEF";
   for (const char c : text) {
@@ -31,18 +28,6 @@ void AppendShown(std::string& line, const std::string& text) {
   }
 }
 
-void PrintRow(const std::vector<std::string>& cells) {
-  std::string line;
-  for (size_t i = 0; i < cells.size(); ++i) {
-    if (i > 0) line.push_back('\t');
-    AppendShown(line, cells[i]);
-  }
-  line.push_back('\n');
-  std::fwrite(line.data(), 1, line.size(), stdout);
-}
-
-// Raises a failure of the file, saying what is wrong, when its structure does
-// not hold as the handheld's own readers want it.
 void CheckSound(const std::string& file) {
   // A file that can't be read at all is said so by the reading itself.
   std::error_code ec;
@@ -51,6 +36,18 @@ void CheckSound(const std::string& file) {
   if (!damage.empty()) {
     throw Failure(FailureKind::BadInput, fail::kPathAccess, {}, file, "damaged handheld file: " + damage);
   }
+}
+
+namespace {
+
+void PrintRow(const std::vector<std::string>& cells) {
+  std::string line;
+  for (size_t i = 0; i < cells.size(); ++i) {
+    if (i > 0) line.push_back('\t');
+    AppendShown(line, cells[i]);
+  }
+  line.push_back('\n');
+  std::fwrite(line.data(), 1, line.size(), stdout);
 }
 
 int Dump(const std::string& file) {
@@ -97,17 +94,6 @@ int View(Context& context, const std::string& file, std::optional<int32_t> route
   PrintRow(table.columns);
   for (const auto& row : table.rows) PrintRow(row);
   return kExitOk;
-}
-
-// A failure of reading the file is a fault of the file.
-template <typename Body>
-int ReadingFile(const std::string& file, Body body) {
-  try {
-    return body();
-  } catch (const Failure& failure) {
-    if (failure.Kind() != FailureKind::Run) throw;
-    throw Failure(FailureKind::BadInput, failure.Number(), {}, file, failure.Description());
-  }
 }
 
 }  // namespace

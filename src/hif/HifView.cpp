@@ -28,6 +28,13 @@ int32_t NumberOrMinusOne(const Value& value) {
   return value.ToInt32();
 }
 
+bool IsHandBuilt(int32_t recType) {
+  return recType == kRecLogins || recType == kRecCodes || recType == kRecIndex ||
+         recType == kRecAlerts;
+}
+
+}  // namespace
+
 void AppendJsonText(std::string& out, const std::string& text) {
   out.push_back('"');
   for (const char ch : text) {
@@ -46,13 +53,6 @@ void AppendJsonText(std::string& out, const std::string& text) {
   }
   out.push_back('"');
 }
-
-bool IsHandBuilt(int32_t recType) {
-  return recType == kRecLogins || recType == kRecCodes || recType == kRecIndex ||
-         recType == kRecAlerts;
-}
-
-}  // namespace
 
 HifView::HifView(IShell& shell) : shell_(shell), hif_(shell) {}
 

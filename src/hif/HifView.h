@@ -37,6 +37,10 @@ class HifView {
   TextTable routes_;
 };
 
+// Text as a JSON string, quoted: bytes outside printable ASCII as the
+// Latin-1 characters of the same codes.
+void AppendJsonText(std::string& out, const std::string& text);
+
 // One JSON object of the record in the buffer of hif: schema records by field
 // name, code records by group, flag and entries, index records by route,
 // type and entries; one that can't be taken apart by its bytes in hex.

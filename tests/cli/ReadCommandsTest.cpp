@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "support/ExampleSite.h"
 #include "support/HifImage.h"
 #include "support/RunHifx.h"
 #include "support/SampleHif.h"
@@ -104,19 +105,19 @@ std::string WithCount(std::string bytes, uint8_t high, uint8_t low) {
 
 class DamagedFileTest : public testing::TestWithParam<DamagedCase> {};
 
-TEST_P(DamagedFileTest, DumpAndViewSayWhatIsWrong) {
+TEST_P(DamagedFileTest, DumpViewAndStatsSayWhatIsWrong) {
   TempDir dir;
   TestShell shell;
   WriteSampleHif(shell, dir / "good.pdb", kFilePDB);
   const auto path = dir / GetParam().name;
   if (GetParam().damage) WriteBytes(path, GetParam().damage(ReadBytes(dir / "good.pdb")));
-  for (const char* command : {"dump", "view"}) {
+  for (const char* command : {"dump", "view", "stats"}) {
     const auto r = RunHifx({command, path.string()}, dir);
     ASSERT_TRUE(r.exited) << command << " died";
     EXPECT_EQ(r.status, 2) << command;
-    if (std::string(command) == "dump") {
+    if (std::string(command) != "view") {
       EXPECT_EQ(r.out, "");
-      EXPECT_EQ(r.err.rfind("hifx: dump: ", 0), 0u) << r.err;
+      EXPECT_EQ(r.err.rfind("hifx: " + std::string(command) + ": ", 0), 0u) << r.err;
       EXPECT_NE(r.err.find(path.string()), std::string::npos) << r.err;
     }
     EXPECT_NE((r.out + r.err).find(GetParam().says), std::string::npos) << command << ": " << r.out << r.err;
@@ -147,6 +148,47 @@ INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::Values(
                 "record 1 at offset 9 claims 2147483647 bytes, past the end of the file"}),
     [](const auto& info) { return std::string(info.param.name); });
 // clang-format on
+
+class StatsCommand : public ExampleSite {};
+
+// The example's five meters: three read (one high, one tampered with), one
+// unread, one skipped as "LCK"; the alerts are the example site's.
+TEST_F(StatsCommand, TheExampleAsATableAndAsJson) {
+  const auto table = Hifx({"stats", kExamples + "reading.pdb"});
+  EXPECT_EQ(table.status, 0) << table.err;
+  EXPECT_EQ(table.out,
+            "Route  Name  Meters  Read  Unread  Skipped  Radio  Manual  Probe  Low  High  Rollover  Tamper  "
+            "First reading        Last reading         Span\n"
+            "1      0001       3     3       0        0      2       1      0    0     1         0       1  "
+            "2023-11-15 08:31:53  2023-11-15 08:36:20  0:04:27\n"
+            "2      0002       2     0       1        1      0       0      0    0     0         0       0  "
+            "-                    -                    -\n"
+            "Total             5     3       1        1      2       1      0    0     1         0       1  "
+            "2023-11-15 08:31:53  2023-11-15 08:36:20  0:04:27\n"
+            "\n"
+            "Skipped by code:\n"
+            "  2 LCK Locked gate: 1\n"
+            "\n"
+            "Orphans: 3\n"
+            "Alerts: out of range Popup Message!, rollover Beep, tamper Popup Message!\n");
+
+  const auto json = Hifx({"stats", "--json", kExamples + "reading.pdb"});
+  EXPECT_EQ(json.status, 0) << json.err;
+  const std::string skip = R"("skippedByCode":[{"responseCode":2,"code":"LCK","reason":"Locked gate","meters":1}])";
+  EXPECT_EQ(json.out,
+            R"({"file":")" + kExamples + R"(reading.pdb","routes":[)"
+            R"({"route":1,"name":"0001","meters":3,"read":3,"unread":0,"skipped":0,"radio":2,"manual":1,"probe":0,)"
+            R"("low":0,"high":1,"rollover":0,"tamper":1,"skippedByCode":[],"firstReading":"2023-11-15T08:31:53",)"
+            R"("lastReading":"2023-11-15T08:36:20","spanSeconds":267},)"
+            R"({"route":2,"name":"0002","meters":2,"read":0,"unread":1,"skipped":1,"radio":0,"manual":0,"probe":0,)"
+            R"("low":0,"high":0,"rollover":0,"tamper":0,)" + skip +
+            R"(,"firstReading":null,"lastReading":null,"spanSeconds":0}],)"
+            R"("total":{"meters":5,"read":3,"unread":1,"skipped":1,"radio":2,"manual":1,"probe":0,)"
+            R"("low":0,"high":1,"rollover":0,"tamper":1,)" + skip +
+            R"(,"firstReading":"2023-11-15T08:31:53","lastReading":"2023-11-15T08:36:20","spanSeconds":267},)"
+            R"("orphans":3,"alerts":{"outOfRange":"Popup Message!","rollover":"Beep","tamper":"Popup Message!"}})"
+            "\n");
+}
 
 }  // namespace
 }  // namespace hifx::test

@@ -1,0 +1,32 @@
+// What the commands that read a HIF file share: the check that its
+// structure holds, its failures said as faults of the file, and its text
+// shown safely on a terminal.
+#pragma once
+
+#include <string>
+
+#include "base/Failure.h"
+
+namespace hifx::cli {
+
+// Raises a failure of the file, saying what is wrong, when its structure does
+// not hold as the handheld's own readers want it.
+void CheckSound(const std::string& file);
+
+// A failure of reading the file is a fault of the file.
+template <typename Body>
+int ReadingFile(const std::string& file, Body body) {
+  try {
+    return body();
+  } catch (const Failure& failure) {
+    if (failure.Kind() != FailureKind::Run) throw;
+    throw Failure(FailureKind::BadInput, failure.Number(), {}, file, failure.Description());
+  }
+}
+
+// A control character of a file's text shown as \xHH: a terminal never
+// receives an escape sequence it would act on, nor a tab or line break that
+// would shift a table.
+void AppendShown(std::string& line, const std::string& text);
+
+}  // namespace hifx::cli
