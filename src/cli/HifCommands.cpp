@@ -28,16 +28,6 @@ void AppendShown(std::string& line, const std::string& text) {
   }
 }
 
-void CheckSound(const std::string& file) {
-  // A file that can't be read at all is said so by the reading itself.
-  std::error_code ec;
-  if (!std::filesystem::is_regular_file(file, ec)) return;
-  const std::string damage = PalmFileDamage(file);
-  if (!damage.empty()) {
-    throw Failure(FailureKind::BadInput, fail::kPathAccess, {}, file, "damaged handheld file: " + damage);
-  }
-}
-
 namespace {
 
 void PrintRow(const std::vector<std::string>& cells) {
@@ -54,13 +44,8 @@ int Dump(const std::string& file) {
   // Fields past the end of a short record come out as null rather than as
   // one message a field.
   SilentShell quiet;
-  CheckSound(file);
-  const int16_t version = ReadFileVersion(quiet, file);
   clsHIF hif(quiet);
-  if (version >= 0) hif.SetVersion(version);
-  if (version < 0 || hif.OpenHIF(file)) {
-    throw Failure(FailureKind::BadInput, fail::kFileNotFound, "could not read HIF file", file);
-  }
+  OpenToRead(hif, quiet, file);
   std::string out;
   int record = 0;
   try {
@@ -84,7 +69,7 @@ int Dump(const std::string& file) {
 }
 
 int View(Context& context, const std::string& file, std::optional<int32_t> route) {
-  CheckSound(file);
+  RaiseIfDamaged(file);
   HifView view(context.Shell());
   if (!view.Display(file)) {
     context.Shell().MsgBox("Unable to display file", {}, MsgButtons::OK, MsgIcon::None);

@@ -1,6 +1,5 @@
-// What the commands that read a HIF file share: the check that its
-// structure holds, its failures said as faults of the file, and its text
-// shown safely on a terminal.
+// What the commands that read a HIF file share: its failures said as faults
+// of the file, and its text shown safely on a terminal.
 #pragma once
 
 #include <string>
@@ -8,10 +7,6 @@
 #include "base/Failure.h"
 
 namespace hifx::cli {
-
-// Raises a failure of the file, saying what is wrong, when its structure does
-// not hold as the handheld's own readers want it.
-void CheckSound(const std::string& file);
 
 // A failure of reading the file is a fault of the file.
 template <typename Body>

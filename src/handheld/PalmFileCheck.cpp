@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/BinaryFile.h"
+#include "base/Failure.h"
 #include "handheld/IPalmFile.h"
 #include "handheld/clsPalmFilePDB.h"
 #include "handheld/clsPalmFileVFS.h"
@@ -71,6 +72,15 @@ std::string PalmFileDamage(const std::filesystem::path& path) {
   // The containers are told apart as the record layer tells them.
   const bool vfs = clsPalmFileVFS().TestFileType(path);
   return PalmFileDamage(ReadWholeFile(path), vfs);
+}
+
+void RaiseIfDamaged(const std::filesystem::path& path) {
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(path, ec)) return;
+  const std::string damage = PalmFileDamage(path);
+  if (!damage.empty()) {
+    throw Failure(FailureKind::BadInput, fail::kPathAccess, {}, path, "damaged handheld file: " + damage);
+  }
 }
 
 }  // namespace hifx

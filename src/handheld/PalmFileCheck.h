@@ -12,6 +12,11 @@ namespace hifx {
 // nothing is. Raises as ReadWholeFile does for a file that can't be read.
 std::string PalmFileDamage(const std::filesystem::path& path);
 
+// Raises a failure of kind BadInput naming the file, saying what is wrong,
+// when its structure doesn't hold. A file that isn't there or isn't a plain
+// file is left to the reading that follows to say so.
+void RaiseIfDamaged(const std::filesystem::path& path);
+
 // The same for bytes already read: a card-file stream when vfs is set,
 // otherwise a record database.
 std::string PalmFileDamage(const std::string& bytes, bool vfs);

@@ -8,7 +8,6 @@
 #include "base/DateSerial.h"
 #include "base/Failure.h"
 #include "base/Numbers.h"
-#include "handheld/PalmFileCheck.h"
 #include "hif/ReadingOutcome.h"
 #include "hif/clsHIF.h"
 
@@ -108,17 +107,8 @@ int64_t RouteReadStats::SpanSeconds() const {
 }
 
 ReadStats CountReadings(IShell& shell, const std::filesystem::path& file) {
-  std::error_code ec;
-  const bool present = std::filesystem::is_regular_file(file, ec);
-  if (const std::string damage = present ? PalmFileDamage(file) : ""; !damage.empty()) {
-    throw Failure(FailureKind::BadInput, fail::kPathAccess, {}, file, "damaged handheld file: " + damage);
-  }
-  const int16_t version = ReadFileVersion(shell, file);
   clsHIF hif(shell);
-  if (version >= 0) hif.SetVersion(version);
-  if (version < 0 || hif.OpenHIF(file)) {
-    throw Failure(FailureKind::BadInput, fail::kFileNotFound, "could not read HIF file", file);
-  }
+  OpenToRead(hif, shell, file);
   Record r;
   clsPalmDB& db = hif.DB();
   for (size_t f = 0; f < kStatsFields; ++f) r.index[f] = db.FindItem(kStatsFieldNames[f]);

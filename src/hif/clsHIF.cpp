@@ -2,6 +2,9 @@
 
 #include <array>
 
+#include "base/Failure.h"
+#include "handheld/PalmFileCheck.h"
+
 namespace hifx {
 namespace {
 
@@ -110,6 +113,15 @@ int16_t ReadFileVersion(IShell& shell, const std::filesystem::path& fileName) {
     return static_cast<int16_t>(meterType.ToInt32());
   }
   return 0;
+}
+
+void OpenToRead(clsHIF& hif, IShell& shell, const std::filesystem::path& fileName) {
+  RaiseIfDamaged(fileName);
+  const int16_t version = ReadFileVersion(shell, fileName);
+  if (version >= 0) hif.SetVersion(version);
+  if (version < 0 || hif.OpenHIF(fileName)) {
+    throw Failure(FailureKind::BadInput, fail::kFileNotFound, "could not read HIF file", fileName);
+  }
 }
 
 }  // namespace hifx
