@@ -1,5 +1,5 @@
-// Any bytes, read as a HIF the way `hifx dump`, `view` and `stats` read one,
-// opened as each container (PDB and VFS) whatever its first bytes say, and
+// Any bytes, read as a HIF the way `hifx dump`, `view`, `stats` and `diff`
+// read one, opened as each container (PDB and VFS) whatever its first bytes say, and
 // sorted in place the way `hifx sort` sorts one.
 //
 // A Failure is the clean answer to a damaged file. Anything else is a bug: a
@@ -26,6 +26,7 @@
 #include "handheld/clsPalmFilePDB.h"
 #include "handheld/clsPalmFileVFS.h"
 #include "hif/HifView.h"
+#include "hif/MeterDiff.h"
 #include "hif/ReadStats.h"
 #include "hif/SortHIF.h"
 #include "hif/clsHIF.h"
@@ -107,6 +108,16 @@ size_t Stats(hifx::IShell& shell, const std::filesystem::path& path) {
   }
 }
 
+// As `hifx diff FILE FILE`: the meters read and paired with themselves.
+size_t Diff(hifx::IShell& shell, const std::filesystem::path& path) {
+  try {
+    const auto meters = hifx::ReadMeterPlaces(shell, path);
+    return static_cast<size_t>(hifx::CompareMeters(meters, meters).unchanged);
+  } catch (const hifx::Failure&) {
+    return 0;  // a damaged file, refused cleanly
+  }
+}
+
 // The container alone, taken as the kind given: its header and every record.
 // A detected open picks VFS only for a file that starts with a record
 // length, so this is what reaches the VFS reader with anything else.
@@ -161,6 +172,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   volatile size_t sink = Dump(shell, InputPath());
   sink = sink + View(shell, InputPath());
   sink = sink + Stats(shell, InputPath());
+  sink = sink + Diff(shell, InputPath());
   hifx::clsPalmFilePDB pdb;
   sink = sink + Container(pdb, InputPath());
   hifx::clsPalmFileVFS vfs;

@@ -55,6 +55,7 @@ void AddConversionCommands(CommandTable& table);  // route, reread, reading
 void AddReportCommand(CommandTable& table);       // report
 void AddCheckCommand(CommandTable& table);        // check
 void AddStatsCommand(CommandTable& table);        // stats
+void AddDiffCommand(CommandTable& table);         // diff
 
 // The whole command line: parses it, runs the command, says any failure;
 // returns the exit status.

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -26,6 +27,38 @@ void AppendShown(std::string& line, const std::string& text) {
       line.push_back(c);
     }
   }
+}
+
+void PrintTable(const std::vector<std::vector<std::string>>& rows, const std::vector<bool>& right) {
+  std::vector<size_t> width(rows.front().size());
+  for (const auto& row : rows) {
+    for (size_t c = 0; c < row.size(); ++c) width[c] = std::max(width[c], row[c].size());
+  }
+  for (const auto& row : rows) {
+    std::string line;
+    for (size_t c = 0; c < row.size(); ++c) {
+      const std::string pad(width[c] - row[c].size(), ' ');
+      const bool last = c + 1 == row.size();
+      line += right[c] ? pad + row[c] : row[c] + (last ? "" : pad);
+      if (!last) line += "  ";
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    line += '\n';
+    std::fwrite(line.data(), 1, line.size(), stdout);
+  }
+}
+
+void AppendField(std::string& out, const char* name, const std::string& json) {
+  if (out.back() != '{') out += ',';
+  AppendJsonText(out, name);
+  out += ':';
+  out += json;
+}
+
+std::string JsonText(const std::string& text) {
+  std::string out;
+  AppendJsonText(out, text);
+  return out;
 }
 
 namespace {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "base/Failure.h"
 
@@ -10,7 +11,7 @@ namespace hifx::cli {
 
 // A failure of reading the file is a fault of the file.
 template <typename Body>
-int ReadingFile(const std::string& file, Body body) {
+auto ReadingFile(const std::string& file, Body body) -> decltype(body()) {
   try {
     return body();
   } catch (const Failure& failure) {
@@ -23,5 +24,14 @@ int ReadingFile(const std::string& file, Body body) {
 // receives an escape sequence it would act on, nor a tab or line break that
 // would shift a table.
 void AppendShown(std::string& line, const std::string& text);
+
+// Rows on standard output in columns as wide as their widest cell, two
+// spaces apart; a column marked right is aligned to the right (counts).
+void PrintTable(const std::vector<std::vector<std::string>>& rows, const std::vector<bool>& right);
+
+// A field "name":json added to the JSON object being written in out.
+void AppendField(std::string& out, const char* name, const std::string& json);
+// Text as a quoted JSON string.
+std::string JsonText(const std::string& text);
 
 }  // namespace hifx::cli

@@ -91,32 +91,15 @@ std::vector<std::string> RowOf(const std::string& route, const RouteReadStats& s
   return row;
 }
 
-// Columns as wide as their widest cell, two spaces apart; counts to the
-// right, words and times to the left.
-void PrintTable(const std::vector<std::vector<std::string>>& rows) {
-  std::vector<size_t> width(rows.front().size());
-  for (const auto& row : rows) {
-    for (size_t c = 0; c < row.size(); ++c) width[c] = std::max(width[c], row[c].size());
-  }
-  for (const auto& row : rows) {
-    std::string line;
-    for (size_t c = 0; c < row.size(); ++c) {
-      const std::string pad(width[c] - row[c].size(), ' ');
-      const bool count = c >= 2 && c < 13;
-      line += count ? pad + row[c] : row[c] + (c + 1 < row.size() ? pad : "");
-      if (c + 1 < row.size()) line += "  ";
-    }
-    std::printf("%s\n", line.c_str());
-  }
-}
-
 void PrintText(const ReadStats& stats, const SiteWords& words) {
   std::vector<std::vector<std::string>> rows{{"Route", "Name", "Meters", "Read", "Unread", "Skipped", "Radio",
                                               "Manual", "Probe", "Low", "High", "Rollover", "Tamper",
                                               "First reading", "Last reading", "Span"}};
   for (const RouteReadStats& route : stats.routes) rows.push_back(RowOf(std::to_string(route.route), route));
   rows.push_back(RowOf("Total", stats.total));
-  PrintTable(rows);
+  std::vector<bool> right(rows.front().size());
+  std::fill(right.begin() + 2, right.begin() + 13, true);
+  PrintTable(rows, right);
   if (!stats.total.skippedByCode.empty()) std::printf("\nSkipped by code:\n");
   for (const auto& [code, count] : stats.total.skippedByCode) {
     std::string shown;
@@ -126,19 +109,6 @@ void PrintText(const ReadStats& stats, const SiteWords& words) {
   std::printf("\nOrphans: %d\n", stats.orphans);
   std::printf("Alerts: out of range %s, rollover %s, tamper %s\n", words.outOfRange.c_str(),
               words.rollover.c_str(), words.tamper.c_str());
-}
-
-void AppendField(std::string& out, const char* name, const std::string& json) {
-  if (out.back() != '{') out += ',';
-  AppendJsonText(out, name);
-  out += ':';
-  out += json;
-}
-
-std::string JsonText(const std::string& text) {
-  std::string out;
-  AppendJsonText(out, text);
-  return out;
 }
 
 std::string JsonTime(const std::optional<ReadingTime>& t) {

@@ -190,5 +190,47 @@ TEST_F(StatsCommand, TheExampleAsATableAndAsJson) {
             "\n");
 }
 
+// A hand-made pair: the later file moves one meter, changes another out,
+// drops one and adds one.
+TEST(DiffCommand, AHandMadePairAsATableAndAsJson) {
+  TempDir dir;
+  TestShell shell;
+  const auto write = [&](const std::string& name, std::vector<std::tuple<const char*, const char*, int, int, int>> meters) {
+    HifWriter w(shell, dir / name, 3, kFilePDB, static_cast<int32_t>(meters.size()) + 1);
+    w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"MeterType", 3}});
+    for (const auto& [account, serial, route, sequence, tag] : meters) {
+      w.Add({{"RecType", kRecMeter}, {"RouteNbr", route}, {"Sequence", sequence}, {"MeterTagNbr", tag},
+             {"MeterType", 1}, {"Digits", 6}, {"ServiceUniqueID", account}, {"MeterSerialNbr", serial}});
+    }
+  };
+  write("old.pdb", {{"AC1", "SN1", 1, 10, 101}, {"AC2", "SN2", 1, 20, 102}, {"AC3", "SN3", 1, 30, 103},
+                    {"AC4", "SN4", 2, 10, 104}});
+  write("new.pdb", {{"AC1", "SN1", 1, 10, 101}, {"AC2", "SN2", 2, 5, 102}, {"AC3", "SN9", 1, 30, 109},
+                    {"AC5", "SN5", 2, 20, 105}});
+  const auto old = (dir / "old.pdb").string(), now = (dir / "new.pdb").string();
+
+  const auto table = RunHifx({"diff", old, now}, dir);
+  EXPECT_EQ(table.status, 1) << table.err;
+  EXPECT_EQ(table.out,
+            "Change   Account  Meter       Route   Sequence  Detail\n"
+            "added    AC5      SN5         2       20        tag 105, type 1, digits 6\n"
+            "removed  AC4      SN4         2       10        tag 104, type 1, digits 6\n"
+            "moved    AC2      SN2         1 -> 2  20 -> 5\n"
+            "meter    AC3      SN3 -> SN9  1       30        tag 103 -> 109\n"
+            "\n"
+            "1 added, 1 removed, 1 moved to another route, 0 resequenced, 1 changed out; 1 unchanged\n");
+
+  const auto json = RunHifx({"diff", "--json", old, old}, dir);
+  EXPECT_EQ(json.status, 0) << json.err;
+  EXPECT_EQ(json.out, R"({"old":")" + old + R"(","new":")" + old + R"(","differences":[],)"
+                      R"("counts":{"added":0,"removed":0,"moved":0,"sequence":0,"meter":0,"unchanged":4}})" "\n");
+  const auto one = RunHifx({"diff", "--json", now, old}, dir);
+  EXPECT_NE(one.out.find(R"({"change":"moved","account":"AC2",)"
+                         R"("old":{"serial":"SN2","tag":102,"type":1,"digits":6,"route":2,"sequence":5},)"
+                         R"("new":{"serial":"SN2","tag":102,"type":1,"digits":6,"route":1,"sequence":20}})"),
+            std::string::npos) << one.out;
+  EXPECT_EQ(RunHifx({"diff", old, (dir / "missing.pdb").string()}, dir).status, 2);
+}
+
 }  // namespace
 }  // namespace hifx::test
