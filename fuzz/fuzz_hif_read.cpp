@@ -1,6 +1,6 @@
-// Any bytes, read as a HIF the way `hifx dump`, `view`, `stats` and `diff`
-// read one, opened as each container (PDB and VFS) whatever its first bytes say, and
-// sorted in place the way `hifx sort` sorts one.
+// Any bytes, read as a HIF the way `hifx dump`, `view`, `stats`, `diff` and
+// `plot` read one, opened as each container (PDB and VFS) whatever its first
+// bytes say, and sorted in place the way `hifx sort` sorts one.
 //
 // A Failure is the clean answer to a damaged file. Anything else is a bug: a
 // crash, a sanitizer report, another exception escaping, a leak, a hang, or
@@ -27,6 +27,7 @@
 #include "handheld/clsPalmFileVFS.h"
 #include "hif/HifView.h"
 #include "hif/MeterDiff.h"
+#include "hif/MeterPlot.h"
 #include "hif/ReadStats.h"
 #include "hif/SortHIF.h"
 #include "hif/clsHIF.h"
@@ -118,6 +119,15 @@ size_t Diff(hifx::IShell& shell, const std::filesystem::path& path) {
   }
 }
 
+// As `hifx plot FILE --svg OUT`: the meters read and drawn.
+size_t Plot(hifx::IShell& shell, const std::filesystem::path& path) {
+  try {
+    return hifx::PlotSvg("fuzz", hifx::ReadPlotMeters(shell, path)).size();
+  } catch (const hifx::Failure&) {
+    return 0;  // a damaged file, refused cleanly
+  }
+}
+
 // The container alone, taken as the kind given: its header and every record.
 // A detected open picks VFS only for a file that starts with a record
 // length, so this is what reaches the VFS reader with anything else.
@@ -173,6 +183,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   sink = sink + View(shell, InputPath());
   sink = sink + Stats(shell, InputPath());
   sink = sink + Diff(shell, InputPath());
+  sink = sink + Plot(shell, InputPath());
   hifx::clsPalmFilePDB pdb;
   sink = sink + Container(pdb, InputPath());
   hifx::clsPalmFileVFS vfs;

@@ -234,6 +234,7 @@ int Main(int argc, const char* const* argv) {
   AddReportCommand(table);
   AddCheckCommand(table);
   AddStatsCommand(table);
+  AddPlotCommand(table);
   AddDiffCommand(table);
 
   try {

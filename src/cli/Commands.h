@@ -56,6 +56,7 @@ void AddReportCommand(CommandTable& table);       // report
 void AddCheckCommand(CommandTable& table);        // check
 void AddStatsCommand(CommandTable& table);        // stats
 void AddDiffCommand(CommandTable& table);         // diff
+void AddPlotCommand(CommandTable& table);         // plot
 
 // The whole command line: parses it, runs the command, says any failure;
 // returns the exit status.

@@ -29,17 +29,9 @@ struct Record {
   int32_t Number(StatsField f) const { return NumberOf(value[f]); }
 };
 
-// A reading in whole dial units, as the reports show it.
-int32_t WholeReading(const Record& r) {
-  const int32_t decimals = r.Number(sDecimals);
-  const int32_t current = r.Number(sCurReading);
-  if (decimals <= 0) return current;
-  return static_cast<int32_t>(std::trunc(current / PowerOfTen(std::min(decimals, 9))));
-}
-
 void CountMeter(const Record& r, RouteReadStats& stats) {
   ++stats.meters;
-  const ReadingNumbers numbers{r.Number(sStatus),     r.Number(sReadType),   WholeReading(r),
+  const ReadingNumbers numbers{r.Number(sStatus),     r.Number(sReadType),   WholeReading(r.Number(sCurReading), r.Number(sDecimals)),
                                r.Number(sReadingDate), r.Number(sMinReading), r.Number(sMaxReading),
                                r.Number(sPrvReading),  r.Number(sResponseCode)};
   if (r.Number(sTamperCount) != 0) ++stats.tamper;

@@ -2,7 +2,11 @@
 // statistics count it: the first of these that holds.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
+
+#include "base/Numbers.h"
 
 namespace hifx {
 
@@ -27,6 +31,13 @@ struct ReadingNumbers {
   int32_t previous = 0;
   int32_t responseCode = 0;
 };
+
+// A reading in whole dial units, its decimals cut off, as the reports show
+// it and judge it.
+inline int32_t WholeReading(int32_t current, int32_t decimals) {
+  if (decimals <= 0) return current;
+  return static_cast<int32_t>(std::trunc(current / PowerOfTen(std::min(decimals, 9))));
+}
 
 // Read types of a meter record.
 inline constexpr int32_t kReadRadio = 1;

@@ -430,8 +430,7 @@ void clsReport::PrintUnitHeader(const ReportRow& values, float& height) {
 void clsReport::ScaleReading(ReportRow& values) {
   const int32_t decimals = Number(values[fDecimals]);
   if (decimals <= 0 || !values.Has(fCurReading)) return;
-  const Value whole = Value::Long(static_cast<int32_t>(
-      std::trunc(Number(values[fCurReading]) / PowerOfTen(std::min(decimals, 9)))));
+  const Value whole = Value::Long(WholeReading(Number(values[fCurReading]), decimals));
   hif_->SetItem("CurReading", whole);
   values[fCurReading] = whole;
 }

@@ -232,5 +232,32 @@ TEST(DiffCommand, AHandMadePairAsATableAndAsJson) {
   EXPECT_EQ(RunHifx({"diff", old, (dir / "missing.pdb").string()}, dir).status, 2);
 }
 
+TEST(PlotCommand, PicturesOfTheExampleAndTheFilesItWillNotWrite) {
+  TempDir dir;
+  const auto svg = (dir / "meters.svg").string(), png = (dir / "meters.png").string();
+#ifdef HIFX_HAVE_QT
+  const auto r = RunHifx({"plot", kExamples + "reading.pdb", "--svg", svg, "--png", png}, dir);
+#else
+  const auto r = RunHifx({"plot", kExamples + "reading.pdb", "--svg", svg}, dir);
+  EXPECT_EQ(RunHifx({"plot", kExamples + "reading.pdb", "--png", png}, dir).status, 2);
+#endif
+  EXPECT_EQ(r.status, 0) << r.err;
+  // The example's meters carry no position: all are said, and listed under
+  // the picture.
+  EXPECT_EQ(r.out.substr(0, r.out.find('\n')), "5 meters, 0 placed, 5 without a position");
+  EXPECT_NE(r.out.find("no position: route 2, sequence 20, meter SN5502, account 200-002\n"), std::string::npos);
+  EXPECT_NE(ReadBytes(svg).find(">route 2, sequence 20, meter SN5502, account 200-002</text>"), std::string::npos);
+#ifdef HIFX_HAVE_QT
+  EXPECT_EQ(ReadBytes(png).substr(0, 8), "\x89PNG\r\n\x1a\n");
+#endif
+
+  // Nothing without a picture to make; never over the file read.
+  EXPECT_EQ(RunHifx({"plot", kExamples + "reading.pdb"}, dir).status, 2);
+  WriteBytes(dir / "copy.pdb", ReadBytes(kExamples + "reading.pdb"));
+  const auto same = RunHifx({"plot", (dir / "copy.pdb").string(), "--svg", (dir / "copy.pdb").string()}, dir);
+  EXPECT_EQ(same.status, 2);
+  EXPECT_EQ(ReadBytes(dir / "copy.pdb"), ReadBytes(kExamples + "reading.pdb"));
+}
+
 }  // namespace
 }  // namespace hifx::test
