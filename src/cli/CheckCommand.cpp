@@ -10,6 +10,7 @@
 #include <string>
 
 #include "cli/Commands.h"
+#include "cli/HifFile.h"
 #include "exchange/clsExchange.h"
 
 namespace hifx::cli {
@@ -39,6 +40,7 @@ class UnloggedShell final : public IShell {
 
 struct CheckOptions {
   std::optional<std::string> map;
+  std::optional<std::string> since;
   std::string file;
 };
 
@@ -54,6 +56,33 @@ void PrintFault(const RouteFault& fault) {
 
 std::string Count(size_t count, const char* one, const char* many) {
   return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+// The meters changed out, new and gone since the last readings, one a line,
+// then their counts.
+void PrintChanges(const RouteCheck& check) {
+  std::printf("\n");
+  for (const MeterDifference& d : check.changes) {
+    const MeterPlace& m = d.change == MeterChange::Removed ? d.before : d.after;
+    std::string line = d.change == MeterChange::Replaced ? "changed out" : d.change == MeterChange::Added ? "new" : "gone";
+    line += ": account ";
+    AppendShown(line, m.account);
+    line += ", route " + std::to_string(m.route) + ", sequence " + std::to_string(m.sequence) + ": meter ";
+    if (d.change == MeterChange::Replaced) {
+      AppendShown(line, FromTo(d.before.serial, m.serial));
+      const std::string detail = ReplacedDetail(d.before, m);
+      if (!detail.empty()) line += ", " + detail;
+    } else {
+      AppendShown(line, m.serial);
+    }
+    std::printf("%s\n", line.c_str());
+  }
+  const auto count = [&](MeterChange change) {
+    return std::count_if(check.changes.begin(), check.changes.end(), [&](auto& d) { return d.change == change; });
+  };
+  std::printf("Since %s: %ld changed out, %ld new, %ld gone\n", check.since.string().c_str(),
+              static_cast<long>(count(MeterChange::Replaced)), static_cast<long>(count(MeterChange::Added)),
+              static_cast<long>(count(MeterChange::Removed)));
 }
 
 void PrintSummary(const RouteCheck& check) {
@@ -83,9 +112,11 @@ int Check(Context& context, const CheckOptions& options) {
   exchange.RouteSource = options.file;
   if (options.map) exchange.RouteMap = *options.map;
   RouteCheck check;
+  if (options.since) check.since = *options.since;
   exchange.CheckRoute(check);
   for (const RouteFault& fault : check.faults) PrintFault(fault);
   PrintSummary(check);
+  if (options.since && check.Converts()) PrintChanges(check);
   std::fflush(stdout);
   return check.Converts() ? kExitOk : kExitNotComplete;
 }
@@ -97,6 +128,8 @@ void AddCheckCommand(CommandTable& table) {
   CLI::App& check = table.Add("check", "a route file read and validated as the conversion would, nothing written",
                               [options](Context& context) { return Check(context, *options); });
   check.add_option("--map", options->map, "the route map, by its file name (else the stored one)")->type_name("NAME");
+  check.add_option("--since", options->since, "the last readings, to list the meters changed out, new and gone")
+      ->type_name("READINGS");
   check.add_option("file", options->file, "the route file")->type_name("FILE")->required();
 }
 

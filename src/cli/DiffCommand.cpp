@@ -22,25 +22,6 @@ struct DiffOptions {
   bool json = false;
 };
 
-std::string FromTo(const std::string& before, const std::string& after) {
-  return before == after ? after : before + " -> " + after;
-}
-
-std::string FromTo(int32_t before, int32_t after) { return FromTo(std::to_string(before), std::to_string(after)); }
-
-// What a changed-out meter changed in, field by field.
-std::string ReplacedDetail(const MeterPlace& b, const MeterPlace& a) {
-  std::string detail;
-  const auto note = [&](const char* name, int32_t x, int32_t y) {
-    if (x == y) return;
-    detail += (detail.empty() ? "" : ", ") + std::string(name) + " " + FromTo(x, y);
-  };
-  note("tag", b.tag, a.tag);
-  note("type", b.type, a.type);
-  note("digits", b.digits, a.digits);
-  return detail;
-}
-
 std::string MeterDetail(const MeterPlace& m) {
   return "tag " + std::to_string(m.tag) + ", type " + std::to_string(m.type) + ", digits " +
          std::to_string(m.digits);

@@ -40,9 +40,36 @@ class ScratchFolder {
   std::filesystem::path path_;
 };
 
+// The meters of the last readings; a failure reading them is a fault of
+// that file.
+std::vector<MeterPlace> LastReadings(IShell& shell, const std::filesystem::path& readings) {
+  try {
+    return ReadMeterPlaces(shell, readings);
+  } catch (const Failure& failure) {
+    if (failure.Kind() != FailureKind::Run) throw;
+    throw Failure(FailureKind::BadInput, failure.Number(), {}, readings, failure.Description());
+  }
+}
+
+// The route file's meters, as the conversion made them, against the last
+// readings: what a change-out in the field or in the billing system left.
+std::vector<MeterDifference> ChangesSince(const std::vector<MeterPlace>& last, IShell& shell,
+                                          const std::filesystem::path& made) {
+  const MeterDiff diff = CompareMeters(last, ReadMeterPlaces(shell, made));
+  std::vector<MeterDifference> changes;
+  for (const MeterDifference& d : diff.differences) {
+    if (d.change == MeterChange::Replaced || d.change == MeterChange::Added || d.change == MeterChange::Removed) {
+      changes.push_back(d);
+    }
+  }
+  return changes;
+}
+
 }  // namespace
 
 bool clsExchange::CheckRoute(RouteCheck& check) {
+  SilentShell quiet;
+  const std::vector<MeterPlace> last = check.since.empty() ? std::vector<MeterPlace>{} : LastReadings(quiet, check.since);
   const ScratchFolder scratch;
   const std::string destination = RouteDestination;
   const bool autoInstall = AutoInstall;
@@ -65,6 +92,7 @@ bool clsExchange::CheckRoute(RouteCheck& check) {
   check.routes = static_cast<int32_t>(RouteNames.size() - 1);
   check.meters = MetersWritten;
   if (!made) check.Stop("the conversion would not make the file");
+  if (made && !check.since.empty()) check.changes = ChangesSince(last, quiet, scratch.Path() / "check.pdb");
   return check.Converts();
 }
 

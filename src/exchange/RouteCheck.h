@@ -4,9 +4,12 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
+
+#include "hif/MeterDiff.h"
 
 namespace hifx {
 
@@ -26,6 +29,11 @@ struct RouteFault {
 };
 
 struct RouteCheck {
+  // The last readings to hold the route against, when given: the meters
+  // changed out since, and the meters new or gone, go to changes.
+  std::filesystem::path since;
+  std::vector<MeterDifference> changes;
+
   std::vector<RouteFault> faults;
   // The first reason the conversion would not make the file; empty when it
   // would.

@@ -72,6 +72,24 @@ int32_t MeterDiff::Count(MeterChange change) const {
       std::count_if(differences.begin(), differences.end(), [&](const auto& d) { return d.change == change; }));
 }
 
+std::string FromTo(const std::string& before, const std::string& after) {
+  return before == after ? after : before + " -> " + after;
+}
+
+std::string FromTo(int32_t before, int32_t after) { return FromTo(std::to_string(before), std::to_string(after)); }
+
+std::string ReplacedDetail(const MeterPlace& before, const MeterPlace& after) {
+  std::string detail;
+  const auto note = [&](const char* name, int32_t x, int32_t y) {
+    if (x == y) return;
+    detail += (detail.empty() ? "" : ", ") + std::string(name) + " " + FromTo(x, y);
+  };
+  note("tag", before.tag, after.tag);
+  note("type", before.type, after.type);
+  note("digits", before.digits, after.digits);
+  return detail;
+}
+
 const char* ChangeWord(MeterChange change) {
   switch (change) {
     case MeterChange::Added: return "added";

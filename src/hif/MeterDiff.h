@@ -44,6 +44,14 @@ std::vector<MeterPlace> ReadMeterPlaces(IShell& shell, const std::filesystem::pa
 
 MeterDiff CompareMeters(const std::vector<MeterPlace>& before, const std::vector<MeterPlace>& after);
 
+// "before -> after", or the one value when they are the same.
+std::string FromTo(const std::string& before, const std::string& after);
+std::string FromTo(int32_t before, int32_t after);
+
+// What a changed-out meter changed in besides its serial number, field by
+// field: "tag 103 -> 109, digits 6 -> 5".
+std::string ReplacedDetail(const MeterPlace& before, const MeterPlace& after);
+
 // The word of a change, as the table and the JSON give it.
 const char* ChangeWord(MeterChange change);
 

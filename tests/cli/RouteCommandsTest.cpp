@@ -92,5 +92,24 @@ TEST_F(RouteCommand, CheckListsTheFaultsAndSaysWhetherTheRouteWouldConvert) {
   EXPECT_FALSE(std::filesystem::exists(dir / "out"));
 }
 
+// --since: the example's second meter changed out and its last meter gone,
+// against the example's readings.
+TEST_F(RouteCommand, CheckSinceTheLastReadingsListsTheChangeOuts) {
+  std::string lines = ReadBytes(kExamples + "route-fixed.txt");
+  lines.replace(lines.find("1012346"), 7, "1019999");
+  lines.replace(lines.find("SN4411"), 6, "SN9911");
+  lines.erase(lines.rfind('\n', lines.size() - 2) + 1);  // the last line
+  WriteBytes(dir / "changed.txt", lines);
+  const auto r = Hifx({"check", "--since", kExamples + "reading.pdb", (dir / "changed.txt").string()});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out,
+            "4 lines, 2 routes, 4 meters; 0 faults\n"
+            "The route would convert.\n"
+            "\n"
+            "gone: account 200-002, route 2, sequence 20: meter SN5502\n"
+            "changed out: account 100-002, route 1, sequence 20: meter SN4411 -> SN9911, tag 1012346 -> 1019999\n"
+            "Since " + kExamples + "reading.pdb: 1 changed out, 0 new, 1 gone\n");
+}
+
 }  // namespace
 }  // namespace hifx::test

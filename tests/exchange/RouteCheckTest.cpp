@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "base/Failure.h"
 #include "config/clsDist.h"
 #include "support/RouteSite.h"
 #include "support/TemporaryFolder.h"
@@ -75,6 +76,38 @@ TEST_F(RouteCheckTest, AFailureInsideTheConversionEndsTheCheckOnItsLine) {
   EXPECT_EQ(check.faults[0].kind, kFaultStop);
   EXPECT_EQ(check.stop, "line 2: " + check.faults[0].message);
   EXPECT_TRUE(site.shell.questions.empty());
+}
+
+// The change-out trap: a route file made before the meters were changed
+// out in the field, held against the last readings.
+TEST_F(RouteCheckTest, SinceTheLastReadingsTheMetersChangedOutNewAndGone) {
+  auto map = FixedLayout();
+  map["ServiceUniqueID"] = "27,10,,,0";
+  site.Map(map);
+  site.Source({FixedLine("1", 1, 100, 'W', 'R', "1 MAIN", "ACCA"), FixedLine("1", 2, 101, 'W', 'R', "2 MAIN", "ACCB"),
+               FixedLine("1", 3, 102, 'W', 'R', "3 MAIN", "ACCC")});
+  ASSERT_TRUE(site.Exchange().ConvertRoute());
+  std::filesystem::rename(site.dir / "route.pdb", site.dir / "last.pdb");
+
+  site.Source({FixedLine("1", 1, 100, 'W', 'R', "1 MAIN", "ACCA"), FixedLine("1", 2, 201, 'W', 'R', "2 MAIN", "ACCB", 6),
+               FixedLine("1", 4, 103, 'W', 'R', "4 MAIN", "ACCD")});
+  RouteCheck check;
+  check.since = site.dir / "last.pdb";
+  EXPECT_TRUE(site.Exchange().CheckRoute(check));
+  std::vector<std::string> changes;
+  for (const MeterDifference& d : check.changes) {
+    changes.push_back(std::string(ChangeWord(d.change)) + " " + d.before.account + ">" + d.after.account + " " +
+                      ReplacedDetail(d.before, d.after));
+  }
+  EXPECT_EQ(changes, (std::vector<std::string>{"added >ACCD tag 0 -> 103, type 0 -> 87, digits 0 -> 5",
+                                               "removed ACCC> tag 102 -> 0, type 87 -> 0, digits 5 -> 0",
+                                               "meter ACCB>ACCB tag 101 -> 201, digits 5 -> 6"}));
+
+  // A last readings file that can't be read ends the check before it runs.
+  WriteBytes(site.dir / "last.pdb", "not a handheld file");
+  RouteCheck damaged;
+  damaged.since = site.dir / "last.pdb";
+  EXPECT_THROW(site.Exchange().CheckRoute(damaged), Failure);
 }
 
 // The check and the conversion say the same of every route file of the
