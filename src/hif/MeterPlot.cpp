@@ -86,29 +86,44 @@ MapArea FitMap(const Projection& p, double top) {
 
 std::string Count(size_t n, const char* one, const char* many) { return std::to_string(n) + " " + (n == 1 ? one : many); }
 
-void DrawRoutes(const std::vector<PlotMeter>& meters, const Projection& p, const MapArea& area, PlotCanvas& canvas) {
-  // Centred in the map area, north up.
+constexpr double kMapTop = kMargin + 24;
+
+MapArea AreaOf(const std::vector<PlotMeter>& meters, const Projection& projection) {
+  const bool anyPlaced = std::any_of(meters.begin(), meters.end(), [](const PlotMeter& m) { return m.Placed(); });
+  return anyPlaced ? FitMap(projection, kMapTop) : MapArea{kMapTop, 60, 1};
+}
+
+// Each meter's place on the map: centred in the map area, north up.
+std::vector<std::optional<std::pair<double, double>>> Place(const std::vector<PlotMeter>& meters,
+                                                            const Projection& p, const MapArea& area) {
   const double left = kMargin + ((kWidth - 2 * kMargin) - p.WidthMetres() / area.metresPerPixel) / 2;
   const double bottom = area.top + area.height - (area.height - p.HeightMetres() / area.metresPerPixel) / 2;
-  const auto at = [&](const PlotMeter& m) {
-    return std::pair(left + p.X(m) / area.metresPerPixel, bottom - p.Y(m) / area.metresPerPixel);
-  };
-  std::map<int32_t, std::vector<const PlotMeter*>> routes;
+  std::vector<std::optional<std::pair<double, double>>> places(meters.size());
+  for (size_t i = 0; i < meters.size(); ++i) {
+    if (!meters[i].Placed()) continue;
+    places[i] = std::pair(left + p.X(meters[i]) / area.metresPerPixel, bottom - p.Y(meters[i]) / area.metresPerPixel);
+  }
+  return places;
+}
+
+void DrawRoutes(const std::vector<PlotMeter>& meters, const Projection& p, const MapArea& area, PlotCanvas& canvas) {
+  const auto places = Place(meters, p, area);
+  std::map<int32_t, std::vector<size_t>> routes;
   size_t placed = 0;
-  for (const PlotMeter& m : meters) {
-    if (!m.Placed()) continue;
-    routes[m.route].push_back(&m);
+  for (size_t i = 0; i < meters.size(); ++i) {
+    if (!places[i]) continue;
+    routes[meters[i].route].push_back(i);
     ++placed;
   }
   for (auto& [route, list] : routes) {
-    std::stable_sort(list.begin(), list.end(), [](auto* a, auto* b) { return a->sequence < b->sequence; });
+    std::stable_sort(list.begin(), list.end(), [&](size_t a, size_t b) { return meters[a].sequence < meters[b].sequence; });
     std::vector<std::pair<double, double>> line;
-    for (const PlotMeter* m : list) line.push_back(at(*m));
+    for (const size_t i : list) line.push_back(*places[i]);
     if (line.size() > 1) canvas.Line(line, kRouteLine, 1);
   }
   const double radius = placed > 2000 ? 2 : 3.5;
   for (const auto& [route, list] : routes) {
-    for (const PlotMeter* m : list) canvas.Dot(at(*m).first, at(*m).second, radius, ColourOf(m->state));
+    for (const size_t i : list) canvas.Dot(places[i]->first, places[i]->second, radius, ColourOf(meters[i].state));
   }
 }
 
@@ -280,7 +295,7 @@ void DrawPlot(const std::string& title, const std::vector<PlotMeter>& meters, Pl
   const size_t unplaced = meters.size() - placed;
   const size_t listed = std::min(unplaced, kUnplacedListed) + (unplaced > kUnplacedListed ? 1 : 0);
   const Projection projection = ProjectionOf(meters);
-  const MapArea area = placed > 0 ? FitMap(projection, kMargin + 24) : MapArea{kMargin + 24, 60, 1};
+  const MapArea area = AreaOf(meters, projection);
   const double below = area.top + area.height + 36;
   const double height = below + 2 * kLineHeight + 8 + (unplaced > 0 ? (static_cast<double>(listed) + 1) * kLineHeight : 0) + kMargin / 2;
 
@@ -297,6 +312,11 @@ void DrawPlot(const std::string& title, const std::vector<PlotMeter>& meters, Pl
   DrawLegend(meters, below + kLineHeight + 8, canvas);
   DrawUnplaced(meters, below + 2 * kLineHeight + 8 + kLineHeight, canvas);
   canvas.End();
+}
+
+std::vector<std::optional<std::pair<double, double>>> MeterPositions(const std::vector<PlotMeter>& meters) {
+  const Projection projection = ProjectionOf(meters);
+  return Place(meters, projection, AreaOf(meters, projection));
 }
 
 std::string PlotSvg(const std::string& title, const std::vector<PlotMeter>& meters) {

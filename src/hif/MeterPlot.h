@@ -9,6 +9,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <utility>
 #include <string>
 #include <vector>
 
@@ -50,6 +52,10 @@ class PlotCanvas {
 inline constexpr size_t kUnplacedListed = 100;
 
 void DrawPlot(const std::string& title, const std::vector<PlotMeter>& meters, PlotCanvas& canvas);
+
+// Where DrawPlot puts each meter's dot, in the picture's pixels; none for a
+// meter without a position. For finding the meter under a click.
+std::vector<std::optional<std::pair<double, double>>> MeterPositions(const std::vector<PlotMeter>& meters);
 
 // The picture as an SVG document.
 std::string PlotSvg(const std::string& title, const std::vector<PlotMeter>& meters);

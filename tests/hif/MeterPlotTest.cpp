@@ -3,6 +3,8 @@
 // the meters without a position listed, the file's text made safe.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
 #include <regex>
 
 #include "hif/MeterPlot.h"
@@ -48,6 +50,17 @@ TEST(MeterPlot, DotsLinesAndLegend) {
   // The town is 157 m across, fitted to 920 pixels: a 20 m bar.
   EXPECT_NE(svg.find(">20 m</text>"), std::string::npos);
   EXPECT_EQ(svg.find("without a position"), std::string::npos);
+
+  // The places for a click are where the dots are drawn.
+  const auto places = MeterPositions(meters);
+  for (size_t i = 0; i < meters.size(); ++i) {
+    ASSERT_TRUE(places[i].has_value());
+    char dot[64];
+    std::snprintf(dot, sizeof dot, "<circle cx=\"%g\" cy=\"%g\"", std::round(places[i]->first * 10) / 10,
+                  std::round(places[i]->second * 10) / 10);
+    EXPECT_NE(svg.find(dot), std::string::npos) << dot;
+  }
+  EXPECT_FALSE(MeterPositions({At(1, 1, 0, 0)})[0].has_value());
 }
 
 TEST(MeterPlot, MetersWithoutAPositionAreListedAndTheirTextMadeSafe) {

@@ -60,11 +60,15 @@ class PainterCanvas final : public PlotCanvas {
 
 }  // namespace
 
-std::string PlotPng(const std::string& title, const std::vector<PlotMeter>& meters) {
-  const QtReportSession session;  // the fonts
+QImage PlotImage(const std::string& title, const std::vector<PlotMeter>& meters) {
   PainterCanvas canvas;
   DrawPlot(title, meters, canvas);
-  return PngBytes(canvas.image);
+  return canvas.image;
+}
+
+std::string PlotPng(const std::string& title, const std::vector<PlotMeter>& meters) {
+  const QtReportSession session;  // the fonts
+  return PngBytes(PlotImage(title, meters));
 }
 
 }  // namespace hifx
