@@ -153,4 +153,5 @@ for page in $(seq "$pages"); do
     fail "printed page $page has $printed_ink inked dots at 10 dpi, the written page $written_ink"
   rm -f "$printed_pgm" "$written_pgm"
 done
-echo "print-to-cups: $pages landscape pages printed on $queue ($size), inked as the written report"
+[ "$pages" -eq 1 ] && sheets="1 landscape page" || sheets="$pages landscape pages"
+echo "print-to-cups: $sheets printed on $queue ($size), inked as the written report"
