@@ -877,6 +877,7 @@ class WidgetTest : public QObject {
     tabs->setCurrentIndex(1);
     auto* map = viewer.findChild<QLabel*>("picMap");
     QVERIFY(!map->pixmap().isNull());
+    QCoreApplication::processEvents();
     Shot(&viewer, "frmHIFView-map");
     // Route 3's second meter, the fourth meter record of the file.
     TestShell quiet;
