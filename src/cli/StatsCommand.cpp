@@ -63,21 +63,6 @@ SiteWords WordsOf(clsAdvanced& advanced, const ReadStats& stats) {
           AlertWord(advanced.AlertTamper())};
 }
 
-std::string TimeText(const std::optional<ReadingTime>& t) {
-  if (!t) return "-";
-  char text[32];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", t->date / 10000, t->date / 100 % 100,
-                t->date % 100, t->time / 10000, t->time / 100 % 100, t->time % 100);
-  return text;
-}
-
-std::string SpanText(int64_t seconds) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%lld:%02lld:%02lld", static_cast<long long>(seconds / 3600),
-                static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60));
-  return text;
-}
-
 std::vector<std::string> RowOf(const std::string& route, const RouteReadStats& s) {
   std::vector<std::string> row{route};
   AppendShown(row.emplace_back(), s.name);
@@ -85,8 +70,8 @@ std::vector<std::string> RowOf(const std::string& route, const RouteReadStats& s
                           s.rollover, s.tamper}) {
     row.push_back(std::to_string(n));
   }
-  row.push_back(TimeText(s.first));
-  row.push_back(TimeText(s.last));
+  row.push_back(ReadingTimeText(s.first));
+  row.push_back(ReadingTimeText(s.last));
   row.push_back(s.first ? SpanText(s.SpanSeconds()) : "-");
   return row;
 }
@@ -113,7 +98,7 @@ void PrintText(const ReadStats& stats, const SiteWords& words) {
 
 std::string JsonTime(const std::optional<ReadingTime>& t) {
   if (!t) return "null";
-  std::string text = TimeText(t);
+  std::string text = ReadingTimeText(t);
   text[10] = 'T';
   return JsonText(text);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <string_view>
 
 #include "base/DateSerial.h"
@@ -96,6 +97,21 @@ void RouteReadStats::Add(const RouteReadStats& o) {
 int64_t RouteReadStats::SpanSeconds() const {
   if (!first || !last) return 0;
   return std::llround((SerialOf(*last) - SerialOf(*first)) * 86400.0);
+}
+
+std::string ReadingTimeText(const std::optional<ReadingTime>& t) {
+  if (!t) return "-";
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", t->date / 10000, t->date / 100 % 100,
+                t->date % 100, t->time / 10000, t->time / 100 % 100, t->time % 100);
+  return text;
+}
+
+std::string SpanText(int64_t seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%lld:%02lld:%02lld", static_cast<long long>(seconds / 3600),
+                static_cast<long long>(seconds / 60 % 60), static_cast<long long>(seconds % 60));
+  return text;
 }
 
 ReadStats CountReadings(IShell& shell, const std::filesystem::path& file) {

@@ -60,6 +60,11 @@ struct ReadStats {
   std::vector<SkipCode> skipCodes;
 };
 
+// "2024-03-09 23:59:00"; "-" for no time.
+std::string ReadingTimeText(const std::optional<ReadingTime>& t);
+// Hours, minutes and seconds: "15:18:00".
+std::string SpanText(int64_t seconds);
+
 // Counts the reading HIF. Raises a failure of kind BadInput, naming the
 // file, when it can't be read or its structure doesn't hold.
 ReadStats CountReadings(IShell& shell, const std::filesystem::path& file);

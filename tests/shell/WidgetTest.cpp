@@ -1,6 +1,24 @@
 // The desktop program's windows on the offscreen platform: every caption,
 // tip, menu and question, the conversions started from the main window
 // against the command line's, and a picture of each window.
+#include <memory>
+
+#include "app/Session.h"
+#include "config/clsDist.h"
+#include "hif/MeterPlot.h"
+#include "reports/qt/QtRptDevice.h"
+#include "shell/DesktopShell.h"
+#include "shell/ProgressOverlay.h"
+#include "shell/frmAdvRecord.h"
+#include "shell/frmHIFView.h"
+#include "shell/frmLogin.h"
+#include "shell/frmMain.h"
+#include "shell/frmUnitInstall.h"
+#include "shell/ModalScript.h"
+#include "support/HifImage.h"
+#include "support/RunHifx.h"
+#include "support/TestShell.h"
+
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QSettings>
 #include <QtTest/QtTest>
@@ -18,22 +36,6 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QToolButton>
-
-#include <memory>
-
-#include "app/Session.h"
-#include "config/clsDist.h"
-#include "reports/qt/QtRptDevice.h"
-#include "shell/DesktopShell.h"
-#include "shell/ProgressOverlay.h"
-#include "shell/frmAdvRecord.h"
-#include "shell/frmHIFView.h"
-#include "shell/frmLogin.h"
-#include "shell/frmMain.h"
-#include "shell/frmUnitInstall.h"
-#include "shell/ModalScript.h"
-#include "support/RunHifx.h"
-#include "support/TestShell.h"
 
 namespace hifx::test {
 
@@ -99,6 +101,46 @@ std::pair<QStringList, QStringList> Tabs(QWidget* window, const QString& shot) {
 void Pick(QWidget* window, const char* list, int row) {
   auto* tree = window->findChild<QTreeWidget*>(list);
   tree->setCurrentItem(tree->topLevelItem(row));
+}
+
+// A reading file of two routes a block apart, their meters listed in turn:
+// route 7 read by radio and by hand (below range) and one not read, route 3
+// read by probe (above range) and one skipped for a locked gate; an orphan.
+void WriteMappedReadings(const std::filesystem::path& path) {
+  TestShell quiet;
+  HifWriter w(quiet, path, 3, kFilePDB, 20);
+  w.Add({{"RecType", kRecFileHeader}, {"RouteNbr", 2}, {"MeterType", 3}});
+  w.Add({{"RecType", kRecRouteHeader}, {"RouteNbr", 7}, {"Initials", "NORTH"}});
+  w.Add({{"RecType", kRecRouteHeader}, {"RouteNbr", 3}, {"Initials", "SOUTH"}});
+  struct Meter {
+    int32_t route, sequence, lng, status, readType, current, time, responseCode;
+  };
+  const Meter meters[] = {{7, 10, 7000000, 1, 1, 150, 80000, 0}, {3, 10, 7000000, 1, 3, 900, 90000, 0},
+                          {7, 20, 7001000, 1, 2, 50, 81500, 0},  {3, 20, 7001000, 0, 1, 0, 0, 2},
+                          {7, 30, 7002000, 0, 1, 0, 0, 0}};
+  for (const Meter& m : meters) {
+    w.Add({{"RecType", kRecMeter}, {"RouteNbr", m.route}, {"Sequence", m.sequence},
+           {"MeterTagNbr", m.route * 1000 + m.sequence}, {"MeterType", 1}, {"Digits", 6}, {"Status", m.status},
+           {"ReadType", m.readType}, {"CurReading", m.current}, {"PrvReading", 100}, {"MinReading", 101},
+           {"MaxReading", 600}, {"ReadingDate", m.time ? 20240309 : 0}, {"ReadingTime", m.time},
+           {"ResponseCode", m.responseCode}, {"Lat", m.route == 7 ? 45000000 : 45001000}, {"Lng", m.lng}});
+  }
+  w.Add({{"RecType", kRecOrphan}, {"MeterTagNbr", 5}});
+  w.hif.AddCodeRecord(kRecCodes, 0, 0, 2, {"DOG", "LCK"}, {"Dog in yard", "Locked gate"}, {});
+}
+
+// The statistics panel's figures, "Meters" to "Orphans", for the whole file
+// or for the route chosen.
+QStringList Figures(QWidget* viewer, bool route) {
+  QStringList figures;
+  for (const char* name : {"Meters", "Read", "NotRead", "Skipped", "ByRadio", "ByHand", "ByProbe", "BelowRange",
+                           "AboveRange", "Rollover", "Tamper", "FirstReading", "LastReading", "TimeTaken",
+                           "Orphans"}) {
+    const QString label = QString("lblStat") + name + (route ? "Route" : "");
+    auto* figure = viewer->findChild<QLabel*>(label);
+    figures << (figure ? figure->text() : "no " + label);
+  }
+  return figures;
 }
 
 QStringList MenuItems(QMenu* menu) {
@@ -801,6 +843,78 @@ class WidgetTest : public QObject {
     script.File({});
     desk.Menu("mnuFViewer")->trigger();
     QVERIFY(script.dialogs.at(1).endsWith("|" + Q(kExamples.string())));
+  }
+
+  void viewerCountsTheFileAndTheRouteClicked() {
+    Desk desk(false);
+    WriteMappedReadings(desk.dir / "mapped.pdb");
+    frmHIFView viewer(desk.shell);
+    QVERIFY(viewer.Display(desk.dir / "mapped.pdb"));
+    QCOMPARE(Figures(&viewer, false), QStringList({"5", "3", "1", "1", "1", "1", "1", "1", "1", "0", "0",
+                                                   "2024-03-09 08:00:00", "2024-03-09 09:00:00", "1:00:00", "1"}));
+    QCOMPARE(Figures(&viewer, true), QStringList(15, ""));
+    QCOMPARE(viewer.findChild<QLabel*>("lblStatSkipped")->toolTip(), "Locked gate (LCK): 1");
+    QCOMPARE(viewer.findChild<QLabel*>("lblStatNote")->text(), "");
+    // The route list keeps its columns; a click on route 7 counts it beside the file.
+    QVERIFY((viewer.Routes().Table().columns == std::vector<std::string>{"Index", "Route", "Meters", "First Read", "Last Read"}));
+    auto* list = viewer.findChild<QTableView*>("lstRoutes");
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
+    QCOMPARE(viewer.findChild<QLabel*>("lblStatRoute")->text(), "Route 7 NORTH");
+    QCOMPARE(Figures(&viewer, true), QStringList({"3", "2", "1", "0", "1", "1", "0", "1", "0", "0", "0",
+                                                  "2024-03-09 08:00:00", "2024-03-09 08:15:00", "0:15:00", ""}));
+    QCOMPARE(viewer.Meters().Table().rows.size(), size_t(3));
+    Shot(&viewer, "frmHIFView-counts");
+  }
+
+  void viewerMapClickFindsTheMeter() {
+    Desk desk(false);
+    WriteMappedReadings(desk.dir / "mapped.pdb");
+    frmHIFView viewer(desk.shell);
+    QVERIFY(viewer.Display(desk.dir / "mapped.pdb"));
+    auto* tabs = viewer.findChild<QTabWidget*>("tabMeters");
+    QCOMPARE(tabs->tabText(0), "Meters");
+    QCOMPARE(tabs->tabText(1), "Map");
+    tabs->setCurrentIndex(1);
+    auto* map = viewer.findChild<QLabel*>("picMap");
+    QVERIFY(!map->pixmap().isNull());
+    QCoreApplication::processEvents();
+    Shot(&viewer, "frmHIFView-map");
+    // Route 3's second meter, the fourth meter record of the file.
+    TestShell quiet;
+    const auto place = MeterPositions(ReadPlotMeters(quiet, desk.dir / "mapped.pdb")).at(3).value();
+    QTest::mouseClick(map, Qt::LeftButton, {}, QPoint(qRound(place.first) + 2, qRound(place.second) - 2));
+    QCOMPARE(tabs->currentIndex(), 0);
+    auto* routes = viewer.findChild<QTableView*>("lstRoutes");
+    QCOMPARE(routes->selectionModel()->selectedRows().value(0).row(), 1);
+    QCOMPARE(viewer.findChild<QLabel*>("lblStatRoute")->text(), "Route 3 SOUTH");
+    auto* meters = viewer.findChild<QTableView*>("lstMeters");
+    const QModelIndex picked = meters->selectionModel()->selectedRows().value(0);
+    QCOMPARE(picked.row(), 1);
+    QCOMPARE(picked.siblingAtColumn(0).data().toString(), "20");
+    QCOMPARE(picked.siblingAtColumn(1).data().toString(), "3020");
+    // A click on no dot leaves the choice as it is.
+    tabs->setCurrentIndex(1);
+    QTest::mouseClick(map, Qt::LeftButton, {}, QPoint(2, 2));
+    QCOMPARE(tabs->currentIndex(), 1);
+    QCOMPARE(meters->selectionModel()->selectedRows().value(0).row(), 1);
+  }
+
+  void viewerOnADamagedFileShowsWhatItCan() {
+    Desk desk(false);
+    WriteMappedReadings(desk.dir / "damaged.pdb");
+    // A database name without its NUL: the records still read.
+    std::string bytes = ReadBytes(desk.dir / "damaged.pdb");
+    bytes.replace(0, 32, std::string(32, 'X'));
+    WriteBytes(desk.dir / "damaged.pdb", bytes);
+    frmHIFView viewer(desk.shell);
+    QVERIFY(viewer.Display(desk.dir / "damaged.pdb"));
+    QCOMPARE(viewer.Routes().Table().rows.size(), size_t(2));
+    QCOMPARE(viewer.findChild<QLabel*>("lblStatNote")->text(), "No counts: the file is damaged.");
+    QCOMPARE(Figures(&viewer, false), QStringList(15, ""));
+    viewer.lstRoutes_Click(1);
+    QCOMPARE(viewer.Meters().Table().rows.size(), size_t(2));
+    QCOMPARE(Figures(&viewer, true), QStringList(15, ""));
+    Shot(&viewer, "frmHIFView-damaged");
   }
 
   void viewerOnAFileThatIsNoHifSaysSo() {
