@@ -3,40 +3,18 @@
 // whether the conversion would make the file (exit 0) or not (exit 1).
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "app/UnloggedShell.h"
 #include "cli/Commands.h"
 #include "cli/HifFile.h"
 #include "exchange/clsExchange.h"
 
 namespace hifx::cli {
 namespace {
-
-// The person's shell without the conversion's log: its questions and
-// prompts still reach the person, its lines don't.
-class UnloggedShell final : public IShell {
- public:
-  explicit UnloggedShell(IShell& person) : person_(person) {}
-  void WriteLog(std::string_view) override {}
-  void SetProgressButton(int32_t, int32_t) override {}
-  MsgAnswer MsgBox(std::string_view text, std::string_view title, MsgButtons buttons, MsgIcon icon) override {
-    return person_.MsgBox(text, title, buttons, icon);
-  }
-  bool PromptVariables(const std::vector<PromptField>& fields, std::vector<std::string>& values) override {
-    return person_.PromptVariables(fields, values);
-  }
-  std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
-                                      std::string_view defaultValue) override {
-    return person_.InputBox(prompt, title, defaultValue);
-  }
-
- private:
-  IShell& person_;
-};
 
 struct CheckOptions {
   std::optional<std::string> map;
@@ -54,58 +32,20 @@ void PrintFault(const RouteFault& fault) {
   }
 }
 
-std::string Count(size_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 // The meters changed out, new and gone since the last readings, one a line,
 // then their counts.
 void PrintChanges(const RouteCheck& check) {
   std::printf("\n");
-  for (const MeterDifference& d : check.changes) {
-    const MeterPlace& m = d.change == MeterChange::Removed ? d.before : d.after;
-    std::string line = d.change == MeterChange::Replaced ? "changed out" : d.change == MeterChange::Added ? "new" : "gone";
-    line += ": account ";
-    AppendShown(line, m.account);
-    line += ", route " + std::to_string(m.route) + ", sequence " + std::to_string(m.sequence) + ": meter ";
-    if (d.change == MeterChange::Replaced) {
-      AppendShown(line, FromTo(d.before.serial, m.serial));
-      const std::string detail = ReplacedDetail(d.before, m);
-      if (!detail.empty()) line += ", " + detail;
-    } else {
-      AppendShown(line, m.serial);
-    }
-    std::printf("%s\n", line.c_str());
-  }
-  const auto count = [&](MeterChange change) {
-    return std::count_if(check.changes.begin(), check.changes.end(), [&](auto& d) { return d.change == change; });
-  };
-  std::printf("Since %s: %ld changed out, %ld new, %ld gone\n", check.since.string().c_str(),
-              static_cast<long>(count(MeterChange::Replaced)), static_cast<long>(count(MeterChange::Added)),
-              static_cast<long>(count(MeterChange::Removed)));
+  for (const MeterDifference& d : check.changes) std::printf("%s\n", ChangeLine(d, AppendShown).c_str());
+  std::printf("%s\n", ChangesSummary(check).c_str());
 }
 
 void PrintSummary(const RouteCheck& check) {
-  std::string kinds;
-  for (const auto& [kind, count] : check.CountByKind()) {
-    kinds += (kinds.empty() ? ": " : ", ") + std::to_string(count) + " " + kind;
-  }
-  const auto whole = [](int32_t n) { return static_cast<size_t>(std::max(n, 0)); };
-  std::printf("%s, %s, %s; %s%s\n", Count(whole(check.lines), "line", "lines").c_str(),
-              Count(whole(check.routes), "route", "routes").c_str(),
-              Count(whole(check.meters), "meter", "meters").c_str(),
-              Count(check.faults.size(), "fault", "faults").c_str(), kinds.c_str());
-  if (!check.Converts()) {
-    std::printf("The route would not convert: %s\n", check.stop.c_str());
-  } else if (!check.faults.empty()) {
-    std::printf("The route would convert, with warnings.\n");
-  } else {
-    std::printf("The route would convert.\n");
-  }
+  std::printf("%s\n%s\n", CheckSummary(check).c_str(), CheckVerdict(check).c_str());
 }
 
 int Check(Context& context, const CheckOptions& options) {
-  UnloggedShell shell(context.Shell());
+  app::UnloggedShell shell(context.Shell());
   ExchangeEnvironment environment = context.Environment();
   clsExchange exchange({environment.store, shell, environment.clock, environment.siteFolder, environment.syncRoot});
   exchange.LoadSettings();

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -53,5 +54,24 @@ struct RouteCheck {
     return counts;
   }
 };
+
+// The check's counts and its faults by kind, as one line: "5 lines,
+// 3 routes, 5 meters; 2 faults: 1 empty, 1 zero".
+std::string CheckSummary(const RouteCheck& check);
+// Whether the route would convert, with warnings or not, or why not.
+std::string CheckVerdict(const RouteCheck& check);
+
+// A meter changed out, new or gone since the last readings, as one line;
+// append adds a text of the files to the line (as it is, or made safe for a
+// terminal).
+using AppendText = std::function<void(std::string& line, const std::string& text)>;
+std::string ChangeLine(const MeterDifference& change, const AppendText& append);
+// The counts of the changes: "Since FILE: 1 changed out, 0 new, 2 gone".
+std::string ChangesSummary(const RouteCheck& check);
+
+// The faults as CSV for a spreadsheet: a header row Line,Field,Value,Kind,
+// Message, then one row a fault; a field holding a comma, a quote or a line
+// break quoted, its quotes doubled; every row ends in CR LF.
+std::string FaultsCsv(const RouteCheck& check);
 
 }  // namespace hifx

@@ -25,6 +25,7 @@
 #include "shell/ProgressOverlay.h"
 #include "shell/StartUp.h"
 #include "shell/frmAdvanced.h"
+#include "shell/frmCheckRoute.h"
 #include "shell/frmFavorites.h"
 #include "shell/frmHIFView.h"
 #include "shell/frmOptions.h"
@@ -131,6 +132,9 @@ void frmMain::BuildMenus() {
   convert->addAction("Make Route Download File", cmdRoute_, &QPushButton::click)->setObjectName("mnuCRoute");
   convert->addAction("Make ReRead Download File", cmdReRead_, &QPushButton::click)->setObjectName("mnuCReRead");
   convert->addAction("Process Readings File", cmdReading_, &QPushButton::click)->setObjectName("mnuCReadings");
+  convert->addSeparator();
+  convert->addAction("Check Route File...", this, [this] { Guarded([this] { mnuCCheck_Click(); }); })
+      ->setObjectName("mnuCCheck");
 
   QMenu* setup = menuBar()->addMenu("&Setup");
   setup->setObjectName("mnuSetup");
@@ -352,6 +356,11 @@ void frmMain::mnuSUCreateDest_Click() {
   if (!file) return;
   clsDist dist(session_.Store(), shell_, site);
   dist.WriteDist(*file);
+}
+
+void frmMain::mnuCCheck_Click() {
+  frmCheckRoute window(session_, this);
+  window.exec();
 }
 
 void frmMain::mnuFViewer_Click() {

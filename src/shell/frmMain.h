@@ -47,6 +47,8 @@ class frmMain : public QMainWindow, public ILogView {
   void mnuSULoadDist_Click();
   void mnuSUCreateDest_Click();
   void mnuFViewer_Click();
+  // The route file checked in a window of its own, away from the log.
+  void mnuCCheck_Click();
   // Runs the report of the reading file: printed, or as a preview.
   void RunReport(bool preview, int32_t type, const std::string& title);
 

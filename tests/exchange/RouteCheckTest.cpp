@@ -110,6 +110,32 @@ TEST_F(RouteCheckTest, SinceTheLastReadingsTheMetersChangedOutNewAndGone) {
   EXPECT_THROW(site.Exchange().CheckRoute(damaged), Failure);
 }
 
+// The words the command prints and the window shows, and the faults as a
+// spreadsheet reads them back.
+TEST(RouteCheckText, SummaryVerdictAndFaultsAsCsv) {
+  RouteCheck check;
+  check.lines = 1;
+  check.routes = 1;
+  check.meters = 1;
+  EXPECT_EQ(CheckSummary(check), "1 line, 1 route, 1 meter; 0 faults");
+  EXPECT_EQ(CheckVerdict(check), "The route would convert.");
+  EXPECT_EQ(FaultsCsv(check), "Line,Field,Value,Kind,Message\r\n");
+
+  check.lines = 12;
+  check.Fault({2, "Sequence", "0", kFaultZero, "Sequence is zero"});
+  check.Fault({0, "", "", kFaultStop, "Could not open \"r,1.txt\"\r\nat all"});
+  check.Fault({11, "Address", " a\nb ", kFaultEmpty, "plain"});
+  EXPECT_EQ(CheckSummary(check), "12 lines, 1 route, 1 meter; 3 faults: 1 empty, 1 stop, 1 zero");
+  EXPECT_EQ(CheckVerdict(check), "The route would convert, with warnings.");
+  check.Stop("a duplicate tag: 100");
+  EXPECT_EQ(CheckVerdict(check), "The route would not convert: a duplicate tag: 100");
+  EXPECT_EQ(FaultsCsv(check),
+            "Line,Field,Value,Kind,Message\r\n"
+            "2,Sequence,0,zero,Sequence is zero\r\n"
+            ",,,stop,\"Could not open \"\"r,1.txt\"\"\r\nat all\"\r\n"
+            "11,Address,\" a\nb \",empty,plain\r\n");
+}
+
 // The check and the conversion say the same of every route file of the
 // fuzz corpora, through each of the example site's route maps.
 TEST_F(RouteCheckTest, AgreesWithTheConversionOnEveryCorpusFile) {

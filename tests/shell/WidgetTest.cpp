@@ -25,6 +25,7 @@
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
+#include <QtWidgets/QHeaderView>
 #include <QtWidgets/QRadioButton>
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QTreeWidget>
@@ -143,6 +144,28 @@ QStringList Figures(QWidget* viewer, bool route) {
   return figures;
 }
 
+// The example route file with more lines after it, and a zero sequence on
+// line 2 and on the last line, 12.
+std::filesystem::path RouteWithZeroSequences(const std::filesystem::path& dir) {
+  std::string text = ReadBytes(kExamples / "route-fixed.txt");
+  const std::string first = text.substr(0, text.find("\r\n") + 2);
+  text.replace(first.size() + 4, 6, "000000");
+  for (int line = 6; line <= 12; ++line) {
+    char fields[19];
+    std::snprintf(fields, sizeof fields, "0003%06d%08d", line == 12 ? 0 : line * 10, 3000000 + line);
+    text += fields + first.substr(18);
+  }
+  WriteBytes(dir / "zeros.txt", text);
+  return dir / "zeros.txt";
+}
+
+// The cells of a list's column, as shown, top to bottom.
+QStringList Column(QTableView* list, int column) {
+  QStringList cells;
+  for (int row = 0; row < list->model()->rowCount(); ++row) cells << list->model()->index(row, column).data().toString();
+  return cells;
+}
+
 QStringList MenuItems(QMenu* menu) {
   QStringList items;
   for (QAction* action : menu->actions()) {
@@ -203,7 +226,8 @@ class WidgetTest : public QObject {
     QCOMPARE(titles, QStringList({"File", "&Convert", "&Setup", "&Help"}));
     QCOMPARE(MenuItems(menus[0]), QStringList({"Viewer...", "E&xit"}));
     QCOMPARE(MenuItems(menus[1]),
-             QStringList({"Make Route Download File", "Make ReRead Download File", "Process Readings File"}));
+             QStringList({"Make Route Download File", "Make ReRead Download File", "Process Readings File",
+                          "Check Route File..."}));
     QCOMPARE(MenuItems(menus[2]), QStringList({"Configure Interchange", "Load Distribution", "Create Distribution"}));
     QCOMPARE(MenuItems(menus[3]), QStringList({"Usage", "Maps", "About"}));
     Shot(&desk.Main(), "frmMain-idle");
@@ -615,6 +639,49 @@ class WidgetTest : public QObject {
     std::string code, reason;
     QVERIFY(desk.session.Exchange().Advanced().GetSkip(Value("09"), code, reason) > 0);
     QCOMPARE(Q(reason), "Snow");
+  }
+
+  void aRouteFileIsCheckedFromTheMenuAwayFromTheLog() {
+    Desk desk;
+    const std::filesystem::path route = RouteWithZeroSequences(desk.dir.path());
+    const std::string storedSource = desk.session.Exchange().RouteSource;
+    ModalScript script;
+    script.Then("frmCheckRoute", [&](QWidget* window) {
+      QCOMPARE(window->findChild<QLineEdit*>("txtRoute")->text(), Q(storedSource));
+      QCOMPARE(window->findChild<QComboBox*>("cboMap")->currentText(), "Billing");
+      window->findChild<QLineEdit*>("txtRoute")->setText(Q(route.string()));
+      window->findChild<QPushButton*>("cmdCheck")->click();
+      auto* list = window->findChild<QTableView*>("lstFaults");
+      QCOMPARE(Column(list, 0), QStringList({"2", "12"}));
+      QCOMPARE(Column(list, 1), QStringList({"Sequence", "Sequence"}));
+      QCOMPARE(Column(list, 3), QStringList({"zero", "zero"}));
+      QCOMPARE(window->findChild<QLabel*>("lblSummary")->text(), "12 lines, 3 routes, 12 meters; 2 faults: 2 zero");
+      QCOMPARE(window->findChild<QLabel*>("lblVerdict")->text(), "The route would convert, with warnings.");
+      // Twice on the header: by line, then by line from the last.
+      QTest::mouseClick(list->horizontalHeader()->viewport(), Qt::LeftButton, {},
+                        QPoint(list->horizontalHeader()->sectionViewportPosition(0) + 5, 5));
+      QCOMPARE(Column(list, 0), QStringList({"2", "12"}));
+      QTest::mouseClick(list->horizontalHeader()->viewport(), Qt::LeftButton, {},
+                        QPoint(list->horizontalHeader()->sectionViewportPosition(0) + 5, 5));
+      QCOMPARE(Column(list, 0), QStringList({"12", "2"}));
+      QCoreApplication::processEvents();
+      Shot(window, "frmCheckRoute");
+      window->findChild<QPushButton*>("cmdSave")->click();
+      // A file in a folder that isn't there: the failure names it.
+      window->findChild<QPushButton*>("cmdSave")->click();
+      window->findChild<QPushButton*>("cmdClose")->click();
+    });
+    script.File(desk.dir / "faults.csv");
+    script.File(desk.dir / "missing" / "faults.csv");
+    script.Box(QMessageBox::Ok);
+    desk.Menu("mnuCCheck")->trigger();
+    QVERIFY(script.Done());
+    QCOMPARE(Q(ReadBytes(desk.dir / "faults.csv")), "Line,Field,Value,Kind,Message\r\n"
+                                                      "2,Sequence,0,zero,Sequence zero in Line 2\r\n"
+                                                      "12,Sequence,0,zero,Sequence zero in Line 12\r\n");
+    QVERIFY(script.boxes.at(0).text.startsWith("Could not save " + Q((desk.dir / "missing" / "faults.csv").string())));
+    QCOMPARE(desk.Log(), "");
+    QCOMPARE(Q(desk.session.Exchange().RouteSource), Q(storedSource));
   }
 
   void aFailedConversionSaysSoAndTheLogButtonsFollowTheLog() {
