@@ -44,7 +44,18 @@ unset QT_QPA_PLATFORM
 "$desktop" --site site > "$work/desktop.log" 2>&1 &
 app=$!
 
-window() { timeout 20 xdotool search --sync --onlyvisible --name "$1" | head -1; }
+# The first visible window of that title, waited for up to 20 s. A window
+# that closes while xdotool looks at it (the login, as the main window
+# opens) makes one search fail: the next one goes on.
+window() {
+  local id
+  for _ in $(seq 100); do
+    id=$(xdotool search --onlyvisible --name "$1" 2> /dev/null | head -1) || true
+    [ -n "$id" ] && echo "$id" && return 0
+    sleep 0.2
+  done
+  return 1
+}
 login=$(window '^Login$') || fail "no login window"
 xdotool windowfocus --sync "$login"
 xdotool type --delay 20 SUPER
