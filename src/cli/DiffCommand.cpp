@@ -67,30 +67,12 @@ void PrintText(const MeterDiff& diff) {
   std::printf("%s\n", Summary(diff).c_str());
 }
 
-std::string JsonOf(const MeterPlace& m) {
-  std::string out = "{";
-  AppendField(out, "serial", JsonText(m.serial));
-  const std::pair<const char*, int32_t> numbers[] = {{"tag", m.tag},       {"type", m.type},
-                                                     {"digits", m.digits}, {"route", m.route},
-                                                     {"sequence", m.sequence}};
-  for (const auto& [name, number] : numbers) AppendField(out, name, std::to_string(number));
-  return out + "}";
-}
-
 void PrintJson(const DiffOptions& options, const MeterDiff& diff) {
   std::string out = "{";
   AppendField(out, "old", JsonText(options.before));
   AppendField(out, "new", JsonText(options.after));
   std::string list = "[";
-  for (const MeterDifference& d : diff.differences) {
-    list += list.size() > 1 ? ",{" : "{";
-    AppendField(list, "change", JsonText(ChangeWord(d.change)));
-    const MeterPlace& m = d.change == MeterChange::Removed ? d.before : d.after;
-    AppendField(list, "account", JsonText(m.account));
-    AppendField(list, "old", d.change == MeterChange::Added ? "null" : JsonOf(d.before));
-    AppendField(list, "new", d.change == MeterChange::Removed ? "null" : JsonOf(d.after));
-    list += '}';
-  }
+  for (const MeterDifference& d : diff.differences) list += (list.size() > 1 ? "," : "") + DifferenceJson(d);
   AppendField(out, "differences", list + "]");
   std::string counts = "{";
   for (const MeterChange c : {MeterChange::Added, MeterChange::Removed, MeterChange::Moved, MeterChange::Resequenced,

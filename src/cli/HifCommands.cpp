@@ -63,6 +63,30 @@ std::string JsonText(const std::string& text) {
 
 namespace {
 
+std::string MeterJson(const MeterPlace& m) {
+  std::string out = "{";
+  AppendField(out, "serial", JsonText(m.serial));
+  const std::pair<const char*, int32_t> numbers[] = {{"tag", m.tag},       {"type", m.type},
+                                                     {"digits", m.digits}, {"route", m.route},
+                                                     {"sequence", m.sequence}};
+  for (const auto& [name, number] : numbers) AppendField(out, name, std::to_string(number));
+  return out + "}";
+}
+
+}  // namespace
+
+std::string DifferenceJson(const MeterDifference& d) {
+  std::string out = "{";
+  AppendField(out, "change", JsonText(ChangeWord(d.change)));
+  const MeterPlace& m = d.change == MeterChange::Removed ? d.before : d.after;
+  AppendField(out, "account", JsonText(m.account));
+  AppendField(out, "old", d.change == MeterChange::Added ? "null" : MeterJson(d.before));
+  AppendField(out, "new", d.change == MeterChange::Removed ? "null" : MeterJson(d.after));
+  return out + "}";
+}
+
+namespace {
+
 void PrintRow(const std::vector<std::string>& cells) {
   std::string line;
   for (size_t i = 0; i < cells.size(); ++i) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "hif/MeterDiff.h"
 
 namespace hifx::cli {
 
@@ -33,5 +34,8 @@ void PrintTable(const std::vector<std::vector<std::string>>& rows, const std::ve
 void AppendField(std::string& out, const char* name, const std::string& json);
 // Text as a quoted JSON string.
 std::string JsonText(const std::string& text);
+// A meter's change as a JSON object: its change word, account, and the
+// meter before and after (null where there is none).
+std::string DifferenceJson(const MeterDifference& difference);
 
 }  // namespace hifx::cli

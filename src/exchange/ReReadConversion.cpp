@@ -181,11 +181,11 @@ bool clsExchange::ConvertReRead() {
   } catch (const Failure& failure) {
     SourceFile.reset();
     KeepRouteFile();
-    env_.shell.MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
+    ShowRouteFailure(failure.Description());
   } catch (const std::exception& failure) {
     SourceFile.reset();
     KeepRouteFile();
-    env_.shell.MsgBox(Describe(failure), "Error", MsgButtons::OK, MsgIcon::Critical);
+    ShowRouteFailure(Describe(failure));
   }
   return false;
 }

@@ -30,6 +30,9 @@ struct RouteFault {
 };
 
 struct RouteCheck {
+  // A plain list of meters to visit again, read as its re-read conversion
+  // reads it, rather than a route file.
+  bool rereadList = false;
   // The last readings to hold the route against, when given: the meters
   // changed out since, and the meters new or gone, go to changes.
   std::filesystem::path since;

@@ -59,13 +59,23 @@ std::string ChangeLine(const MeterDifference& change, const AppendText& append) 
   std::string line = change.change == MeterChange::Replaced ? "changed out"
                      : change.change == MeterChange::Added  ? "new"
                                                             : "gone";
-  line += ": account ";
-  append(line, m.account);
-  line += ", route " + std::to_string(m.route) + ", sequence " + std::to_string(m.sequence) + ": meter ";
-  if (change.change != MeterChange::Replaced) {
-    append(line, m.serial);
-    return line;
+  line += ": ";
+  // A meter of a re-read list may come by its tag alone.
+  if (!m.account.empty()) {
+    line += "account ";
+    append(line, m.account);
+    line += ", ";
   }
+  line += "route " + std::to_string(m.route) + ", sequence " + std::to_string(m.sequence) + ": ";
+  if (change.change != MeterChange::Replaced) {
+    if (!m.serial.empty()) {
+      line += "meter ";
+      append(line, m.serial);
+      line += ", ";
+    }
+    return line + "tag " + std::to_string(m.tag);
+  }
+  line += "meter ";
   append(line, FromTo(change.before.serial, m.serial));
   const std::string detail = ReplacedDetail(change.before, m);
   if (!detail.empty()) line += ", " + detail;

@@ -252,6 +252,7 @@ class clsExchange {
   void Report(const std::string& message, int16_t& result, RouteFault fault);
   // A failure that ends a route run: shown, or, in a check, kept.
   void ShowRouteFailure(const std::string& description);
+  bool ConvertForCheck(RouteCheck& check, const std::filesystem::path& scratch);
   RouteCheck* check_ = nullptr;  // set while CheckRoute runs
   void WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route);
   void WriteReReadMeter(const KeyedCollection<Value>& values);

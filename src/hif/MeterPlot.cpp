@@ -36,8 +36,8 @@ constexpr std::array<StateLook, 4> kLooks = {{{PlotState::Read, 0x2E7D32, "Read"
 uint32_t ColourOf(PlotState state) { return kLooks[static_cast<size_t>(state)].rgb; }
 
 PlotState StateOf(const ReadingNumbers& n) {
-  switch (OutcomeOf(n)) {
-    case ReadingOutcome::Missed: return n.responseCode > 0 ? PlotState::Skipped : PlotState::Unread;
+  switch (FieldOutcomeOf(n)) {
+    case ReadingOutcome::Missed: return PlotState::Unread;
     case ReadingOutcome::Skipped: return PlotState::Skipped;
     case ReadingOutcome::Low:
     case ReadingOutcome::High:

@@ -36,14 +36,8 @@ void CountMeter(const Record& r, RouteReadStats& stats) {
                                r.Number(sReadingDate), r.Number(sMinReading), r.Number(sMaxReading),
                                r.Number(sPrvReading),  r.Number(sResponseCode)};
   if (r.Number(sTamperCount) != 0) ++stats.tamper;
-  const ReadingOutcome outcome = OutcomeOf(numbers);
-  // A meter not read but given a code in the field was skipped.
-  if (outcome == ReadingOutcome::Missed && numbers.responseCode <= 0) {
-    ++stats.unread;
-    return;
-  }
-  switch (outcome) {
-    case ReadingOutcome::Missed:
+  switch (FieldOutcomeOf(numbers)) {
+    case ReadingOutcome::Missed: ++stats.unread; return;
     case ReadingOutcome::Skipped:
       ++stats.skipped;
       ++stats.skippedByCode[numbers.responseCode];

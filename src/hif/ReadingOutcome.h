@@ -62,4 +62,12 @@ inline ReadingOutcome OutcomeOf(const ReadingNumbers& n) {
   return ReadingOutcome::Read;
 }
 
+// The outcome as the read statistics and the meter picture count it, where
+// a meter not read but given a code in the field was skipped.
+inline ReadingOutcome FieldOutcomeOf(const ReadingNumbers& n) {
+  const ReadingOutcome outcome = OutcomeOf(n);
+  if (outcome == ReadingOutcome::Missed && n.responseCode > 0) return ReadingOutcome::Skipped;
+  return outcome;
+}
+
 }  // namespace hifx

@@ -222,9 +222,7 @@ TEST(DiffCommand, AHandMadePairAsATableAndAsJson) {
 
   const auto json = RunHifx({"diff", "--json", old, old}, dir);
   EXPECT_EQ(json.status, 0) << json.err;
-  std::string quoted;  // the name as a JSON string holds it: a Windows name's back slashes doubled
-  for (const char c : old) quoted += c == '\\' ? std::string("\\\\") : std::string(1, c);
-  EXPECT_EQ(json.out, R"({"old":")" + quoted + R"(","new":")" + quoted + R"(","differences":[],)"
+  EXPECT_EQ(json.out, R"({"old":)" + JsonQuoted(old) + R"(,"new":)" + JsonQuoted(old) + R"(,"differences":[],)"
                       R"("counts":{"added":0,"removed":0,"moved":0,"sequence":0,"meter":0,"unchanged":4}})" "\n");
   const auto one = RunHifx({"diff", "--json", now, old}, dir);
   EXPECT_NE(one.out.find(R"({"change":"moved","account":"AC2",)"

@@ -92,6 +92,25 @@ TEST_F(RouteCommand, CheckListsTheFaultsAndSaysWhetherTheRouteWouldConvert) {
   EXPECT_FALSE(std::filesystem::exists(dir / "out"));
 }
 
+// A re-read list is checked through the re-read map; --json gives scripts
+// the same as one object.
+TEST_F(RouteCommand, CheckAReReadListAndTheCheckAsJson) {
+  const auto list = Hifx({"check", "--reread", "--map", "ReRead", kExamples + "reread-tags.txt"});
+  EXPECT_EQ(list.status, 0) << list.err;
+  EXPECT_EQ(list.out, "2 lines, 1 route, 2 meters; 0 faults\nThe route would convert.\n");
+
+  WriteBytes(dir / "bad.txt", "1012346\n1012346\n");
+  const auto json = Hifx({"check", "--reread", "--json", (dir / "bad.txt").string()});
+  EXPECT_EQ(json.status, 1);
+  EXPECT_EQ(json.out, "{\"file\":" + JsonQuoted((dir / "bad.txt").string()) +
+                          ",\"kind\":\"reread\",\"converts\":false,"
+                          "\"verdict\":\"The route would not convert: a duplicate tag: 1012346\","
+                          "\"lines\":2,\"routes\":1,\"meters\":2,\"faultsByKind\":{\"duplicate tag\":1},"
+                          "\"faults\":[{\"line\":2,\"field\":\"MeterTagNbr\",\"value\":\"1012346\","
+                          "\"kind\":\"duplicate tag\",\"message\":\"Meter Tag Number of 1012346 is duplicate "
+                          "in Line 2 (SEE ROUTE BOOK )\"}]}\n");
+}
+
 // --since: the example's second meter changed out and its last meter gone,
 // against the example's readings.
 TEST_F(RouteCommand, CheckSinceTheLastReadingsListsTheChangeOuts) {
@@ -106,7 +125,7 @@ TEST_F(RouteCommand, CheckSinceTheLastReadingsListsTheChangeOuts) {
             "4 lines, 2 routes, 4 meters; 0 faults\n"
             "The route would convert.\n"
             "\n"
-            "gone: account 200-002, route 2, sequence 20: meter SN5502\n"
+            "gone: account 200-002, route 2, sequence 20: meter SN5502, tag 0\n"
             "changed out: account 100-002, route 1, sequence 20: meter SN4411 -> SN9911, tag 1012346 -> 1019999\n"
             "Since " + kExamples + "reading.pdb: 1 changed out, 0 new, 1 gone\n");
 }

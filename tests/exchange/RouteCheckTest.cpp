@@ -110,6 +110,40 @@ TEST_F(RouteCheckTest, SinceTheLastReadingsTheMetersChangedOutNewAndGone) {
   EXPECT_THROW(site.Exchange().CheckRoute(damaged), Failure);
 }
 
+// A list of meters to read again is read by its re-read map, and held
+// against the last readings by tag when it gives nothing else: only tags
+// the route does not know are new, and the route's other meters not gone.
+TEST_F(RouteCheckTest, AReReadListThroughItsOwnMapAndAgainstTheLastReadings) {
+  site.Fixed({FixedLine("1", 1, 100, 'W', 'R', "1 MAIN", "A"), FixedLine("1", 2, 101, 'W', 'R', "2 MAIN", "B")});
+  ASSERT_TRUE(site.Exchange().ConvertRoute());
+  site.Map({{"RouteNbr", "C,1"}, {"Sequence", "A"}, {"MeterTagNbr", "1,8,,,0"}, {"MeterType", "C,W"},
+            {"ReadType", "C,R"}, {"UtilityCode", "C,1"}, {"ServiceAddress", "C,AGAIN"}},
+           1, "Tags");
+  WriteBytes(site.dir / "list.txt", "00000101\r\n00000777\r\n00000101\r\n");
+  clsExchange& exchange = site.Exchange();
+  exchange.ReReadSource = (site.dir / "list.txt").string();
+  exchange.ReReadMap = "Tags";
+  exchange.ReReadDestination = (site.dir / "reread.pdb").string();
+  RouteCheck check;
+  check.rereadList = true;
+  check.since = site.dir / "route.pdb";
+  EXPECT_FALSE(exchange.CheckRoute(check));
+  EXPECT_EQ(Listed(check), (std::vector<std::string>{"3 MeterTagNbr duplicate tag"}));
+  EXPECT_EQ(std::tuple(check.lines, check.routes, check.meters), std::tuple(3, 1, 3));
+
+  WriteBytes(site.dir / "list.txt", "00000101\r\n00000777\r\n");
+  RouteCheck clean;
+  clean.rereadList = true;
+  clean.since = site.dir / "route.pdb";
+  EXPECT_TRUE(exchange.CheckRoute(clean));
+  ASSERT_EQ(clean.changes.size(), 1u);
+  EXPECT_EQ(ChangeLine(clean.changes[0], [](std::string& line, const std::string& text) { line += text; }),
+            "new: route 1, sequence 2: tag 777");
+  EXPECT_EQ(exchange.ReReadDestination, (site.dir / "reread.pdb").string());
+  EXPECT_FALSE(std::filesystem::exists(site.dir / "reread.pdb"));
+  EXPECT_TRUE(site.shell.questions.empty());
+}
+
 // The words the command prints and the window shows, and the faults as a
 // spreadsheet reads them back.
 TEST(RouteCheckText, SummaryVerdictAndFaultsAsCsv) {

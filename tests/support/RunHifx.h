@@ -27,6 +27,14 @@ struct RunResult {
   std::string err;
 };
 
+// A file name as a JSON string holds it, quotes included: a Windows name's
+// back slashes doubled.
+inline std::string JsonQuoted(const std::string& name) {
+  std::string quoted = "\"";
+  for (const char c : name) quoted += c == '\\' ? std::string("\\\\") : std::string(1, c);
+  return quoted + "\"";
+}
+
 // Variables set for the program's run only; an empty value reads as unset.
 using Env = std::vector<std::pair<std::string, std::string>>;
 
