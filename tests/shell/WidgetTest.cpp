@@ -684,6 +684,33 @@ class WidgetTest : public QObject {
     QCOMPARE(Q(desk.session.Exchange().RouteSource), Q(storedSource));
   }
 
+  // The change-out trap in the window: a route file made before a meter
+  // was changed out, held against the last readings.
+  void theCheckWindowListsTheMetersChangedOutSinceTheLastReadings() {
+    Desk desk;
+    std::string text = ReadBytes(kExamples / "route-fixed.txt");
+    text.replace(text.find("1012346"), 7, "1019999");
+    text.replace(text.find("SN4411"), 6, "SN9911");
+    WriteBytes(desk.dir / "changed.txt", text);
+    ModalScript script;
+    script.Then("frmCheckRoute", [&](QWidget* window) {
+      window->findChild<QLineEdit*>("txtRoute")->setText(Q((desk.dir / "changed.txt").string()));
+      window->findChild<QLineEdit*>("txtSince")->setText(Q((kExamples / "reading.pdb").string()));
+      window->findChild<QPushButton*>("cmdCheck")->click();
+      auto* changes = window->findChild<QPlainTextEdit*>("txtChanges");
+      QVERIFY(changes->isVisible());
+      QCOMPARE(changes->toPlainText(),
+               "changed out: account 100-002, route 1, sequence 20: meter SN4411 -> SN9911, tag 1012346 -> 1019999\n"
+               "Since " + Q((kExamples / "reading.pdb").string()) + ": 1 changed out, 0 new, 0 gone");
+      QCOMPARE(window->findChild<QLabel*>("lblVerdict")->text(), "The route would convert.");
+      QCoreApplication::processEvents();
+      Shot(window, "frmCheckRoute-changes");
+      window->findChild<QPushButton*>("cmdClose")->click();
+    });
+    desk.Menu("mnuCCheck")->trigger();
+    QVERIFY(script.Done());
+  }
+
   void aFailedConversionSaysSoAndTheLogButtonsFollowTheLog() {
     Desk desk;
     desk.session.Exchange().RouteSource = (desk.dir / "missing.txt").string();
