@@ -10,12 +10,15 @@
 #include <vector>
 
 #include "cli/CliShell.h"
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
+#include "cli/Version.h"
 
 namespace hifx::cli {
 namespace {
 
 constexpr const char* kCommandArgs = "COMMAND [ARGS]";
+// Options of the whole line that its usage line leaves out.
+constexpr const char* kOtherOptions = "Other options";
 
 // An option as the usage line shows it: "--map NAME", "--yes".
 std::string OptionUsage(const CLI::Option& option) {
@@ -25,14 +28,14 @@ std::string OptionUsage(const CLI::Option& option) {
   return words;
 }
 
-// The usage line of a command, from its definition: options and positionals
-// in the order defined, options in brackets unless required, options that
-// exclude each other joined with "|", then the commands under it.
+}  // namespace
+
 std::string UsageLine(const CLI::App& command, const std::string& path) {
   std::string line = path;
   std::vector<const CLI::Option*> shown;
   for (const CLI::Option* option : command.get_options()) {
-    if (option->get_name() == "--help") continue;
+    // Help and the options of a group of their own are left to the help text.
+    if (option->get_name() == "--help" || option->get_group() != "Options") continue;
     bool joined = false;
     for (const CLI::Option* other : option->get_excludes()) {
       for (const CLI::Option* done : shown) joined = joined || done == other;
@@ -42,7 +45,7 @@ std::string UsageLine(const CLI::App& command, const std::string& path) {
     if (joined) {
       line.insert(line.size() - 1, " | " + words);
     } else {
-      line += option->get_required() || option->get_positional() ? " " + words : " [" + words + "]";
+      line += option->get_required() ? " " + words : " [" + words + "]";
     }
     if (option->get_expected_max() > 1) line += "...";
   }
@@ -54,6 +57,8 @@ std::string UsageLine(const CLI::App& command, const std::string& path) {
   if (!choices.empty()) line += command.get_require_subcommand_min() > 0 ? " " + choices : " [" + choices + "]";
   return line;
 }
+
+namespace {
 
 class UsageFormatter : public CLI::Formatter {
  public:
@@ -76,6 +81,8 @@ const CLI::App& Deepest(const CLI::App& root) {
   return *at;
 }
 
+}  // namespace
+
 std::string PathOf(const CLI::App& command) {
   std::string path = command.get_name();
   for (const CLI::App* up = command.get_parent(); up != nullptr; up = up->get_parent()) {
@@ -83,6 +90,8 @@ std::string PathOf(const CLI::App& command) {
   }
   return path;
 }
+
+namespace {
 
 // What a command takes, said from its positionals: "sort takes one FILE".
 std::string TakesWords(const CLI::App& command) {
@@ -158,13 +167,6 @@ int SayUsage(const CLI::App& root, const CLI::App& command, const std::string& p
   return kExitUsage;
 }
 
-struct GlobalOptions {
-  std::optional<std::string> site;
-  bool yes = false;
-  bool no = false;
-  std::vector<std::string> sets;
-};
-
 void AddGlobalOptions(CLI::App& root, GlobalOptions& global) {
   root.add_option("--site", global.site, "the site folder: map files and the settings")
       ->type_name("DIR")
@@ -173,6 +175,9 @@ void AddGlobalOptions(CLI::App& root, GlobalOptions& global) {
   CLI::Option* no = root.add_flag("--no", global.no, "answer every yes/no question of the run with No");
   yes->excludes(no);
   no->excludes(yes);
+  root.add_flag("--no-input", global.noInput,
+                "never ask: every yes/no question answered No and every prompt cancelled, as with no terminal")
+      ->group(kOtherOptions);
   root.add_option("--set", global.sets, "the answer to a run-time prompt")
       ->type_name("FIELD=VALUE")
       ->check([](const std::string& v) {
@@ -214,44 +219,75 @@ const std::pair<CLI::App*, Runner>* CommandTable::Given() const {
 
 Failure UsageError(const std::string& words) { return Failure(FailureKind::Usage, words); }
 
-int Main(int argc, const char* const* argv) {
-  UseBinaryStandardStreams();
-  CLI::App root("hifx: route files to handheld files and readings back, by the site's maps and settings", "hifx");
-  root.formatter(std::make_shared<UsageFormatter>());
+namespace {
+
+// help [COMMAND]: the help of the line, or of one of its commands.
+void AddHelpCommand(CommandTable& table, CLI::App& root) {
+  auto topic = std::make_shared<std::vector<std::string>>();
+  CLI::App& help = table.Add("help", "the help of the command line, or of COMMAND", [&root, topic](Context&) {
+    const CLI::App* command = &root;
+    for (const std::string& word : *topic) {
+      const auto subs = command->get_subcommands([&word](const CLI::App* sub) { return sub->get_name() == word; });
+      if (subs.empty()) throw UsageError("unknown command: " + word);
+      command = subs.front();
+    }
+    const std::string text = command->get_formatter()->make_help(command, PathOf(*command), CLI::AppFormatMode::Normal);
+    std::fputs(text.c_str(), stdout);
+    return kExitOk;
+  });
+  help.add_option("command", *topic, "a command, and a command under it")->type_name("COMMAND");
+}
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : root_("hifx: route files to handheld files and readings back, by the site's maps and settings", "hifx"),
+      table_(root_) {
+  root_.formatter(std::make_shared<UsageFormatter>());
   // A value such as /data/r.txt is a file name on every platform, never an
   // option of the Windows style; set before the commands, which inherit it.
-  root.allow_windows_style_options(false);
-  root.require_subcommand(1);
-  GlobalOptions global;
-  AddGlobalOptions(root, global);
-  CommandTable table(root);
-  AddHifCommands(table);
-  AddSortCommand(table);
-  AddMapCommands(table);
-  AddSiteCommands(table);
-  AddDeliveryCommands(table);
-  AddConversionCommands(table);
-  AddReportCommand(table);
-  AddCheckCommand(table);
-  AddStatsCommand(table);
-  AddPlotCommand(table);
-  AddDiffCommand(table);
+  root_.allow_windows_style_options(false);
+  root_.require_subcommand(1);
+  root_.set_version_flag("--version", VersionText(), "the program's version and build, and the files it writes")
+      ->group(kOtherOptions);
+  AddGlobalOptions(root_, global_);
+  AddHifCommands(table_);
+  AddSortCommand(table_);
+  AddMapCommands(table_);
+  AddSiteCommands(table_);
+  AddDeliveryCommands(table_);
+  AddConversionCommands(table_);
+  AddReportCommand(table_);
+  AddCheckCommand(table_);
+  AddStatsCommand(table_);
+  AddPlotCommand(table_);
+  AddDiffCommand(table_);
+  AddHelpCommand(table_, root_);
+}
 
+int Main(int argc, const char* const* argv) {
+  UseBinaryStandardStreams();
+  CommandLine line;
+  CLI::App& root = line.Root();
   try {
     root.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
     std::fputs(root.help().c_str(), stdout);
     return kExitOk;
+  } catch (const CLI::CallForVersion& version) {
+    std::printf("%s\n", version.what());
+    return kExitOk;
   } catch (const CLI::ParseError& error) {
     const CLI::App& command = AboutGlobalOption(root, error.what()) ? root : Deepest(root);
     return SayUsage(root, command, ProblemOf(root, command, error));
   }
-  const auto* given = table.Given();
+  const auto* given = line.Table().Given();
   if (given == nullptr) return SayUsage(root, root, "no command");
 
+  const GlobalOptions& global = line.Global();
   std::optional<bool> answer;
   if (global.yes || global.no) answer = global.yes;
-  CliShell shell(answer, IsTerminal(0), IsTerminal(2), global.sets);
+  CliShell shell(answer, IsTerminal(0) && !global.noInput, IsTerminal(2), global.sets);
   Context session(shell, global.site ? std::filesystem::path(*global.site) : app::DefaultSiteFolder());
   return Run(*given->first, given->second, session);
 }

@@ -321,7 +321,7 @@ std::string clsExchMap::FileText() const {
   auto line = [&text](std::string_view a, std::string_view b = {}) {
     text.append(a).append(b).append(kCrLf);
   };
-  line("HIF=1.1");
+  line("HIF=", kMapFileVersion);
   line("MAPNAME=", mapName_);
   line("MAPTYPE=", std::to_string(mapType_));
   line("MAPFILTER=", std::to_string(mapFilter_));

@@ -17,6 +17,9 @@
 namespace hifx {
 
 // Map uses, as the exchange numbers them.
+// The version a map file written here carries on its first line.
+inline constexpr const char* kMapFileVersion = "1.1";
+
 inline constexpr int32_t kUseRoute = 1;
 inline constexpr int32_t kUseReRead = 2;
 inline constexpr int32_t kUseReading = 3;
