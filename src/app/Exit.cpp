@@ -4,12 +4,13 @@ namespace hifx::app {
 
 int ExitCodeOf(FailureKind kind) {
   switch (kind) {
-    case FailureKind::Usage:
-    case FailureKind::BadInput:
-    case FailureKind::MissingInput:
-    case FailureKind::BadSite: return kExitUsage;
-    case FailureKind::Run:
-    case FailureKind::WriteFailed: return kExitNotComplete;
+    case FailureKind::Usage: return kExitUsage;
+    case FailureKind::BadInput: return kExitBadInput;
+    case FailureKind::MissingInput: return kExitNoInput;
+    case FailureKind::CantCreate: return kExitCantCreate;
+    case FailureKind::WriteFailed: return kExitWriteFailed;
+    case FailureKind::BadSite: return kExitBadSite;
+    case FailureKind::Run: return kExitNotComplete;
   }
   return kExitNotComplete;
 }

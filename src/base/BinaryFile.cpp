@@ -25,7 +25,7 @@ namespace {
 
 // A file that can't be opened for writing, by its name and the system's
 // reason, under the number the system has always given that reason.
-WriteFailure OpenFailure(int err, const std::filesystem::path& path) {
+CreateFailure OpenFailure(int err, const std::filesystem::path& path) {
   int number = fail::kPathAccess;
   switch (err) {
     case ENOENT: number = fail::kFileNotFound; break;
@@ -35,7 +35,7 @@ WriteFailure OpenFailure(int err, const std::filesystem::path& path) {
     case EPERM: number = fail::kPermissionDenied; break;
     default: break;
   }
-  return WriteFailure(number, "Could not open {} for writing", path, std::strerror(err));
+  return CreateFailure(number, "Could not open {} for writing", path, std::strerror(err));
 }
 
 }  // namespace

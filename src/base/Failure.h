@@ -43,6 +43,7 @@ enum class FailureKind {
   Usage,         // the command or its options were given wrongly
   BadInput,      // a file read is damaged or not of its kind
   MissingInput,  // a file to read is not there or can't be opened
+  CantCreate,    // a file or folder to write can't be made at all
   WriteFailed,   // a file being written could not be put on the disk
   BadSite,       // the site's settings store can't be opened or used
 };
@@ -77,6 +78,19 @@ class WriteFailure : public Failure {
  public:
   WriteFailure(int number, const std::string& what, const std::filesystem::path& file, const std::string& reason)
       : Failure(FailureKind::WriteFailed, number, what, file, reason) {}
+
+ protected:
+  WriteFailure(FailureKind kind, int number, const std::string& what, const std::filesystem::path& file,
+               const std::string& reason)
+      : Failure(kind, number, what, file, reason) {}
+};
+
+// A file or folder to write that can't be made: nothing of it reached the
+// disk.
+class CreateFailure : public WriteFailure {
+ public:
+  CreateFailure(int number, const std::string& what, const std::filesystem::path& file, const std::string& reason)
+      : WriteFailure(FailureKind::CantCreate, number, what, file, reason) {}
 };
 
 }  // namespace hifx

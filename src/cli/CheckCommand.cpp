@@ -13,6 +13,7 @@
 #include "app/UnloggedShell.h"
 #include "cli/Commands.h"
 #include "cli/HifFile.h"
+#include "cli/MapNames.h"
 #include "exchange/clsExchange.h"
 
 namespace hifx::cli {
@@ -118,7 +119,9 @@ void AddCheckCommand(CommandTable& table) {
   CLI::App& check = table.Add("check", "a route file read and validated as the conversion would, nothing written",
                               [options](Context& context) { return Check(context, *options); });
   check.add_flag("--reread", options->reread, "the file is a list of meters to read again, read by a re-read map");
-  check.add_option("--map", options->map, "the route map, by its file name (else the stored one)")->type_name("NAME");
+  check.add_option("--map", options->map, "the route or re-read map, by its name (else the stored one)")
+      ->type_name("NAME")
+      ->transform(MapOfUse(kUseRoute));
   check.add_option("--since", options->since, "the last readings, to list the meters changed out, new and gone")
       ->type_name("READINGS");
   check.add_flag("--json", options->json, "one JSON object instead of the list");

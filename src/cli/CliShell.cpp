@@ -128,9 +128,9 @@ void CliShell::ClearProgress() {
 
 void CliShell::WriteLog(std::string_view line) {
   ClearProgress();
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
-  std::fflush(stdout);
+  std::fwrite(line.data(), 1, line.size(), log_);
+  std::fputc('\n', log_);
+  std::fflush(log_);
 }
 
 void CliShell::SetProgressButton(int32_t total, int32_t position) {

@@ -38,6 +38,11 @@ class CliShell final : public IShell {
                                       std::string_view defaultValue) override;
 
   int MessageCount() const { return messages_; }
+  // Whether a yes/no question of the run is answered No without asking: by
+  // --no, or with no terminal to ask on and no --yes.
+  bool AnswersNo() const { return presetAnswer_ ? !*presetAnswer_ : !interactive_; }
+  // The log on standard error, where standard output carries a JSON summary.
+  void LogToStandardError() { log_ = stderr; }
 
  private:
   MsgAnswer Ask(MsgButtons buttons);
@@ -51,6 +56,7 @@ class CliShell final : public IShell {
   bool progressShown_ = false;
   int messages_ = 0;
   std::vector<std::string> sets_;
+  std::FILE* log_ = stdout;
 };
 
 }  // namespace hifx

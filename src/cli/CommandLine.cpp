@@ -219,6 +219,15 @@ const std::pair<CLI::App*, Runner>* CommandTable::Given() const {
 
 Failure UsageError(const std::string& words) { return Failure(FailureKind::Usage, words); }
 
+int UnreadableInputCode(const std::string& file) {
+  std::error_code error;
+  return std::filesystem::exists(file, error) ? app::kExitBadInput : app::kExitNoInput;
+}
+
+void AddJsonFlag(CLI::App& command, bool& json) { command.add_flag("--json", json, kJsonHelp); }
+
+int ExitCodeOf(const Failure& failure) { return app::ExitCodeOf(failure.Kind()); }
+
 namespace {
 
 // help [COMMAND]: the help of the line, or of one of its commands.
@@ -288,6 +297,9 @@ int Main(int argc, const char* const* argv) {
   std::optional<bool> answer;
   if (global.yes || global.no) answer = global.yes;
   CliShell shell(answer, IsTerminal(0) && !global.noInput, IsTerminal(2), global.sets);
+  // A script that asked for JSON reads standard output as one object.
+  const CLI::Option* json = given->first->get_option_no_throw("--json");
+  if (json != nullptr && json->count() > 0) shell.LogToStandardError();
   Context session(shell, global.site ? std::filesystem::path(*global.site) : app::DefaultSiteFolder());
   return Run(*given->first, given->second, session);
 }

@@ -23,6 +23,12 @@ namespace hifx::cli {
 using app::kExitNotComplete;
 using app::kExitOk;
 using app::kExitUsage;
+
+// The exit of a file that a command could not read: 66 when it is not
+// there, else 65, a file that is not what it should be.
+int UnreadableInputCode(const std::string& file);
+// The exit of a failure that a command's own frame has said.
+int ExitCodeOf(const Failure& failure);
 using Context = app::Session;
 
 // What a command does once its line is parsed; returns the exit status.
@@ -43,8 +49,13 @@ class CommandTable {
   std::vector<std::pair<CLI::App*, Runner>> commands_;
 };
 
-// A command given wrongly in a way the parser can't see: exit 2.
+// A command given wrongly in a way the parser can't see: exit 64.
 Failure UsageError(const std::string& words);
+
+// --json on a command that writes files: its summary as one JSON object on
+// standard output, the log on standard error.
+inline constexpr const char* kJsonHelp = "the run's summary as one JSON object on standard output, the log on standard error";
+void AddJsonFlag(CLI::App& command, bool& json);
 
 void AddHifCommands(CommandTable& table);         // dump, view
 void AddSortCommand(CommandTable& table);         // sort

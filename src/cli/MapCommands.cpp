@@ -13,31 +13,12 @@
 #include "base/Failure.h"
 #include "base/Value.h"
 #include "cli/Commands.h"
+#include "cli/MapNames.h"
 #include "maps/MapCatalogues.h"
 #include "maps/clsExchMap.h"
 
 namespace hifx::cli {
 namespace {
-
-struct MapKind {
-  std::string_view extension;
-  int32_t use;
-};
-
-// Route and re-read maps share ".hcm" and their catalogue; a file is loaded
-// as a route map.
-constexpr MapKind kMapKinds[] = {{".hcm", kUseRoute}, {".hrm", kUseReading}, {".hom", kUseOrphan}};
-
-// The use a map file's name stands for, by its extension in any case; 0 for none.
-int32_t UseOfName(std::string_view name) {
-  for (const MapKind& kind : kMapKinds) {
-    if (name.size() >= kind.extension.size() &&
-        EqualsCaseBlind(name.substr(name.size() - kind.extension.size()), kind.extension)) {
-      return kind.use;
-    }
-  }
-  return 0;
-}
 
 void Print(const std::string& line) {
   std::fwrite(line.data(), 1, line.size(), stdout);
@@ -102,12 +83,9 @@ void PrintMessages(std::string_view messages) {
 }
 
 // The map NAME of a show or check, loaded from the site folder.
-clsExchMap LoadNamedMap(Context& context, const std::string& name) {
-  if (name.find_first_of("/\\") != std::string::npos) {
-    throw UsageError("a map NAME is a file name in the site folder");
-  }
+clsExchMap LoadNamedMap(Context& context, const std::string& given) {
+  const std::string name = MapFileNamed(context.SiteFolder(), given);
   const int32_t use = UseOfName(name);
-  if (use == 0) throw UsageError("a map NAME ends in .hcm, .hrm or .hom");
   clsExchMap map(context.SiteFolder());
   if (!map.LoadMap(name, use)) throw Failure(FailureKind::MissingInput, fail::kFileNotFound, "could not load", name);
   return map;
@@ -140,7 +118,7 @@ void AddMapCommands(CommandTable& table) {
   given->show = map.add_subcommand("show", "map NAME: its settings and fields");
   CLI::App* check = map.add_subcommand("check", "map NAME validated, its messages one a line");
   for (CLI::App* named : {given->show, check}) {
-    named->add_option("name", given->name, "the map file's name with its extension")->type_name("NAME")->required();
+    named->add_option("name", given->name, "the map's name, with or without its extension")->type_name("NAME")->required();
   }
 }
 

@@ -13,6 +13,7 @@
 #include "base/Failure.h"
 #include "base/FileIdentity.h"
 #include "cli/Commands.h"
+#include "cli/RunSummary.h"
 #include "reports/clsReport.h"
 #ifdef HIFX_HAVE_QT
 #include "reports/qt/QtRptDevice.h"
@@ -64,6 +65,7 @@ struct ReportOptions {
   std::string types, pdf, printer, png, file;
   std::optional<std::string> title;
   double dpi = 96;
+  bool json = false;
 };
 
 // A report never takes the place of the file it reports on, nor of anything
@@ -84,7 +86,7 @@ void MakePictureFolder(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error || !std::filesystem::is_directory(folder)) {
-    throw WriteFailure(fail::kPathAccess, "Could not make the folder {}", folder,
+    throw CreateFailure(fail::kPathAccess, "Could not make the folder {}", folder,
                        error ? error.message() : "a file has its name");
   }
 }
@@ -116,16 +118,29 @@ int Report(Context& context, const ReportOptions& options) {
       }
       // Each report is titled with its own name, as the main window prints it.
       if (!report.Begin(false, options.file, kind.type, options.title.value_or(ReportTitle(kind.type)))) {
-        return kExitUsage;
+        return UnreadableInputCode(options.file);
       }
       printers->Finish();
     }
   } catch (const Failure& failure) {
     context.Shell().MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
-    return kExitNotComplete;
+    return ExitCodeOf(failure);
   }
   return kExitOk;
 #endif
+}
+
+// The files a report run writes: one PDF a type, or pictures in a folder.
+int ReportWithSummary(Context& context, const ReportOptions& options) {
+  RunSummary summary("report", options.json);
+  if (!options.png.empty()) summary.WatchFolder(options.png);
+  if (!options.pdf.empty()) {
+    const int32_t mask = ParseTypes(options.types);
+    for (const ReportKind& kind : kKinds) {
+      if ((mask & kind.type) != 0) summary.Watch(ReportFileName(options.pdf, kind.word, (mask & (mask - 1)) != 0));
+    }
+  }
+  return summary.Finish(Report(context, options));
 }
 
 }  // namespace
@@ -133,7 +148,7 @@ int Report(Context& context, const ReportOptions& options) {
 void AddReportCommand(CommandTable& table) {
   auto options = std::make_shared<ReportOptions>();
   CLI::App& report = table.Add("report", "the meter reports of a reading HIF; several types: one file each",
-                               [options](Context& context) { return Report(context, *options); });
+                               [options](Context& context) { return ReportWithSummary(context, *options); });
   report.add_option("--type", options->types, "the reports, comma-separated")
       ->type_name("reading|exception|missed|orphan[,...]")
       ->required();
@@ -154,6 +169,7 @@ void AddReportCommand(CommandTable& table) {
     }
   }
   report.add_option("--title", options->title, "the title of every page")->type_name("T");
+  AddJsonFlag(report, options->json);
   report.add_option("file", options->file, "the reading HIF")->type_name("FILE")->required();
 }
 

@@ -8,7 +8,10 @@
 #include <optional>
 #include <string>
 
+#include "cli/CliShell.h"
 #include "cli/Commands.h"
+#include "cli/MapNames.h"
+#include "cli/RunSummary.h"
 #include "exchange/clsExchange.h"
 
 namespace hifx::cli {
@@ -16,6 +19,7 @@ namespace {
 
 struct RouteOptions {
   std::optional<std::string> source, dest, map, format;
+  bool json = false;
 };
 
 // The options of route and reread: which of the exchange's settings each
@@ -27,29 +31,32 @@ struct RouteSettings {
   std::string clsExchange::*format;
 };
 
-void AddRouteOptions(CLI::App& command, RouteOptions& options) {
+void AddRouteOptions(CLI::App& command, RouteOptions& options, int32_t use) {
   command.add_option("--source", options.source, "the route file")->type_name("F");
   command.add_option("--dest", options.dest, "the HIF file to make")->type_name("F");
-  command.add_option("--map", options.map, "the map, by its file name")->type_name("NAME");
+  command.add_option("--map", options.map, "the map, by its name")->type_name("NAME")->transform(MapOfUse(use));
   command.add_option("--format", options.format, "the HIF's form")
       ->type_name("PDB|PRC|VFS")
       ->check(CLI::Validator(
           [](const std::string& v) { return v == "PDB" || v == "PRC" || v == "VFS" ? "" : "takes PDB, PRC or VFS"; },
           ""));
+  AddJsonFlag(command, options.json);
 }
 
 void AddRouteConversion(CommandTable& table, const std::string& name, const std::string& help,
-                        RouteSettings settings, bool (clsExchange::*convert)()) {
+                        RouteSettings settings, bool (clsExchange::*convert)(), int32_t use) {
   auto options = std::make_shared<RouteOptions>();
-  CLI::App& command = table.Add(name, help, [options, settings, convert](Context& context) {
+  CLI::App& command = table.Add(name, help, [name, options, settings, convert](Context& context) {
     clsExchange& exchange = context.Exchange();
     if (options->source) exchange.*settings.source = *options->source;
     if (options->dest) exchange.*settings.destination = *options->dest;
     if (options->map) exchange.*settings.map = *options->map;
     if (options->format) exchange.*settings.format = *options->format;
-    return (exchange.*convert)() ? kExitOk : kExitNotComplete;
+    RunSummary summary(name, options->json);
+    summary.Watch(exchange.*settings.destination);
+    return summary.Finish((exchange.*convert)() ? kExitOk : kExitNotComplete);
   });
-  AddRouteOptions(command, *options);
+  AddRouteOptions(command, *options, use);
 }
 
 // What each option of reading does to the settings of the run. They take
@@ -80,13 +87,31 @@ const std::map<std::string, ReadingChange>& ReadingChanges() {
   return changes;
 }
 
+// The re-read question is always put; answered No it ends the run after the
+// billing file is written. Known before the run, that No stops it before
+// anything is written.
+void RefuseHalfARun(Context& context, const clsExchange& exchange) {
+  const auto* shell = dynamic_cast<const CliShell*>(&context.Shell());
+  if (!exchange.AutoReRead || shell == nullptr || !shell->AnswersNo()) return;
+  throw UsageError(
+      "the question \"ReRead Destination already exists\" would be answered No and end the run after the billing "
+      "file; nothing was written: give --yes to write the re-read file, or --no-reread to leave it out");
+}
+
 int Reading(Context& context, const CLI::App& command) {
   clsExchange& exchange = context.Exchange();
   for (const CLI::Option* option : command.parse_order()) {
+    const auto change = ReadingChanges().find(option->get_name());
+    if (change == ReadingChanges().end()) continue;  // --json
     const std::string value = option->get_type_size_max() > 0 ? option->as<std::string>() : std::string();
-    ReadingChanges().at(option->get_name())(exchange, value);
+    change->second(exchange, value);
   }
-  return exchange.ConvertReading() ? kExitOk : kExitNotComplete;
+  RefuseHalfARun(context, exchange);
+  RunSummary summary("reading", command.get_option("--json")->count() > 0);
+  summary.Watch(exchange.ReadingDestination);
+  if (exchange.OrphanConvert != 0) summary.Watch(exchange.OrphanDestination);
+  if (exchange.AutoReRead) summary.Watch(exchange.ReReadDestination);
+  return summary.Finish(exchange.ConvertReading() ? kExitOk : kExitNotComplete);
 }
 
 void AddReadingConversion(CommandTable& table) {
@@ -96,9 +121,9 @@ void AddReadingConversion(CommandTable& table) {
   *command = &reading;
   reading.add_option("--source", "the reading HIF")->type_name("F");
   reading.add_option("--dest", "the billing file to write")->type_name("F");
-  reading.add_option("--map", "the reading map, by its file name")->type_name("NAME");
+  reading.add_option("--map", "the reading map, by its name")->type_name("NAME")->transform(MapOfUse(kUseReading));
   reading.add_option("--orphans", "the orphan file to write")->type_name("F");
-  reading.add_option("--orphan-map", "the orphan map, by its file name")->type_name("NAME");
+  reading.add_option("--orphan-map", "the orphan map, by its name")->type_name("NAME")->transform(MapOfUse(kUseOrphan));
   CLI::Option* replace = reading.add_flag("--orphan-replace")->description("the orphan file replaced");
   CLI::Option* append = reading.add_flag("--orphan-append")->description("the orphans added to the orphan file");
   replace->excludes(append);
@@ -106,6 +131,7 @@ void AddReadingConversion(CommandTable& table) {
   reading.add_option("--reread", "the re-read file to write")->type_name("F");
   reading.add_flag("--no-orphans")->description("no orphan file");
   reading.add_flag("--no-reread")->description("no re-read file");
+  reading.add_flag("--json")->description(kJsonHelp);
 }
 
 }  // namespace
@@ -114,11 +140,11 @@ void AddConversionCommands(CommandTable& table) {
   AddRouteConversion(table, "route", "route conversion with the stored settings",
                      {&clsExchange::RouteSource, &clsExchange::RouteDestination, &clsExchange::RouteMap,
                       &clsExchange::RouteHIFType},
-                     &clsExchange::ConvertRoute);
+                     &clsExchange::ConvertRoute, kUseRoute);
   AddRouteConversion(table, "reread", "re-read conversion with the stored settings",
                      {&clsExchange::ReReadSource, &clsExchange::ReReadDestination, &clsExchange::ReReadMap,
                       &clsExchange::ReReadHIFType},
-                     &clsExchange::ConvertReRead);
+                     &clsExchange::ConvertReRead, kUseReRead);
   AddReadingConversion(table);
 }
 

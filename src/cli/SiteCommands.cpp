@@ -15,6 +15,8 @@
 #include "config/clsDist.h"
 #include "config/clsRegistry.h"
 #include "cli/Commands.h"
+#include "cli/MapNames.h"
+#include "cli/RunSummary.h"
 #include "exchange/ExchangeSettings.h"
 #include "exchange/clsExchange.h"
 
@@ -56,8 +58,26 @@ int ShowSettings(Context& context) {
   return kExitOk;
 }
 
-int SetSetting(Context& context, const std::string& name, const std::string& value) {
+// The use whose settings are under the key: "Route", "ReRead", ...
+int32_t UseOfSettingKey(std::string_view key) {
+  for (const int32_t use : {kUseRoute, kUseReRead, kUseReading, kUseOrphan}) {
+    if (TypeDescr(static_cast<int16_t>(use)) == key) return use;
+  }
+  return 0;
+}
+
+// A map setting takes the map's name with or without its extension, and
+// holds it without, as the conversions look it up.
+std::string MapSettingValue(const ExchangeSetting& setting, std::string value) {
+  if (setting.valueName != "Map") return value;
+  const std::string error = MapOfUse(UseOfSettingKey(setting.key))(value);
+  if (!error.empty()) throw UsageError(std::string(setting.name) + ": " + error);
+  return value;
+}
+
+int SetSetting(Context& context, const std::string& name, const std::string& given) {
   const ExchangeSetting& setting = NamedSetting(name);
+  const std::string value = MapSettingValue(setting, given);
   const std::optional<std::string> expected = StoredWords(setting, value);
   if (!expected) {
     throw UsageError(std::string(setting.name) + (setting.IsFlag() ? " takes Y or N" : " takes a whole number"));
@@ -175,8 +195,10 @@ void AddSiteCommands(CommandTable& table) {
 
   CLI::App& dist = table.Add("dist", "distribution files", [given](Context& context) {
     clsDist distribution(context.Store(), context.Shell(), context.SiteFolder());
-    const bool done = given->write->parsed() ? distribution.WriteDist(given->file) : distribution.LoadDist(given->file);
-    return done ? kExitOk : kExitNotComplete;
+    if (!given->write->parsed()) return distribution.LoadDist(given->file) ? kExitOk : kExitNotComplete;
+    RunSummary summary("dist write", false);
+    summary.Watch(given->file);
+    return summary.Finish(distribution.WriteDist(given->file) ? kExitOk : kExitNotComplete);
   });
   dist.require_subcommand(1);
   CLI::App* load = dist.add_subcommand("load", "the site's settings and maps set from FILE");

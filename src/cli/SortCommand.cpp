@@ -5,6 +5,7 @@
 
 #include "base/Failure.h"
 #include "cli/Commands.h"
+#include "cli/RunSummary.h"
 #include "hif/SortHIF.h"
 
 namespace hifx::cli {
@@ -16,12 +17,13 @@ int Sort(Context& context, const std::filesystem::path& file) {
   try {
     switch (SortHIF(context.Shell(), file, file)) {
       case SortOutcome::Sorted: return kExitOk;
-      case SortOutcome::NotRead: return kExitUsage;
+      case SortOutcome::NotRead: return UnreadableInputCode(file.string());
       case SortOutcome::NotCreated: return kExitNotComplete;
     }
   } catch (const Failure& failure) {
     // The run's error frame: the failure in a box, and the file as it was.
     context.Shell().MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
+    return ExitCodeOf(failure);
   }
   return kExitNotComplete;
 }
@@ -29,10 +31,18 @@ int Sort(Context& context, const std::filesystem::path& file) {
 }  // namespace
 
 void AddSortCommand(CommandTable& table) {
-  auto file = std::make_shared<std::string>();
-  CLI::App& sort = table.Add("sort", "the meters of each route put in Sequence order",
-                             [file](Context& context) { return Sort(context, *file); });
-  sort.add_option("file", *file, "the HIF file, sorted in place")->type_name("FILE")->required();
+  struct SortOptions {
+    std::string file;
+    bool json = false;
+  };
+  auto options = std::make_shared<SortOptions>();
+  CLI::App& sort = table.Add("sort", "the meters of each route put in Sequence order", [options](Context& context) {
+    RunSummary summary("sort", options->json);
+    summary.Watch(options->file);
+    return summary.Finish(Sort(context, options->file));
+  });
+  sort.add_option("file", options->file, "the HIF file, sorted in place")->type_name("FILE")->required();
+  AddJsonFlag(sort, options->json);
 }
 
 }  // namespace hifx::cli

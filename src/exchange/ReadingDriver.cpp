@@ -206,7 +206,7 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
   clsHIF target(env_.shell);
   target.SetVersion(version);
   if (target.CreateHIF(replacement.Written(), source.GetType(), routes + meters + 1) != 0) {
-    throw WriteFailure(fail::kPathAccess, "Could not create", replacement.Written(), {});
+    throw CreateFailure(fail::kPathAccess, "Could not create", replacement.Written(), {});
   }
   const CivilTime now = env_.clock.Now();
   const int16_t fileVersion = LookupFileVersion(env_.shell, kProgramMajor, kProgramMinor);

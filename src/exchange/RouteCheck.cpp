@@ -26,7 +26,7 @@ class ScratchFolder {
       if (std::filesystem::create_directory(path_, error)) return;
       if (error) break;
     }
-    throw WriteFailure(fail::kPathAccess, "Could not make a scratch folder in {}", temp,
+    throw CreateFailure(fail::kPathAccess, "Could not make a scratch folder in {}", temp,
                        error ? error.message() : "every name tried was taken");
   }
   ~ScratchFolder() {

@@ -2,9 +2,11 @@
 // first use, and the exit code a failure ends a run with.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <optional>
+#include <set>
 
 #include "app/Exit.h"
 #include "app/Session.h"
@@ -62,7 +64,7 @@ TEST(Session, ADamagedStoreIsAFailureOfTheSite) {
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.Kind(), FailureKind::BadSite);
     EXPECT_EQ(failure.File(), dir / "registry.db");
-    EXPECT_EQ(app::ReportOf(failure).exitCode, app::kExitUsage);
+    EXPECT_EQ(app::ReportOf(failure).exitCode, app::kExitBadSite);
   }
 }
 
@@ -80,9 +82,16 @@ TEST(Session, TheExchangeIsMadeOnceWithTheStoredSettings) {
 TEST(Session, AFailureEndsTheRunByItsKind) {
   EXPECT_EQ(app::ReportOf(WriteFailure(fail::kDiskFull, "Could not write", "out.txt", "No space left on device")).words,
             "Could not write out.txt: No space left on device");
-  EXPECT_EQ(app::ExitCodeOf(FailureKind::WriteFailed), app::kExitNotComplete);
-  EXPECT_EQ(app::ExitCodeOf(FailureKind::Run), app::kExitNotComplete);
-  EXPECT_EQ(app::ExitCodeOf(FailureKind::MissingInput), app::kExitUsage);
+  // One code a kind, none shared, and the codes the manual lists.
+  std::set<int> codes;
+  for (const FailureKind kind : {FailureKind::Run, FailureKind::Usage, FailureKind::BadInput, FailureKind::MissingInput,
+                                 FailureKind::CantCreate, FailureKind::WriteFailed, FailureKind::BadSite}) {
+    const int code = app::ExitCodeOf(kind);
+    EXPECT_TRUE(codes.insert(code).second) << code;
+    EXPECT_TRUE(std::any_of(std::begin(app::kExitCodes), std::end(app::kExitCodes),
+                            [code](const app::ExitCode& e) { return e.code == code; }))
+        << code;
+  }
   EXPECT_EQ(app::ReportOf(std::bad_alloc()).exitCode, app::kExitNotComplete);
 }
 

@@ -1,6 +1,6 @@
 // The command line's words: the usage lines made from the commands'
 // definitions are the contract's words, every command has its help, and a
-// command given wrongly is said in the command line's own words, exit 2.
+// command given wrongly is said in the command line's own words, exit 64.
 #include <gtest/gtest.h>
 
 #include "support/RunHifx.h"
@@ -69,7 +69,7 @@ TEST(CommandLine, ACommandGivenWronglyIsSaidInItsOwnWords) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.first);
     const RunResult r = RunHifx(row.args, dir, {{"HIFX_SITE", (dir / "site").string()}});
-    EXPECT_EQ(r.status, 2);
+    EXPECT_EQ(r.status, 64);
     EXPECT_EQ(r.out, "");
     EXPECT_EQ(r.err.substr(0, r.err.find('\n')), row.first);
     EXPECT_NE(r.err.find("usage: hifx"), std::string::npos) << r.err;

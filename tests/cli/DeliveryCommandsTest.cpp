@@ -34,7 +34,7 @@ TEST_F(DeliveryCommands, UsersListsTheUserFoldersByName) {
   const auto other = RunHifx({"--site", site.string(), "users"}, dir,
                              {{"HIFX_SYNC_ROOT", (dir / "elsewhere").string()}});
   EXPECT_EQ(other.out, "Van\n");
-  EXPECT_EQ(Run({"users", "extra"}).status, 2);
+  EXPECT_EQ(Run({"users", "extra"}).status, 64);
 }
 
 TEST_F(DeliveryCommands, InstallQueuesTheFileAndLeavesIt) {
@@ -66,10 +66,10 @@ TEST_F(DeliveryCommands, InstallWithNobodyToChooseTheUnitQueuesNothing) {
 TEST_F(DeliveryCommands, InstallRefusesBadArguments) {
   WriteBytes(dir / "route.pdb", "route");
   const std::string route = (dir / "route.pdb").string();
-  EXPECT_EQ(Run({"install"}).status, 2);
-  EXPECT_EQ(Run({"install", route, "--unit", "../up"}).status, 2);
+  EXPECT_EQ(Run({"install"}).status, 64);
+  EXPECT_EQ(Run({"install", route, "--unit", "../up"}).status, 64);
   const auto missing = Run({"install", (dir / "none.pdb").string(), "--unit", "Unit1"});
-  EXPECT_EQ(missing.status, 2);
+  EXPECT_EQ(missing.status, 66);
   EXPECT_EQ(missing.err, "hifx: install: cannot read " + (dir / "none.pdb").string() + "\n");
   EXPECT_FALSE(fs::exists(dir / "up"));
 }

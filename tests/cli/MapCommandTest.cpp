@@ -81,14 +81,14 @@ TEST(MapCommand, CheckExitsByTheValidationAndTwoWithoutAMap) {
   EXPECT_EQ(good.out, "");
 
   const auto missing = Map(dir, {"check", "Nothing.hcm"});
-  EXPECT_EQ(missing.status, 2);
+  EXPECT_EQ(missing.status, 66);
   EXPECT_EQ(missing.err, "hifx: map: could not load Nothing.hcm\n");
   WriteBytes(dir / "outside.hcm", "MAPTYPE=1\r\n");
   for (const std::vector<std::string>& args :
        {std::vector<std::string>{}, {"list", "x"}, {"show"}, {"remove", "a.hcm"},
         {"show", "a.txt"}, {"check", "../outside.hcm"}, {"show", "a.hcm", "b.hcm"}}) {
     const auto r = Map(dir, args);
-    EXPECT_EQ(r.status, 2) << r.err;
+    EXPECT_EQ(r.status, 64) << r.err;
     EXPECT_EQ(r.out, "") << r.err;
   }
 }

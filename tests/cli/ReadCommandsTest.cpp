@@ -83,12 +83,13 @@ TEST(ViewCommand, ControlCharactersAreShownEscaped) {
 TEST(ViewCommand, AFileThatCannotBeReadIsSaidSo) {
   TempDir dir;
   const auto r = RunHifx({"view", (dir / "missing.pdb").string()}, dir);
-  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.status, 66);
   EXPECT_EQ(r.out, "Error: Could not read HIF file\n");
   EXPECT_EQ(r.err, "Unable to display file\n");
 }
 
-// Damaged files: what is wrong, said with the file's name, and exit 2 before
+// Damaged files: what is wrong, said with the file's name, and exit 65 (66
+// when there is no file) before
 // anything is shown; never a crash, a hang or a partial listing.
 struct DamagedCase {
   const char* name;
@@ -114,7 +115,7 @@ TEST_P(DamagedFileTest, DumpViewAndStatsSayWhatIsWrong) {
   for (const char* command : {"dump", "view", "stats"}) {
     const auto r = RunHifx({command, path.string()}, dir);
     ASSERT_TRUE(r.exited) << command << " died";
-    EXPECT_EQ(r.status, 2) << command;
+    EXPECT_EQ(r.status, GetParam().damage ? 65 : 66) << command;
     if (std::string(command) != "view") {
       EXPECT_EQ(r.out, "");
       EXPECT_EQ(r.err.rfind("hifx: " + std::string(command) + ": ", 0), 0u) << r.err;
@@ -229,7 +230,7 @@ TEST(DiffCommand, AHandMadePairAsATableAndAsJson) {
                          R"("old":{"serial":"SN2","tag":102,"type":1,"digits":6,"route":2,"sequence":5},)"
                          R"("new":{"serial":"SN2","tag":102,"type":1,"digits":6,"route":1,"sequence":20}})"),
             std::string::npos) << one.out;
-  EXPECT_EQ(RunHifx({"diff", old, (dir / "missing.pdb").string()}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"diff", old, (dir / "missing.pdb").string()}, dir).status, 66);
 }
 
 TEST(PlotCommand, PicturesOfTheExampleAndTheFilesItWillNotWrite) {
@@ -239,7 +240,7 @@ TEST(PlotCommand, PicturesOfTheExampleAndTheFilesItWillNotWrite) {
   const auto r = RunHifx({"plot", kExamples + "reading.pdb", "--svg", svg, "--png", png}, dir);
 #else
   const auto r = RunHifx({"plot", kExamples + "reading.pdb", "--svg", svg}, dir);
-  EXPECT_EQ(RunHifx({"plot", kExamples + "reading.pdb", "--png", png}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"plot", kExamples + "reading.pdb", "--png", png}, dir).status, 64);
 #endif
   EXPECT_EQ(r.status, 0) << r.err;
   // The example's meters carry no position: all are said, and listed under
@@ -252,10 +253,10 @@ TEST(PlotCommand, PicturesOfTheExampleAndTheFilesItWillNotWrite) {
 #endif
 
   // Nothing without a picture to make; never over the file read.
-  EXPECT_EQ(RunHifx({"plot", kExamples + "reading.pdb"}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"plot", kExamples + "reading.pdb"}, dir).status, 64);
   WriteBytes(dir / "copy.pdb", ReadBytes(kExamples + "reading.pdb"));
   const auto same = RunHifx({"plot", (dir / "copy.pdb").string(), "--svg", (dir / "copy.pdb").string()}, dir);
-  EXPECT_EQ(same.status, 2);
+  EXPECT_EQ(same.status, 64);
   EXPECT_EQ(ReadBytes(dir / "copy.pdb"), ReadBytes(kExamples + "reading.pdb"));
 }
 

@@ -45,7 +45,7 @@ TEST(DistCommands, ALoadWithoutTheHeaderIsRefused) {
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.err, "Distribution: Distribution file not properly formatted\n");
   const auto missing = RunHifx(At(dir / "site", {"dist", "load", (dir / "none.dst").string()}), dir);
-  EXPECT_EQ(missing.status, 2);
+  EXPECT_EQ(missing.status, 66);
   EXPECT_NE(missing.err.find("none.dst"), std::string::npos) << missing.err;
 }
 
@@ -64,8 +64,8 @@ TEST(SettingsCommands, SetGetAndShow) {
   const auto empty = RunHifx(At(site, {"settings", "set", "RouteDestination", ""}), dir);
   EXPECT_EQ(empty.status, 1);
   EXPECT_EQ(empty.err, "hifx: settings: RouteDestination reads back as \"RouteHIF.pdb\"\n");
-  EXPECT_EQ(RunHifx(At(site, {"settings", "set", "AutoReRead", "maybe"}), dir).status, 2);
-  EXPECT_EQ(RunHifx(At(site, {"settings", "get", "Nothing"}), dir).status, 2);
+  EXPECT_EQ(RunHifx(At(site, {"settings", "set", "AutoReRead", "maybe"}), dir).status, 64);
+  EXPECT_EQ(RunHifx(At(site, {"settings", "get", "Nothing"}), dir).status, 64);
 }
 
 // Two scripts setting different settings of one site at once: every set
@@ -134,7 +134,7 @@ TEST(SiteCommands, ARegistryThatIsNoDatabaseOrIsDamagedIsAnErrorAndStaysAsItWas)
          {std::vector<std::string>{"settings"}, {"site", "show"}, {"registry", "dump"}, {"dist", "load", kExampleSite},
           {"settings", "set", "RouteMap", "x"}}) {
       const auto r = RunHifx(At(site, command), dir);
-      EXPECT_EQ(r.status, 2) << command[0] << r.out;
+      EXPECT_EQ(r.status, 78) << command[0] << r.out;
       EXPECT_NE(r.err.find((site / "registry.db").string() + ": "), std::string::npos) << r.err;
     }
     EXPECT_EQ(ReadBytes(site / "registry.db"), bytes);

@@ -58,12 +58,12 @@ INSTANTIATE_TEST_SUITE_P(Containers, SortCommand, testing::Values(kFilePDB, kFil
 TEST(SortCommandUse, AFileThatCannotBeRead) {
   TempDir dir;
   const auto missing = RunHifx({"sort", (dir / "missing.pdb").string()}, dir);
-  EXPECT_EQ(missing.status, 2);
+  EXPECT_EQ(missing.status, 66);
   EXPECT_EQ(missing.out, "Error: Could not read HIF file for sorting\n");
   EXPECT_FALSE(std::filesystem::exists(dir / "missing.pdb"));
 
   std::filesystem::create_directory(dir / "folder.pdb");
-  EXPECT_EQ(RunHifx({"sort", (dir / "folder.pdb").string()}, dir).status, 2);
+  EXPECT_EQ(RunHifx({"sort", (dir / "folder.pdb").string()}, dir).status, 65);
 }
 
 }  // namespace

@@ -242,16 +242,16 @@ TEST_F(MeterReportTest, CommandLineWritesOnePdfAReport) {
 
   const auto bad = test::RunHifx({"report", "--type", "orphan", "--pdf", (dir / "x.pdf").string(), "/nonexistent"},
                                  dir, {{"XDG_CONFIG_HOME", (dir / "config").string()}});
-  EXPECT_EQ(bad.status, 2);
+  EXPECT_EQ(bad.status, 66);
   EXPECT_EQ(bad.out, "Error: Could not read HIF file\n");
-  EXPECT_EQ(test::RunHifx({"report", "--type", "weekly", "--pdf", "x.pdf", "f"}, dir).status, 2);
+  EXPECT_EQ(test::RunHifx({"report", "--type", "weekly", "--pdf", "x.pdf", "f"}, dir).status, 64);
 }
 #else
 TEST_F(MeterReportTest, CommandLineSaysReportsNeedTheQtBuild) {
   const auto result = test::RunHifx({"--site", (dir / "site").string(), "report", "--type", "reading", "--pdf",
                                      (dir / "out.pdf").string(), File().string()},
                                     dir);
-  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.status, 64);
   EXPECT_EQ(result.err, "hifx: report: PDF and printed reports need the Qt build of hifx\n");
   EXPECT_FALSE(std::filesystem::exists(dir / "out.pdf"));
 }
