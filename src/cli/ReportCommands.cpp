@@ -118,6 +118,7 @@ int Report(Context& context, const ReportOptions& options) {
       if (!report.Begin(false, options.file, kind.type, options.title.value_or(ReportTitle(kind.type)))) {
         return kExitUsage;
       }
+      printers->SetPdfInfo({report.Engine().Title, ReportTitle(kind.type), context.SiteName(), context.Clock().Now()});
       printers->Finish();
     }
   } catch (const Failure& failure) {
