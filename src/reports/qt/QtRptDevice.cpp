@@ -357,7 +357,7 @@ std::string WithPdfInfo(std::string pdf, const PdfInfo& info) {
   const std::string number = std::to_string(size);
   pdf += number + " 0 obj\n" + InfoDictionary(info, date) + "\nendobj\n";
   char entry[32];  // an entry of a cross-reference table is 20 bytes
-  std::snprintf(entry, sizeof entry, "%010zu 00000 n \n", object);
+  std::snprintf(entry, sizeof entry, "%010llu 00000 n \n", static_cast<unsigned long long>(object));
   const size_t xref = pdf.size();
   pdf += "xref\n" + number + " 1\n" + entry + "trailer\n<<\n/Size " + std::to_string(size + 1) + "\n/Root " + root +
          "\n/Info " + number + " 0 R\n/Prev " + std::to_string(previous) + "\n>>\nstartxref\n" +
