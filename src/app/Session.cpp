@@ -50,6 +50,13 @@ const std::filesystem::path& Session::SiteFolder() const {
   return site_;
 }
 
+std::string Session::SiteName() const {
+  std::error_code ec;
+  std::filesystem::path folder = std::filesystem::absolute(site_, ec).lexically_normal();
+  if (!folder.has_filename()) folder = folder.parent_path();  // written with a separator at its end
+  return folder.filename().string();
+}
+
 std::filesystem::path Session::SyncRoot() const {
   if (auto root = FromEnvironment("HIFX_SYNC_ROOT"); !root.empty()) return root;
   return SiteFolder() / "sync";

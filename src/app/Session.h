@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 #include "base/Clock.h"
 #include "base/Shell.h"
@@ -34,6 +35,9 @@ class Session {
   const std::filesystem::path& SiteFolder() const;
   // The folder as named, whether or not it exists yet.
   const std::filesystem::path& SiteFolderName() const { return site_; }
+  // The site's name, as a report's PDF gives its author: the site folder's
+  // own name (the settings hold no name of the utility).
+  std::string SiteName() const;
   // The desktop sync root: $HIFX_SYNC_ROOT, else the site folder's "sync".
   std::filesystem::path SyncRoot() const;
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/Csv.h"
 #include "base/Failure.h"
 #include "cli/Commands.h"
 #include "cli/HifFile.h"
@@ -15,16 +16,51 @@
 
 namespace hifx::cli {
 
-void AppendShown(std::string& line, const std::string& text) {
+namespace {
+
+bool IsControl(unsigned char byte) { return byte < 0x20 || (byte >= 0x7F && byte <= 0x9F); }
+
+void AppendHex(std::string& line, unsigned char byte) {
   static constexpr char kHex[] = "0123456789ABCDEF";
+  line += "\\x";
+  line.push_back(kHex[byte >> 4]);
+  line.push_back(kHex[byte & 15]);
+}
+
+// The letter a cell shows behind a backslash in place of the character, or
+// none.
+char EscapeLetter(char c) {
+  switch (c) {
+    case '\\': return '\\';
+    case '\t': return 't';
+    case '\n': return 'n';
+    case '\r': return 'r';
+    default: return 0;
+  }
+}
+
+void AppendShownChar(std::string& line, char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  if (IsControl(byte)) {
+    AppendHex(line, byte);
+  } else {
+    line.push_back(c);
+  }
+}
+
+}  // namespace
+
+void AppendShown(std::string& line, const std::string& text) {
+  for (const char c : text) AppendShownChar(line, c);
+}
+
+void AppendCell(std::string& line, const std::string& text) {
   for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || (byte >= 0x7F && byte <= 0x9F)) {
-      line += "\\x";
-      line.push_back(kHex[byte >> 4]);
-      line.push_back(kHex[byte & 15]);
+    if (const char letter = EscapeLetter(c)) {
+      line.push_back('\\');
+      line.push_back(letter);
     } else {
-      line.push_back(c);
+      AppendShownChar(line, c);
     }
   }
 }
@@ -87,14 +123,13 @@ std::string DifferenceJson(const MeterDifference& d) {
 
 namespace {
 
-void PrintRow(const std::vector<std::string>& cells) {
-  std::string line;
+// One row of tab-separated cells, ended by a line feed.
+void AppendTsvRecord(std::string& out, const std::vector<std::string>& cells) {
   for (size_t i = 0; i < cells.size(); ++i) {
-    if (i > 0) line.push_back('\t');
-    AppendShown(line, cells[i]);
+    if (i > 0) out.push_back('\t');
+    AppendCell(out, cells[i]);
   }
-  line.push_back('\n');
-  std::fwrite(line.data(), 1, line.size(), stdout);
+  out.push_back('\n');
 }
 
 int Dump(const std::string& file) {
@@ -125,7 +160,7 @@ int Dump(const std::string& file) {
   return kExitOk;
 }
 
-int View(Context& context, const std::string& file, std::optional<int32_t> route) {
+int View(Context& context, const std::string& file, std::optional<int32_t> route, bool csv) {
   RaiseIfDamaged(file);
   HifView view(context.Shell());
   if (!view.Display(file)) {
@@ -133,8 +168,17 @@ int View(Context& context, const std::string& file, std::optional<int32_t> route
     return UnreadableInputCode(file);
   }
   const TextTable table = route ? view.Meters(*route) : view.Routes();
-  PrintRow(table.columns);
-  for (const auto& row : table.rows) PrintRow(row);
+  const auto append = csv ? AppendCsvRecord : AppendTsvRecord;
+  std::string out;
+  append(out, table.columns);
+  for (const auto& row : table.rows) {
+    append(out, row);
+    if (out.size() > (1u << 16)) {
+      std::fwrite(out.data(), 1, out.size(), stdout);
+      out.clear();
+    }
+  }
+  std::fwrite(out.data(), 1, out.size(), stdout);
   return kExitOk;
 }
 
@@ -149,12 +193,14 @@ void AddHifCommands(CommandTable& table) {
 
   auto viewed = std::make_shared<std::string>();
   auto route = std::make_shared<std::optional<int32_t>>();
-  CLI::App& view = table.Add("view", "the routes, or the meters of route N, tab-separated",
-                             [viewed, route](Context& context) {
-                               return ReadingFile(*viewed, [&] { return View(context, *viewed, *route); });
+  auto csv = std::make_shared<bool>(false);
+  CLI::App& view = table.Add("view", "the routes, or the meters of route N, tab-separated or as CSV",
+                             [viewed, route, csv](Context& context) {
+                               return ReadingFile(*viewed, [&] { return View(context, *viewed, *route, *csv); });
                              });
   view.add_option("file", *viewed, "the HIF file")->type_name("FILE")->required();
   view.add_option("--route", *route, "the route whose meters are shown")->type_name("N");
+  view.add_flag("--csv", *csv, "comma-separated values (RFC 4180) instead");
 }
 
 }  // namespace hifx::cli

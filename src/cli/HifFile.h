@@ -25,6 +25,10 @@ auto ReadingFile(const std::string& file, Body body) -> decltype(body()) {
 // receives an escape sequence it would act on, nor a tab or line break that
 // would shift a table.
 void AppendShown(std::string& line, const std::string& text);
+// A cell of a tab-separated table, shown so that every row stays one line
+// and a cell reads back as it was: a backslash as \\, a tab, line feed and
+// carriage return as \t, \n and \r, any other control character as \xHH.
+void AppendCell(std::string& line, const std::string& text);
 
 // Rows on standard output in columns as wide as their widest cell, two
 // spaces apart; a column marked right is aligned to the right (counts).

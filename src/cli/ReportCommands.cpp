@@ -120,6 +120,7 @@ int Report(Context& context, const ReportOptions& options) {
       if (!report.Begin(false, options.file, kind.type, options.title.value_or(ReportTitle(kind.type)))) {
         return UnreadableInputCode(options.file);
       }
+      printers->SetPdfInfo({report.Engine().Title, ReportTitle(kind.type), context.SiteName(), context.Clock().Now()});
       printers->Finish();
     }
   } catch (const Failure& failure) {

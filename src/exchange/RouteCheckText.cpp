@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 
+#include "base/Csv.h"
 #include "exchange/RouteCheck.h"
 
 namespace hifx {
@@ -11,28 +12,6 @@ namespace {
 
 std::string Count(int64_t count, const char* one, const char* many) {
   return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
-// A CSV field, quoted when it holds a comma, a quote or a line break.
-void AppendCsvField(std::string& out, const std::string& field) {
-  if (field.find_first_of(",\"\r\n") == std::string::npos) {
-    out += field;
-    return;
-  }
-  out += '"';
-  for (const char c : field) {
-    if (c == '"') out += '"';
-    out += c;
-  }
-  out += '"';
-}
-
-void AppendCsvRow(std::string& out, const std::vector<std::string>& fields) {
-  for (size_t i = 0; i < fields.size(); ++i) {
-    if (i > 0) out += ',';
-    AppendCsvField(out, fields[i]);
-  }
-  out += "\r\n";
 }
 
 }  // namespace
@@ -94,9 +73,9 @@ std::string ChangesSummary(const RouteCheck& check) {
 // A fault of the file as a whole has no line: its cell stays empty.
 std::string FaultsCsv(const RouteCheck& check) {
   std::string out;
-  AppendCsvRow(out, {"Line", "Field", "Value", "Kind", "Message"});
+  AppendCsvRecord(out, {"Line", "Field", "Value", "Kind", "Message"});
   for (const RouteFault& f : check.faults) {
-    AppendCsvRow(out, {f.line == 0 ? std::string() : std::to_string(f.line), f.field, f.value, f.kind, f.message});
+    AppendCsvRecord(out, {f.line == 0 ? std::string() : std::to_string(f.line), f.field, f.value, f.kind, f.message});
   }
   return out;
 }

@@ -286,6 +286,7 @@ void frmMain::RunReport(bool preview, int32_t type, const std::string& title) {
                           ((title.empty() ? ReportTitle(type) : title) + ".pdf"))});
       if (!chosen) return;
       printers->SetPdfFile(*chosen);
+      printers->SetPdfInfo({report.Engine().Title, ReportTitle(type), session_.SiteName(), session_.Clock().Now()});
     }
     printers->Finish();
   } catch (const Failure& failure) {

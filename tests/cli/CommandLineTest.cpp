@@ -20,7 +20,7 @@ TEST(CommandLine, UsageLinesAreTheContractsWords) {
        "usage: hifx reading [--source F] [--dest F] [--map NAME] [--orphans F] [--orphan-map NAME] "
        "[--orphan-replace | --orphan-append] [--reread F] [--no-orphans] [--no-reread]"},
       {{"settings", "--help"}, "usage: hifx settings [show | get NAME | set NAME VALUE]"},
-      {{"view", "--help"}, "usage: hifx view FILE [--route N]"},
+      {{"view", "--help"}, "usage: hifx view FILE [--route N] [--csv]"},
       {{"install", "--help"}, "usage: hifx install FILE [--unit NAME]"},
       {{"map", "show", "--help"}, "usage: hifx map show NAME"},
       {{"report", "--help"},

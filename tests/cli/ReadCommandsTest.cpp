@@ -66,18 +66,33 @@ TEST(ViewCommand, RoutesAndTheMetersOfOneRoute) {
   EXPECT_EQ(Lines(none.out), 1u);  // the columns, no meters
 }
 
-// A file's texts never reach the terminal as escape sequences.
-TEST(ViewCommand, ControlCharactersAreShownEscaped) {
+// A file's texts never reach the terminal as escape sequences, nor break a
+// row: a tab-separated cell escapes them, a CSV field quotes what needs it.
+TEST(ViewCommand, OddTextsAsEscapedCellsAndAsQuotedFields) {
   TempDir dir;
   TestShell shell;
   {
     HifWriter w(shell, dir / "odd.pdb");
     w.Add({{"RecType", 0}, {"RouteNbr", 1}, {"MeterType", 3}});
     w.Add({{"RecType", 1}, {"RouteNbr", 1}, {"Initials", "N\x1b[2J\tX\x9b\xc9"}});
+    w.Add({{"RecType", 1}, {"RouteNbr", 2}, {"Initials", "a\\t\nb\r\x7f,\"q\""}});
   }
-  const auto r = RunHifx({"view", (dir / "odd.pdb").string()}, dir);
-  ASSERT_EQ(r.status, 0) << r.err;
-  EXPECT_EQ(r.out, "Index\tRoute\tMeters\tFirst Read\tLast Read\n1\tN\\x1B[2J\\x09X\\x9B\xc9\t0\t0\t0\n");
+  const auto odd = (dir / "odd.pdb").string();
+  const auto tsv = RunHifx({"view", odd}, dir);
+  ASSERT_EQ(tsv.status, 0) << tsv.err;
+  EXPECT_EQ(tsv.out,
+            "Index\tRoute\tMeters\tFirst Read\tLast Read\n"
+            "1\tN\\x1B[2J\\tX\\x9B\xc9\t0\t0\t0\n"
+            "2\ta\\\\t\\nb\\r\\x7F,\"q\"\t0\t0\t0\n");
+  const auto csv = RunHifx({"view", odd, "--csv"}, dir);
+  ASSERT_EQ(csv.status, 0) << csv.err;
+  EXPECT_EQ(csv.out,
+            "Index,Route,Meters,First Read,Last Read\r\n"
+            "1,N\x1b[2J\tX\x9b\xc9,0,0,0\r\n"
+            "2,\"a\\t\nb\r\x7f,\"\"q\"\"\",0,0,0\r\n");
+  const auto meters = RunHifx({"view", odd, "--route", "2", "--csv"}, dir);
+  EXPECT_EQ(FirstLine(meters.out).substr(0, 31), "Sequence,MeterTagNbr,MeterType,");
+  EXPECT_EQ(Lines(meters.out), 1u);  // the columns: the route has no meters
 }
 
 TEST(ViewCommand, AFileThatCannotBeReadIsSaidSo) {

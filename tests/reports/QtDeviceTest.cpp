@@ -98,6 +98,34 @@ TEST_F(QtDeviceTest, AReportPageRendered) {
   EXPECT_EQ(Output("pdffonts " + pdf.string() + " | grep -c Liberation"), "3");
 }
 
+// A report's PDF says what it is: its title as printed (in the report's code
+// page), the site as its author, the report's kind and the clock's moment,
+// in an update appended to what Qt wrote, whose pages stay as they were.
+TEST_F(QtDeviceTest, APdfSaysWhatItIsAndWhen) {
+  if (Output("command -v pdfinfo").empty()) GTEST_SKIP() << "no pdfinfo";
+  const test::Env env{{"SOURCE_DATE_EPOCH", "1710000000"}, {"TZ", "UTC"}, {"XDG_CONFIG_HOME", (dir / "config").string()}};
+  const auto run = test::RunHifx({"--site", (dir / "North Water").string() + "/", "report", "--type", "missed",
+                                  "--title", "Caf\xe9 (route 7)", "--pdf", (dir / "a.pdf").string(),
+                                  test::kExamples + "reading.pdb"},
+                                 dir, env);
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::string pdf = test::ReadBytes(dir / "a.pdf");
+  const std::string info = Output("TZ=UTC pdfinfo -isodates " + (dir / "a.pdf").string() + " 2>&1");
+  for (const char* line : {"Title:           Caf\xc3\xa9 (route 7)\n", "Author:          North Water\n",
+                           "Subject:         Missed Report\n", "CreationDate:    2024-03-09T16:00:00",
+                           "Creator:         hifx\n"}) {
+    EXPECT_NE(info.find(line), std::string::npos) << line << "\n" << info;
+  }
+  EXPECT_EQ(info.find("rror"), std::string::npos) << info;  // no syntax error, the cross-references sound
+  // The file up to its first end is what Qt wrote, its date aside: the same
+  // text is read from it.
+  test::WriteBytes(dir / "qt.pdf", pdf.substr(0, pdf.find("%%EOF\n") + 6));
+  const std::string text = Output("pdftotext " + (dir / "a.pdf").string() + " - 2>&1");
+  EXPECT_NE(text.find("Caf"), std::string::npos) << text;
+  EXPECT_EQ(Output("pdftotext " + (dir / "qt.pdf").string() + " - 2>&1"), text);
+  EXPECT_EQ(Output("pdfinfo " + (dir / "qt.pdf").string() + " 2>&1").find("Author:"), std::string::npos);
+}
+
 // A PDF is written whole or not at all: on a device that fails, the old
 // file stays and the failure names it.
 TEST_F(QtDeviceTest, APdfThatCannotBeWrittenLeavesTheOldFile) {

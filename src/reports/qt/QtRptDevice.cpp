@@ -16,6 +16,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <tuple>
 
 #include "base/AtomicFile.h"
@@ -282,6 +283,88 @@ std::string PngBytes(const QImage& image) {
   return bytes.toStdString();
 }
 
+namespace {
+
+// A PDF text string: UTF-16 with its byte order mark, in hex, so that no
+// character needs an escape.
+std::string PdfText(const QString& text) {
+  std::string out = "<FEFF";
+  char unit[5];
+  for (const QChar c : text) {
+    std::snprintf(unit, sizeof unit, "%04X", static_cast<unsigned>(c.unicode()));
+    out += unit;
+  }
+  return out + ">";
+}
+
+// D:YYYYMMDDHHmmSS, a PDF date with no time zone: the clock's time is local.
+std::string PdfDate(const CivilTime& t) {
+  char date[32];
+  std::snprintf(date, sizeof date, "(D:%04d%02d%02d%02d%02d%02d)", t.year, t.month, t.day, t.hour, t.minute,
+                t.second);
+  return date;
+}
+
+// The number that follows key in text, from at on; -1 when there is none.
+long long NumberAfter(const std::string& text, const char* key, size_t at) {
+  const size_t found = text.find(key, at);
+  if (found == std::string::npos) return -1;
+  char* end = nullptr;
+  const long long number = std::strtoll(text.c_str() + found + std::strlen(key), &end, 10);
+  return end == text.c_str() + found + std::strlen(key) ? -1 : number;
+}
+
+// Qt's own CreationDate rewritten as the same moment, blanks after it filling
+// what is left of the old one, so that no offset moves.
+void OverwriteQtDate(std::string& pdf, const std::string& date) {
+  const size_t key = pdf.find("/CreationDate (");
+  if (key == std::string::npos) return;
+  const size_t open = key + std::strlen("/CreationDate ");
+  const size_t close = pdf.find(')', open);
+  if (close == std::string::npos || close + 1 - open < date.size()) return;
+  pdf.replace(open, close + 1 - open, date + std::string(close + 1 - open - date.size(), ' '));
+}
+
+// The reference "N G R" that follows key in text, from at on; empty when
+// there is none.
+std::string ReferenceAfter(const std::string& text, const char* key, size_t at) {
+  const size_t found = text.find(key, at);
+  if (found == std::string::npos) return {};
+  const size_t start = text.find_first_not_of(" \r\n", found + std::strlen(key));
+  const size_t end = text.find('R', start);
+  return end == std::string::npos ? std::string() : text.substr(start, end + 1 - start);
+}
+
+std::string InfoDictionary(const PdfInfo& info, const std::string& date) {
+  return "<<\n/Title " + PdfText(FromCodePage(info.title)) + "\n/Author " + PdfText(ToQString(info.author)) +
+         "\n/Subject " + PdfText(FromCodePage(info.subject)) + "\n/Creator (hifx)\n/Producer (Qt " + qVersion() +
+         ")\n/CreationDate " + date + "\n>>";
+}
+
+}  // namespace
+
+std::string WithPdfInfo(std::string pdf, const PdfInfo& info) {
+  const size_t trailer = pdf.rfind("trailer");
+  if (trailer == std::string::npos) return pdf;
+  const long long size = NumberAfter(pdf, "/Size", trailer);
+  const long long previous = NumberAfter(pdf, "startxref", trailer);
+  const std::string root = ReferenceAfter(pdf, "/Root", trailer);
+  if (size <= 0 || previous <= 0 || root.empty()) return pdf;
+  const std::string date = PdfDate(info.created);
+  OverwriteQtDate(pdf, date);
+  if (pdf.back() != '\n') pdf += '\n';
+  const size_t object = pdf.size();
+  const std::string number = std::to_string(size);
+  pdf += number + " 0 obj\n" + InfoDictionary(info, date) + "\nendobj\n";
+  char entry[32];  // an entry of a cross-reference table is 20 bytes
+  std::snprintf(entry, sizeof entry, "%010llu 00000 n \n", static_cast<unsigned long long>(object));
+  const size_t xref = pdf.size();
+  pdf += "xref\n" + number + " 1\n" + entry + "trailer\n<<\n/Size " + std::to_string(size + 1) + "\n/Root " + root +
+         "\n/Info " + number + " 0 R\n/Prev " + std::to_string(previous) + "\n>>\nstartxref\n" +
+         std::to_string(xref) + "\n%%EOF\n";
+  return pdf;
+}
+
 // One printer: its paint device and the surface on it. A PDF is drawn into
 // memory and written out whole when the report is done.
 struct QtPrinters::Target {
@@ -323,7 +406,10 @@ void QtPrinters::Finish() {
     target->pictures = nullptr;
     target->surface.reset();  // ends the painter: the document is complete
     target->device.reset();
-    if (target->pdf) ReplaceFile(pdfFile_, target->pdf->data().toStdString());
+    if (!target->pdf) continue;
+    std::string pdf = target->pdf->data().toStdString();
+    if (pdfInfo_) pdf = WithPdfInfo(std::move(pdf), *pdfInfo_);
+    ReplaceFile(pdfFile_, pdf);
   }
 }
 

@@ -8,9 +8,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "base/DateSerial.h"
 #include "base/UserSettings.h"
 #include "reports/RptDevice.h"
 
@@ -98,6 +100,21 @@ class QtImageDevice final : public QtSurface {
 // A picture's bytes as a PNG file.
 std::string PngBytes(const QImage& image);
 
+// What a report's PDF says of itself in its document information. The title
+// and subject are in the report's code page, as its pages print them; the
+// author, a file's name, is UTF-8.
+struct PdfInfo {
+  std::string title, subject, author;
+  CivilTime created;  // local time, as the clock tells it
+};
+
+// The PDF with this information: an update appended to it (the way a PDF
+// editor saves a change) whose Info dictionary carries the four, Creator
+// "hifx" and Qt as the Producer. The date Qt wrote in its own dictionary is
+// overwritten in place by the same moment, so that no other date is in the
+// file. A PDF whose last trailer can't be read comes back as it was.
+std::string WithPdfInfo(std::string pdf, const PdfInfo& info);
+
 // The system printer and the installed printers. The system printer is a
 // PDF file, or the platform's default printer.
 class QtPrinters final : public IRptPrinters {
@@ -121,6 +138,8 @@ class QtPrinters final : public IRptPrinters {
   bool Printed() const;
   // Where the PDF goes, when the file is chosen once the report is done.
   void SetPdfFile(const std::filesystem::path& file) { pdfFile_ = file; }
+  // What the PDF says of itself; without it, only Qt's title-less Info.
+  void SetPdfInfo(PdfInfo info) { pdfInfo_ = std::move(info); }
   // Ends every document; a PDF is then written whole in place of the file of
   // its name. Raises, naming the file, when that fails.
   void Finish();
@@ -133,6 +152,7 @@ class QtPrinters final : public IRptPrinters {
   std::map<std::string, std::unique_ptr<Target>> targets_;
   std::string current_;
   std::filesystem::path pdfFile_;  // where the PDF goes, when it is one
+  std::optional<PdfInfo> pdfInfo_;
   int16_t orientation_ = 1;
 };
 
