@@ -27,7 +27,7 @@ synopsis() {
     sed -n '/^SYNOPSIS/,/^[A-Z]/{/^ /p}' | sed 's/^ *//' | paste -sd ' '
 }
 
-commands=$("$hifx" --help | sed -n '/^Commands:/,/^$/{s/^  \([a-z]*\) .*/\1/p}')
+commands=$("$hifx" --help | sed -En '/^(Sub)?[Cc]ommands:/,/^$/{s/^  ([a-z]+) .*/\1/p}')
 [ -n "$commands" ] || fail "no commands in hifx --help"
 [ "$(synopsis hifx)" = "$(usage)" ] || fail "hifx(1) synopsis \"$(synopsis hifx)\" is not \"$(usage)\""
 for command in $commands; do
