@@ -94,8 +94,10 @@ std::string OptionWords(const CLI::Option& option) {
   return words;
 }
 
-void AddOptions(Page& page, const CLI::App& command, const std::string& title) {
-  const auto options = command.get_options([](const CLI::Option* o) { return Listed(*o); });
+// The options of a command, its --help among them unless a page has said it once.
+void AddOptions(Page& page, const CLI::App& command, const std::string& title, bool withHelp = true) {
+  const CLI::Option* help = withHelp ? nullptr : command.get_help_ptr();
+  const auto options = command.get_options([help](const CLI::Option* o) { return Listed(*o) && o != help; });
   if (options.empty()) return;
   page.Raw(title);
   for (const CLI::Option* option : options) page.Item(OptionTag(*option), OptionWords(*option));
@@ -121,10 +123,9 @@ std::string Synopsis(const CLI::App& command) { return Usage(command, cli::PathO
 
 // A command under a command, with its usage, help, options and arguments.
 void AddSubcommand(Page& page, const CLI::App& command) {
-  page.Subsection(cli::PathOf(command));
-  page.Raw(Synopsis(command));
-  page.Paragraph(command.get_description());
-  AddOptions(page, command, ".PP\nOptions:");
+  page.Subsection(cli::UsageLine(command, cli::PathOf(command)));
+  page.Raw(RoffText(command.get_description()));
+  AddOptions(page, command, ".PP\nOptions:", false);
   AddArguments(page, command, ".PP\nArguments:");
 }
 
