@@ -6,11 +6,13 @@
 # file, the orphan file and the re-read file; then the same road for the MVRS
 # example route file and the E5000 example download; last, the Reading and
 # Exception reports of the readings as PDF files. It builds the desktop
-# program too, and ends by saying how to start it on the example site.
+# program too, installs both programs with their manual pages and shell
+# completion into out/prefix, and ends by saying how to start the desktop
+# program on the example site.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
-scripts/build.sh default --target hifx fill_readings hifx-desktop >/dev/null
+scripts/build.sh default --target hifx fill_readings hifx-desktop hifx_docs_files >/dev/null
 
 out=out/example
 hifx="build/default/src/hifx --site $out/site"
@@ -69,6 +71,10 @@ cat "$out/e5000-upload.txt"
 echo "== hifx report --type reading,exception --pdf $out/report.pdf $out/reading.pdb"
 $hifx report --type reading,exception --pdf "$out/report.pdf" "$out/reading.pdb"
 ls -l "$out/report-reading.pdf" "$out/report-exception.pdf"
+
+echo "== cmake --install build/default --prefix out/prefix   (hifx, hifx-desktop, their manual pages and completion)"
+cmake --install build/default --prefix out/prefix >/dev/null
+echo "   put them on the PATH of this shell with: export PATH=\"\$PWD/out/prefix/bin:\$PATH\""
 
 echo "== the desktop program on the same site, from this folder (log in as SUPER, password super123):"
 echo "   build/default/src/shell/hifx-desktop --site $out/site"

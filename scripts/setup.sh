@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(cmake g++ make libgtest-dev libbenchmark-dev libsqlite3-dev libpalm-perl clang libclang-rt-14-dev
           libcli11-dev qt6-base-dev qt6-qpa-plugins fonts-liberation2 fontconfig poppler-utils zbar-tools
-          xvfb xdotool xauth cups cups-client printer-driver-cups-pdf "$@")
+          xvfb xdotool xauth cups cups-client printer-driver-cups-pdf man-db groff-base zsh "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
