@@ -224,7 +224,7 @@ int UnreadableInputCode(const std::string& file) {
   return std::filesystem::exists(file, error) ? app::kExitBadInput : app::kExitNoInput;
 }
 
-void AddJsonFlag(CLI::App& command, bool& json) { command.add_flag("--json", json, kJsonHelp); }
+void AddJsonFlag(CLI::App& command, bool& json) { command.add_flag("--json", json, kJsonHelp)->group(kOtherOptions); }
 
 int ExitCodeOf(const Failure& failure) { return app::ExitCodeOf(failure.Kind()); }
 

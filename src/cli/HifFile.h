@@ -16,7 +16,7 @@ auto ReadingFile(const std::string& file, Body body) -> decltype(body()) {
   try {
     return body();
   } catch (const Failure& failure) {
-    if (failure.Kind() != FailureKind::Run) throw;
+    if (failure.Kind() != FailureKind::Run) throw;  // already said as a fault of its kind
     throw Failure(FailureKind::BadInput, failure.Number(), {}, file, failure.Description());
   }
 }

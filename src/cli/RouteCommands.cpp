@@ -131,7 +131,8 @@ void AddReadingConversion(CommandTable& table) {
   reading.add_option("--reread", "the re-read file to write")->type_name("F");
   reading.add_flag("--no-orphans")->description("no orphan file");
   reading.add_flag("--no-reread")->description("no re-read file");
-  reading.add_flag("--json")->description(kJsonHelp);
+  auto json = std::make_shared<bool>(false);
+  AddJsonFlag(reading, *json);
 }
 
 }  // namespace

@@ -120,7 +120,10 @@ void OpenToRead(clsHIF& hif, IShell& shell, const std::filesystem::path& fileNam
   const int16_t version = ReadFileVersion(shell, fileName);
   if (version >= 0) hif.SetVersion(version);
   if (version < 0 || hif.OpenHIF(fileName)) {
-    throw Failure(FailureKind::BadInput, fail::kFileNotFound, "could not read HIF file", fileName);
+    std::error_code error;
+    const bool there = std::filesystem::exists(fileName, error);
+    throw Failure(there ? FailureKind::BadInput : FailureKind::MissingInput, fail::kFileNotFound,
+                  "could not read HIF file", fileName);
   }
 }
 

@@ -86,7 +86,7 @@ TEST(MapCommand, CheckExitsByTheValidationAndTwoWithoutAMap) {
   WriteBytes(dir / "outside.hcm", "MAPTYPE=1\r\n");
   for (const std::vector<std::string>& args :
        {std::vector<std::string>{}, {"list", "x"}, {"show"}, {"remove", "a.hcm"},
-        {"show", "a.txt"}, {"check", "../outside.hcm"}, {"show", "a.hcm", "b.hcm"}}) {
+        {"check", "../outside.hcm"}, {"show", "a.hcm", "b.hcm"}}) {
     const auto r = Map(dir, args);
     EXPECT_EQ(r.status, 64) << r.err;
     EXPECT_EQ(r.out, "") << r.err;

@@ -33,7 +33,7 @@ TEST_P(SortCommand, SortsTheFileInPlace) {
   const auto run = RunHifx({"sort", file.string()}, dir);
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.out, "");
-  EXPECT_EQ(run.err, "Indexes would need to be rebuilt\n");
+  EXPECT_EQ(WithoutSummary(run.err), "Indexes would need to be rebuilt\n");
   // Meters in order, the skip codes gone, the table still of seven slots.
   EXPECT_EQ(ReadBytes(file), HifImage(GetParam(), 7, {r[0], r[1], r[2], r[3], r[4], r[5]}));
 }
@@ -46,7 +46,8 @@ TEST_P(SortCommand, AFailurePartwayIsShownAndLeavesTheFile) {
   const auto run = RunHifx({"sort", file.string()}, dir);
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.out, "");
-  EXPECT_EQ(run.err, "Indexes would need to be rebuilt\nError: Subscript out of range\n");
+  EXPECT_EQ(WithoutSummary(run.err), "Indexes would need to be rebuilt\nError: Subscript out of range\n");
+  EXPECT_NE(run.err.find("hifx: sort: wrote nothing in "), std::string::npos) << run.err;
   EXPECT_EQ(ReadBytes(file), before);
 }
 

@@ -35,6 +35,15 @@ inline std::string JsonQuoted(const std::string& name) {
   return quoted + "\"";
 }
 
+// What a command said on standard error, without the summary line that a
+// command writing files ends with.
+inline std::string WithoutSummary(const std::string& err) {
+  const size_t line = err.rfind("hifx: ", err.size() < 2 ? 0 : err.size() - 2);
+  if (line == std::string::npos || (line > 0 && err[line - 1] != '\n')) return err;
+  if (err.find(": wrote ", line) == std::string::npos) return err;
+  return err.substr(0, line);
+}
+
 // Variables set for the program's run only; an empty value reads as unset.
 using Env = std::vector<std::pair<std::string, std::string>>;
 
