@@ -24,9 +24,10 @@ using app::kExitNotComplete;
 using app::kExitOk;
 using app::kExitUsage;
 
-// The exit of a file that a command could not read: 66 when it is not
-// there, else 65, a file that is not what it should be.
-int UnreadableInputCode(const std::string& file);
+// After the system's own words for a file a command could not read, which
+// don't name it: "hifx: COMMAND: FILE: what is wrong" on standard error.
+// Returns the exit: 66 when it is not there, else 65.
+int SayUnreadable(const std::string& command, const std::string& file);
 // The exit of a failure that a command's own frame has said.
 int ExitCodeOf(const Failure& failure);
 using Context = app::Session;

@@ -165,7 +165,7 @@ int View(Context& context, const std::string& file, std::optional<int32_t> route
   HifView view(context.Shell());
   if (!view.Display(file)) {
     context.Shell().MsgBox("Unable to display file", {}, MsgButtons::OK, MsgIcon::None);
-    return UnreadableInputCode(file);
+    return SayUnreadable("view", file);
   }
   const TextTable table = route ? view.Meters(*route) : view.Routes();
   const auto append = csv ? AppendCsvRecord : AppendTsvRecord;

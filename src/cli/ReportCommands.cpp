@@ -118,7 +118,7 @@ int Report(Context& context, const ReportOptions& options) {
       }
       // Each report is titled with its own name, as the main window prints it.
       if (!report.Begin(false, options.file, kind.type, options.title.value_or(ReportTitle(kind.type)))) {
-        return UnreadableInputCode(options.file);
+        return SayUnreadable("report", options.file);
       }
       printers->SetPdfInfo({report.Engine().Title, ReportTitle(kind.type), context.SiteName(), context.Clock().Now()});
       printers->Finish();

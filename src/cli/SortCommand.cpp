@@ -17,7 +17,7 @@ int Sort(Context& context, const std::filesystem::path& file) {
   try {
     switch (SortHIF(context.Shell(), file, file)) {
       case SortOutcome::Sorted: return kExitOk;
-      case SortOutcome::NotRead: return UnreadableInputCode(file.string());
+      case SortOutcome::NotRead: return SayUnreadable("sort", file.string());
       case SortOutcome::NotCreated: return kExitNotComplete;
     }
   } catch (const Failure& failure) {

@@ -100,7 +100,8 @@ TEST(ViewCommand, AFileThatCannotBeReadIsSaidSo) {
   const auto r = RunHifx({"view", (dir / "missing.pdb").string()}, dir);
   EXPECT_EQ(r.status, 66);
   EXPECT_EQ(r.out, "Error: Could not read HIF file\n");
-  EXPECT_EQ(r.err, "Unable to display file\n");
+  // The system's words, then which file and what is wrong with it.
+  EXPECT_EQ(r.err, "Unable to display file\nhifx: view: " + (dir / "missing.pdb").string() + ": no such file\n");
 }
 
 // Damaged files: what is wrong, said with the file's name, and exit 65 (66

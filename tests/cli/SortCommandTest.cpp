@@ -61,10 +61,15 @@ TEST(SortCommandUse, AFileThatCannotBeRead) {
   const auto missing = RunHifx({"sort", (dir / "missing.pdb").string()}, dir);
   EXPECT_EQ(missing.status, 66);
   EXPECT_EQ(missing.out, "Error: Could not read HIF file for sorting\n");
+  EXPECT_EQ(WithoutSummary(missing.err), "Indexes would need to be rebuilt\nhifx: sort: " + (dir / "missing.pdb").string() + ": no such file\n");
   EXPECT_FALSE(std::filesystem::exists(dir / "missing.pdb"));
 
   std::filesystem::create_directory(dir / "folder.pdb");
-  EXPECT_EQ(RunHifx({"sort", (dir / "folder.pdb").string()}, dir).status, 65);
+  const auto folder = RunHifx({"sort", (dir / "folder.pdb").string()}, dir);
+  EXPECT_EQ(folder.status, 65);
+  EXPECT_EQ(WithoutSummary(folder.err),
+            "Indexes would need to be rebuilt\nhifx: sort: " + (dir / "folder.pdb").string() +
+                ": a folder, not a handheld file\n");
 }
 
 }  // namespace

@@ -244,6 +244,7 @@ TEST_F(MeterReportTest, CommandLineWritesOnePdfAReport) {
                                  dir, {{"XDG_CONFIG_HOME", (dir / "config").string()}});
   EXPECT_EQ(bad.status, 66);
   EXPECT_EQ(bad.out, "Error: Could not read HIF file\n");
+  EXPECT_EQ(bad.err.rfind("hifx: report: /nonexistent: no such file\n", 0), 0u) << bad.err;
   EXPECT_EQ(test::RunHifx({"report", "--type", "weekly", "--pdf", "x.pdf", "f"}, dir).status, 64);
 }
 #else
