@@ -109,7 +109,7 @@ int Check(Context& context, const CheckOptions& options) {
     PrintText(options, check);
   }
   std::fflush(stdout);
-  return check.Converts() ? kExitOk : kExitNotComplete;
+  return NameTheInput("check", options.file, false, check.Converts() ? kExitOk : kExitNotComplete);
 }
 
 }  // namespace

@@ -12,7 +12,6 @@
 #include "cli/CliShell.h"
 #include "cli/CommandLine.h"
 #include "cli/Version.h"
-#include "handheld/PalmFileCheck.h"
 
 namespace hifx::cli {
 namespace {
@@ -219,25 +218,6 @@ const std::pair<CLI::App*, Runner>* CommandTable::Given() const {
 }
 
 Failure UsageError(const std::string& words) { return Failure(FailureKind::Usage, words); }
-
-int SayUnreadable(const std::string& command, const std::string& file) {
-  std::error_code error;
-  const bool there = std::filesystem::exists(file, error);
-  std::string why = "no such file";
-  if (std::filesystem::is_directory(file, error)) {
-    why = "a folder, not a handheld file";
-  } else if (there) {
-    try {
-      why = PalmFileDamage(file);
-      if (why.empty()) why = "not a handheld file of a version this program reads";
-    } catch (const Failure& failure) {
-      why = failure.Description();
-    }
-  }
-  std::fflush(stdout);
-  std::fprintf(stderr, "hifx: %s: %s: %s\n", command.c_str(), file.c_str(), why.c_str());
-  return there ? app::kExitBadInput : app::kExitNoInput;
-}
 
 void AddJsonFlag(CLI::App& command, bool& json) { command.add_flag("--json", json, kJsonHelp)->group(kOtherOptions); }
 

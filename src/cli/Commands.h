@@ -28,6 +28,10 @@ using app::kExitUsage;
 // don't name it: "hifx: COMMAND: FILE: what is wrong" on standard error.
 // Returns the exit: 66 when it is not there, else 65.
 int SayUnreadable(const std::string& command, const std::string& file);
+// After a run that failed (exitCode not 0): when the file it read is not
+// there, can't be opened or (a handheld file) is damaged, that line too,
+// and the exit that says so; else exitCode as it was.
+int NameTheInput(const std::string& command, const std::string& file, bool handheld, int exitCode);
 // The exit of a failure that a command's own frame has said.
 int ExitCodeOf(const Failure& failure);
 using Context = app::Session;

@@ -48,7 +48,9 @@ int Install(Context& context, const InstallOptions& options) {
   if (unit && !IsUserName(*unit)) throw UsageError("not a unit name: " + *unit);
   std::error_code ec;
   if (!std::filesystem::is_regular_file(file, ec)) {
-    throw Failure(FailureKind::MissingInput, fail::kFileNotFound, "cannot read", file);
+    const bool folder = std::filesystem::is_directory(file, ec);
+    throw Failure(FailureKind::MissingInput, fail::kFileNotFound, "cannot read", file,
+                  folder ? "a folder, not a file" : "no such file");
   }
   const std::filesystem::path syncRoot = context.SyncRoot();
   // A fresh exchange object: the stored install settings are not the run's.

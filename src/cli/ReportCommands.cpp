@@ -125,7 +125,7 @@ int Report(Context& context, const ReportOptions& options) {
     }
   } catch (const Failure& failure) {
     context.Shell().MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
-    return ExitCodeOf(failure);
+    return NameTheInput("report", options.file, true, ExitCodeOf(failure));
   }
   return kExitOk;
 #endif

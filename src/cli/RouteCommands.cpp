@@ -54,7 +54,8 @@ void AddRouteConversion(CommandTable& table, const std::string& name, const std:
     if (options->format) exchange.*settings.format = *options->format;
     RunSummary summary(name, options->json);
     summary.Watch(exchange.*settings.destination);
-    return summary.Finish((exchange.*convert)() ? kExitOk : kExitNotComplete);
+    const int exitCode = (exchange.*convert)() ? kExitOk : kExitNotComplete;
+    return summary.Finish(NameTheInput(name, exchange.*settings.source, false, exitCode));
   });
   AddRouteOptions(command, *options, use);
 }
@@ -111,7 +112,8 @@ int Reading(Context& context, const CLI::App& command) {
   summary.Watch(exchange.ReadingDestination);
   if (exchange.OrphanConvert != 0) summary.Watch(exchange.OrphanDestination);
   if (exchange.AutoReRead) summary.Watch(exchange.ReReadDestination);
-  return summary.Finish(exchange.ConvertReading() ? kExitOk : kExitNotComplete);
+  const int exitCode = exchange.ConvertReading() ? kExitOk : kExitNotComplete;
+  return summary.Finish(NameTheInput("reading", exchange.ReadingSource, true, exitCode));
 }
 
 void AddReadingConversion(CommandTable& table) {

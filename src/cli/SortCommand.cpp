@@ -23,7 +23,7 @@ int Sort(Context& context, const std::filesystem::path& file) {
   } catch (const Failure& failure) {
     // The run's error frame: the failure in a box, and the file as it was.
     context.Shell().MsgBox(failure.Description(), "Error", MsgButtons::OK, MsgIcon::Critical);
-    return ExitCodeOf(failure);
+    return NameTheInput("sort", file.string(), true, ExitCodeOf(failure));
   }
   return kExitNotComplete;
 }

@@ -123,7 +123,8 @@ void OpenToRead(clsHIF& hif, IShell& shell, const std::filesystem::path& fileNam
     std::error_code error;
     const bool there = std::filesystem::exists(fileName, error);
     throw Failure(there ? FailureKind::BadInput : FailureKind::MissingInput, fail::kFileNotFound,
-                  "could not read HIF file", fileName);
+                  "could not read HIF file", fileName,
+                  there ? "not a handheld file of a version this program reads" : "no such file");
   }
 }
 

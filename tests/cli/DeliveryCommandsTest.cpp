@@ -70,7 +70,7 @@ TEST_F(DeliveryCommands, InstallRefusesBadArguments) {
   EXPECT_EQ(Run({"install", route, "--unit", "../up"}).status, 64);
   const auto missing = Run({"install", (dir / "none.pdb").string(), "--unit", "Unit1"});
   EXPECT_EQ(missing.status, 66);
-  EXPECT_EQ(missing.err, "hifx: install: cannot read " + (dir / "none.pdb").string() + "\n");
+  EXPECT_EQ(missing.err, "hifx: install: cannot read " + (dir / "none.pdb").string() + ": no such file\n");
   EXPECT_FALSE(fs::exists(dir / "up"));
 }
 

@@ -57,8 +57,10 @@ TEST_F(ReadingCommand, DamagedReadingFilesEndInTheDriversWords) {
   WriteBytes(dir / "cut.pdb", good.substr(0, good.size() - 900));
   const auto cut = Reading((dir / "cut.pdb").string());
   ASSERT_TRUE(cut.exited);
-  EXPECT_EQ(cut.status, 1);
+  EXPECT_EQ(cut.status, 65);
   EXPECT_NE(cut.out.find("Input past end of file\n"), std::string::npos) << cut.out;
+  EXPECT_NE(cut.err.find("hifx: reading: " + (dir / "cut.pdb").string() + ": damaged handheld file: "), std::string::npos)
+      << cut.err;
   EXPECT_NE(cut.out.find("Reading Conversion Finished\n"), std::string::npos);
   EXPECT_FALSE(ReadBytes(dir / "billing.txt").empty());
   // Record types outside the table are passed over.

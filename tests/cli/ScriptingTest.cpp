@@ -73,6 +73,45 @@ TEST_F(Scripting, TheSummaryAsJsonForScripts) {
   EXPECT_EQ(sorted.out.rfind(R"({"command":"sort","exit":66,"written":[],"seconds":)", 0), 0u) << sorted.out;
 }
 
+// A run that fails on a file it reads follows the system's own words with
+// a line naming the file and what is wrong with it, and exits by that.
+TEST_F(Scripting, AFailedRunNamesTheFileItCouldNotRead) {
+  const std::string missing = (dir / "missing.txt").string(), folder = (dir / "folder").string(),
+                    damaged = (dir / "notes.pdb").string();
+  std::filesystem::create_directory(folder);
+  WriteBytes(damaged, std::string(100, 'x'));
+  const std::string damage = "damaged handheld file: the database name has no terminating NUL within its 32 bytes";
+  struct Case {
+    std::vector<std::string> args;
+    int status;
+    std::string system;  // the system's own words, in the log or on standard error
+    std::string said;    // the line that follows them on standard error
+  };
+  const std::vector<Case> cases = {
+      {{"route", "--source", missing, "--dest", (dir / "r.pdb").string()}, 66, "Error: Route Source does not exist\n",
+       "hifx: route: " + missing + ": no such file\n"},
+      {{"reread", "--source", folder, "--dest", (dir / "r.pdb").string()}, 65, "Error: ReRead Source does not exist\n",
+       "hifx: reread: " + folder + ": a folder, not a file\n"},
+      {{"reading", "--source", damaged, "--dest", (dir / "b.txt").string(), "--no-reread"}, 65,
+       "Reading Conversion Finished\n", "hifx: reading: " + damaged + ": " + damage + "\n"},
+      {{"sort", damaged}, 65, "Error: Input past end of file\n", "hifx: sort: " + damaged + ": " + damage + "\n"},
+      {{"check", missing}, 66, "The route would not convert: Error: Route Source does not exist\n",
+       "hifx: check: " + missing + ": no such file\n"},
+      {{"stats", missing}, 66, "", "hifx: stats: could not read HIF file " + missing + ": no such file\n"},
+#ifdef HIFX_HAVE_QT
+      {{"report", "--type", "reading", "--pdf", (dir / "r.pdf").string(), damaged}, 65,
+       "Error: Input past end of file\n", "hifx: report: " + damaged + ": " + damage + "\n"},
+#endif
+  };
+  for (const Case& c : cases) {
+    const auto run = Hifx(c.args);
+    const std::string err = WithoutSummary(run.err);
+    EXPECT_EQ(run.status, c.status) << c.args[0] << ": " << run.err;
+    EXPECT_NE((run.out + err).find(c.system), std::string::npos) << c.args[0] << ": " << run.out << run.err;
+    EXPECT_EQ(err.substr(err.size() - std::min(err.size(), c.said.size())), c.said) << c.args[0] << ": " << run.err;
+  }
+}
+
 // A map is named with or without its extension wherever one is named; the
 // extension of another kind of map is refused before anything runs.
 TEST_F(Scripting, AMapIsNamedWithOrWithoutItsExtension) {
