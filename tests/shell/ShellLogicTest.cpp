@@ -110,6 +110,17 @@ TEST(StartUp, TheTitleBearsTheVersionUnlessTheProgramIsTallyDesk) {
   EXPECT_EQ(MainWindowTitle("TallyDesk", "Meter Exchange", 3, 0, 7), "Meter Exchange");
 }
 
+// The main window's test meets the question on every start of a site not
+// set up; here the settings are read again after the load, and what the load
+// left in the object alone does not count.
+TEST(SetupOffer, TheSettingsAreReadAgainAfterTheLoad) {
+  RouteSite site;
+  clsExchange& exchange = site.Exchange();
+  site.shell.answers = {MsgAnswer::Yes};
+  OfferSetup(exchange, site.shell, [&] { exchange.RouteMap = "changed by the load"; });
+  EXPECT_EQ(exchange.RouteMap, "");
+}
+
 struct ChoicesGiven final : IReportChoice {
   std::vector<int32_t> masks;
   size_t next = 0;
