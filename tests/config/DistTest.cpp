@@ -30,6 +30,9 @@ class Site {
   TestRegistryStore store_;
 };
 
+// The file's text is held to the example distribution's in the command
+// line's tests; here values with quotes, a map without a final line break
+// and a file that is no map.
 TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
   TempDir dir;
   Site from(dir / "from");
@@ -50,16 +53,10 @@ TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
   const auto file = dir / "site.dst";
   ASSERT_TRUE(from.Dist(shell).WriteDist(file));
   EXPECT_EQ(shell.questions, (std::vector<Question>{{file.string() + " written.", "Distribution", MsgButtons::OK}}));
-  const std::string text = ReadBytes(file);
-  EXPECT_EQ(text.rfind("DIST 1.0\r\n[REGISTRY]\r\nLoginIDs:\r\n> joe = \"pw||S\"\r\n", 0), 0u);
-  EXPECT_NE(text.find("\r\nRoute:\r\n> Map = \"Billing\"\r\n> Source = \"route.txt\"\r\n"), std::string::npos);
-  EXPECT_NE(text.find("\r\n[ROUTE MAP Billing.hcm]\r\nHIF=1.1"), std::string::npos);
-  EXPECT_NE(text.find("\r\n[READING MAP Out.hrm]\r\n"), std::string::npos);
 
   Site to(dir / "to");
   TestShell loadShell;
   ASSERT_TRUE(to.Dist(loadShell).LoadDist(file));
-  EXPECT_EQ(loadShell.questions.back().text, file.string() + " loaded.");
   EXPECT_EQ(to.Dump(), from.Dump());
   EXPECT_EQ(ReadBytes(to.Folder() / "Billing.hcm"), routeMap);
   EXPECT_EQ(ReadBytes(to.Folder() / "Out.hrm"), readingMap);

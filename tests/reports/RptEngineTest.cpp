@@ -127,18 +127,6 @@ TEST_F(RptEngineTest, PreviewShowsThePageAskedForAndLaysTheWholeReportOutEachTim
   EXPECT_TRUE(Device().calls.empty());
 }
 
-TEST_F(RptEngineTest, PreviewOfOnePageRedrawsItAndTakesTheLandscapePage) {
-  RowsReport(2);
-  engine.PageSetup(11.0f, 8.5f, 0.5f, 0.5f, 0.5f, 0.5f, 2.5f);
-  engine.Title = "One";
-  RecordingPreview preview({"NEXT", "PREV", "LAST"});
-  EXPECT_FALSE(engine.PreviewReport(preview));
-  EXPECT_EQ(preview.captions, std::vector<std::string>(4, "One Page 1 of 1"));
-  EXPECT_EQ(preview.pages[3], (std::vector<std::string>{"row 1", "row 2", "Page 1"}));
-  EXPECT_DOUBLE_EQ(preview.picture.ScaleWidth(), 11.0);
-  EXPECT_DOUBLE_EQ(preview.picture.ScaleHeight(), 8.5);
-}
-
 TEST_F(RptEngineTest, PrintFromThePreviewPrintsEveryPageFromTheTrayGiven) {
   RowsReport(10);
   RecordingPreview preview({"NEXT", "PRINT"});
@@ -147,15 +135,6 @@ TEST_F(RptEngineTest, PrintFromThePreviewPrintsEveryPageFromTheTrayGiven) {
   EXPECT_EQ(Texts().size(), 13u);
   EXPECT_EQ(printers.paperBin, 2);
   EXPECT_EQ(Device().calls.back().kind, RptCall::EndDoc);
-}
-
-TEST_F(RptEngineTest, ACancelWhileTheLayoutRunsLeavesThePreview) {
-  RowsReport(10);
-  shell.abortReports = true;
-  RecordingPreview preview({});
-  EXPECT_TRUE(engine.PreviewReport(preview));
-  EXPECT_TRUE(preview.captions.empty());
-  EXPECT_EQ(shell.statuses.back(), "");
 }
 
 struct PrintElementsTest : RptEngineTest {

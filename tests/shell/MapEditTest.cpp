@@ -198,7 +198,8 @@ class MapEditTest : public QObject {
            << Flag(window, "cboMapFormat") << Flag(window, "lMapFormat");
       ClickField(window, "Initial Tamper Count(434)");
       seen << Chosen(window, "cboMapOption") << QString::number(Get<QComboBox>(window, "cboMapFormat")->count());
-      Press(window, "CLOSE");
+      // Only looked at: Escape closes it without a question.
+      QTest::keyClick(window, Qt::Key_Escape);
     });
     QCOMPARE(seen, QStringList({"Edit Route Map: Billing.hcm", "Type:", "Delimiter", "&Save", "Save &As...", "&Delete",
                                 "&Close", "Map from Source", "1", "4", "on", "off", "off", "YYYYMMDD", "53", "on", "on",
@@ -252,20 +253,6 @@ class MapEditTest : public QObject {
                                 "<none> <cr> <lf> <crlf> <null>", "All Entries|Only Readings|Readings/Exceptions|Unread",
                                 "Align", "Format", "Write to Destination", "Left", "Spaces", "HHMMSS",
                                 "HHMM HH:MM HHMMSS HH:MM:SS", "on", "on", "off", "on", "on", "on", "on"}));
-  }
-
-  // The window fills its own controls without storing a thing: a map only
-  // looked at closes without a question, by Close or by Escape.
-  void aMapOnlyLookedAtClosesWithoutAsking() {
-    Site site;
-    clsExchMap map = site.Load("Orphans.hom", kUseOrphan);
-    const std::string result = Edit(map, false, [](QWidget* window) {
-      ClickField(window, "NearbyTagNbr4");
-      ClickField(window, "ReadingDate");
-      QTest::keyClick(window, Qt::Key_Escape);
-    });
-    QCOMPARE(Q(result), "");
-    QVERIFY(!map.Dirty());
   }
 
   void closingAFreshMapAsksToSaveIt() {

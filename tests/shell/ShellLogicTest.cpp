@@ -29,58 +29,46 @@ void Save(MemoryUserSettings& settings, std::string_view key, std::string_view v
 std::string Saved(MemoryUserSettings& settings, std::string_view key) {
   return settings.GetSetting(kPlacementApp, "frmMain", key, "<none>");
 }
+// A plan as "state top left height width splitter", "-" for each part it
+// leaves as designed.
+std::string Plan(MemoryUserSettings& settings, bool splitter) {
+  const PlacementPlan plan = LoadPlacement(settings, "frmMain", splitter);
+  std::string text = plan.state ? std::to_string(static_cast<int>(*plan.state)) : "-";
+  for (const std::optional<int>& n : {plan.top, plan.left, plan.height, plan.width, plan.splitter}) {
+    text += " " + (n ? std::to_string(*n) : "-");
+  }
+  return text;
+}
 
 TEST(Placement, ASavedPlaceIsUsedWhereItCanBeRight) {
   MemoryUserSettings settings;
-  EXPECT_FALSE(LoadPlacement(settings, "frmMain", true).state) << "nothing saved: the designed place";
-
+  EXPECT_EQ(Plan(settings, true), "- - - - - -") << "nothing saved: the designed place";
   SavePlacement(settings, "frmMain", WindowState::Normal, {30, 40, 500, 700}, 120);
-  PlacementPlan plan = LoadPlacement(settings, "frmMain", true);
-  EXPECT_EQ(plan.state, WindowState::Normal);
-  EXPECT_EQ(plan.top, 30);
-  EXPECT_EQ(plan.left, 40);
-  EXPECT_EQ(plan.height, 500);
-  EXPECT_EQ(plan.width, 700);
-  EXPECT_EQ(plan.splitter, 120);
-
+  EXPECT_EQ(Plan(settings, true), "0 30 40 500 700 120");
   // A sliver of a window and an edge off a second screen are not used; the
   // rest of the place is.
   Save(settings, "Width", "150");
   Save(settings, "Left", "-5");
-  plan = LoadPlacement(settings, "frmMain", false);
-  EXPECT_EQ(plan.width, std::nullopt);
-  EXPECT_EQ(plan.left, std::nullopt);
-  EXPECT_EQ(plan.top, 30);
-  EXPECT_EQ(plan.height, 500);
-  EXPECT_EQ(plan.splitter, std::nullopt);
+  EXPECT_EQ(Plan(settings, false), "0 30 - 500 - -");
   Save(settings, "Width", "200");
   Save(settings, "Left", "0");
-  plan = LoadPlacement(settings, "frmMain", false);
-  EXPECT_EQ(plan.width, 200);
-  EXPECT_EQ(plan.left, 0);
-
+  EXPECT_EQ(Plan(settings, false), "0 30 0 500 200 -");
   Save(settings, "WindowState", "1");
-  EXPECT_FALSE(LoadPlacement(settings, "frmMain", false).state) << "a minimized state is ignored";
+  EXPECT_EQ(Plan(settings, false), "- - - - - -") << "a minimized state is ignored";
 }
 
 TEST(Placement, AMaximizedWindowKeepsItsNormalPlaceAndAMinimizedOneSavesNothing) {
   MemoryUserSettings settings;
   SavePlacement(settings, "frmMain", WindowState::Normal, {30, 40, 500, 700}, 120);
   SavePlacement(settings, "frmMain", WindowState::Maximized, {0, 0, 900, 1200}, 300);
-  EXPECT_EQ(Saved(settings, "WindowState"), "2");
-  EXPECT_EQ(Saved(settings, "Width"), "700");
-  EXPECT_EQ(Saved(settings, "SplitterNormal"), "120");
-  EXPECT_EQ(Saved(settings, "SplitterMaximized"), "300");
-  PlacementPlan plan = LoadPlacement(settings, "frmMain", true);
-  EXPECT_EQ(plan.state, WindowState::Maximized);
-  EXPECT_EQ(plan.width, std::nullopt);
-  EXPECT_EQ(plan.splitter, 300);
+  EXPECT_EQ(Saved(settings, "WindowState") + " " + Saved(settings, "Width"), "2 700");
+  EXPECT_EQ(Saved(settings, "SplitterNormal") + " " + Saved(settings, "SplitterMaximized"), "120 300");
+  EXPECT_EQ(Plan(settings, true), "2 - - - - 300");
 
   SavePlacement(settings, "frmMain", WindowState::Normal, {30, 40, 500, 700});
   SavePlacement(settings, "frmMain", WindowState::Minimized, {-32000, -32000, 20, 160}, 5);
-  EXPECT_EQ(Saved(settings, "WindowState"), "0");
-  EXPECT_EQ(Saved(settings, "Top"), "30");
-  EXPECT_EQ(Saved(settings, "SplitterMaximized"), "300");
+  EXPECT_EQ(Saved(settings, "WindowState") + " " + Saved(settings, "Top") + " " + Saved(settings, "SplitterMaximized"),
+            "0 30 300");
 }
 
 struct ViewsSeen final : IStartUpViews {
@@ -122,29 +110,14 @@ TEST(StartUp, TheTitleBearsTheVersionUnlessTheProgramIsTallyDesk) {
   EXPECT_EQ(MainWindowTitle("TallyDesk", "Meter Exchange", 3, 0, 7), "Meter Exchange");
 }
 
-class SetupOffer : public testing::Test {
- protected:
+// The main window's test meets the question on every start of a site not
+// set up; here the settings are read again after the load, and what the load
+// left in the object alone does not count.
+TEST(SetupOffer, TheSettingsAreReadAgainAfterTheLoad) {
   RouteSite site;
-  TestShell& shell = site.shell;
   clsExchange& exchange = site.Exchange();
-  int loads = 0;
-  const std::function<void()> load = [this] {
-    ++loads;
-    exchange.RouteMap = "changed by the load";
-  };
-  const Question question{
-      "Setup information has not yet been entered.\nWould you like to load a setup distribution?", "",
-      MsgButtons::YesNo};
-};
-
-TEST_F(SetupOffer, ASiteWithoutARouteMapIsAskedOnEveryStart) {
-  shell.answers = {MsgAnswer::No, MsgAnswer::Yes};
-  OfferSetup(exchange, shell, load);
-  OfferSetup(exchange, shell, load);
-  EXPECT_EQ(shell.questions, (std::vector<Question>{question, question}));
-  EXPECT_EQ(loads, 1);
-  // The settings are read again after the load: what it left in the object
-  // alone does not count.
+  site.shell.answers = {MsgAnswer::Yes};
+  OfferSetup(exchange, site.shell, [&] { exchange.RouteMap = "changed by the load"; });
   EXPECT_EQ(exchange.RouteMap, "");
 }
 
@@ -176,26 +149,17 @@ TEST(ReportChoice, PreviewsReturnToTheChoiceAndPrintingRunsEachReportInItsOrder)
   EXPECT_TRUE(closed.unloaded);
 }
 
+// The window's test meets each refusal with its message; here the spaces and
+// case it does not try, and a site with no logins.
 TEST(Login, OnlyASupervisorGetsInByAPasswordInAnyCase) {
   RouteSite site;
   clsAdvanced& advanced = site.Exchange().Advanced();
   EXPECT_EQ(CheckLogin(advanced, "SUPER", "pw"), LoginResult::Invalid) << "an empty list lets nobody in";
   advanced.AddLogin("SUPER", "Secret", "S");
   advanced.AddLogin("READER", "read1", "");
-  struct Case {
-    const char* name;
-    const char* password;
-    LoginResult result;
-  };
-  const Case cases[] = {
-      {"  ", "x", LoginResult::NameMissing},          {"SUPER", " ", LoginResult::PasswordMissing},
-      {" super ", " sECRET ", LoginResult::Accepted}, {"SUPER", "Secret1", LoginResult::Invalid},
-      {"READER", "READ1", LoginResult::NotSupervisor}, {"NOBODY", "read1", LoginResult::Invalid},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(CheckLogin(advanced, c.name, c.password), c.result);
-  }
+  EXPECT_EQ(CheckLogin(advanced, " super ", " sECRET "), LoginResult::Accepted);
+  EXPECT_EQ(CheckLogin(advanced, "  ", "x"), LoginResult::NameMissing);
+  EXPECT_EQ(CheckLogin(advanced, "NOBODY", "read1"), LoginResult::Invalid);
 }
 
 TEST(Prompts, RequiredTextFieldsAreCheckedBeforeNumberFields) {
@@ -209,17 +173,12 @@ TEST(Prompts, RequiredTextFieldsAreCheckedBeforeNumberFields) {
   for (const char key : std::string("aZ +,e")) EXPECT_FALSE(IsNumberPromptKey(key)) << key;
 }
 
-TEST(MainWindow, ASecondRunIsTurnedAwayWhileOneIsUnderWay) {
+// The window's test turns a second run away; here a run that fails.
+TEST(MainWindow, ARunThatFailsLetsTheNextOneIn) {
   RunGuard guard;
-  std::string seen;
-  EXPECT_TRUE(guard.Run([&] {
-    seen += "first ";
-    EXPECT_FALSE(guard.Run([&] { seen += "second "; }));
-    EXPECT_TRUE(guard.Busy());
-  }));
-  EXPECT_EQ(seen, "first ");
   EXPECT_THROW(guard.Run([] { throw std::runtime_error("failed"); }), std::runtime_error);
-  EXPECT_FALSE(guard.Busy()) << "a run that fails lets the next one in";
+  EXPECT_FALSE(guard.Busy());
+  EXPECT_TRUE(guard.Run([] {}));
 }
 
 TEST(MainWindow, SizesAndTheBarFollowTheButtons) {
@@ -243,6 +202,8 @@ TEST(MainWindow, ALoadTakesTheOnlyDistributionOfTheFolderWithoutAsking) {
   EXPECT_EQ(SoleDistribution(dir.path()), std::nullopt) << "two: the person chooses";
 }
 
+// The preview window's test presses End, Page Up, Home, Right and Left and
+// drags within the page; here what it does not reach.
 TEST(PreviewLogic, KeysAndDragsMoveThePageWithinTheBars) {
   ScrollBar h{0, 300, 10, 100};
   ScrollBar v{0, 500, 20, 400};
@@ -256,10 +217,6 @@ TEST(PreviewLogic, KeysAndDragsMoveThePageWithinTheBars) {
   EXPECT_EQ(move(kKeyUp), std::pair(0, 480));
   EXPECT_EQ(move(kKeyHome), std::pair(0, 0));
   EXPECT_EQ(move(kKeyPageUp), std::pair(0, 0));
-  EXPECT_EQ(move(kKeyEnd), std::pair(0, 500));
-  EXPECT_EQ(move(kKeyRight), std::pair(10, 500));
-  EXPECT_EQ(move(kKeyLeft), std::pair(0, 500));
-  EXPECT_EQ(move(kKeyLeft), std::pair(0, 500));
   EXPECT_FALSE(MoveByKey(65, h, v));
   // Dragging the page up and left shows more of its right and its foot.
   MoveByDrag(-50, -700, h, v);
