@@ -232,8 +232,12 @@ bool clsExchange::ConvertRoute() {
     WriteCodeRecords();
     SettleRouteFile(result, closingLine);
   } catch (const Failure& failure) {
+    // Also a failure after the meters, in the indexes, the code lists or
+    // the file's last records, fails the run.
+    result = false;
     ShowRouteFailure(failure.Description());
   } catch (const std::exception& failure) {
+    result = false;
     ShowRouteFailure(Describe(failure));
   }
   if (closingLine) LogRouteClosing();

@@ -4,12 +4,16 @@
 // (clsPalmFileVFS). Only clsPalmDB calls it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace hifx {
+
+// Bytes of records a container holds before it writes them in one go.
+inline constexpr size_t kWriteBatchBytes = 256 * 1024;
 
 // The most records a handheld file holds: its readers walk the record table
 // with a 16-bit counter.

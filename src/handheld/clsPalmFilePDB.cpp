@@ -67,6 +67,8 @@ int16_t clsPalmFilePDB::CreateFile(const std::filesystem::path& fileName, std::s
   writer_.WriteAt(kTableStart, std::string(static_cast<size_t>(recordCount) * kSlotSize, '\0'));
   // The count and the table are then rewritten in place after each record.
   head_ = writer_.MapHead(kTableStart + static_cast<uint64_t>(recordCount) * kSlotSize);
+  pending_.clear();
+  onDisk_ = 0;
   return 0;
 }
 
@@ -80,27 +82,40 @@ bool clsPalmFilePDB::WriteRecord(std::string_view data) {
     throw Failure(fail::kOverflow, "Could not write " + writer_.Path().string() + ": a handheld file holds at most " +
                                        std::to_string(kMaxRecords) + " records");
   }
-  const uint64_t length = writer_.Size();
-  writer_.WriteAt(length, data);
+  const uint64_t length = writer_.Size() + pending_.size();
+  pending_.append(data);
 
   const int32_t n = StoredCount();
   const size_t slots = table_.size() / kSlotSize;  // slot count plus the end slot
-  // A record past the table's last slot has already been appended; its slot
-  // does not exist, which fails here.
+  // A record past the table's last slot is still written behind the others;
+  // its slot does not exist, which fails here.
   if (static_cast<size_t>(n) >= slots) throw Failure(fail::kSubscript);
   uint8_t* slot = table_.data() + static_cast<size_t>(n) * kSlotSize;
   PutBytes(std::span(slot, 4), Value::Double(static_cast<double>(length)));
   PutBytes(std::span(slot + 6, 2), Value::Long(n));
   PutBytes(std::span(countBlock_).subspan(4, 2), Value::Long(n + 1));
-  PutHead(kTableStart + static_cast<uint64_t>(n) * kSlotSize, slot, kSlotSize);
-  // The count is rewritten after every record, so a failed run still leaves a
-  // readable file.
-  PutHead(kHeaderSize, countBlock_.data(), countBlock_.size());
   // The slot after this one holds the end offset; when this was the table's
   // last slot there is none, and the write fails only now, as it always has.
   if (static_cast<size_t>(n) + 1 >= slots) throw Failure(fail::kSubscript);
-  PutBytes(std::span(slot + kSlotSize, 4), Value::Double(static_cast<double>(writer_.Size())));
+  PutBytes(std::span(slot + kSlotSize, 4), Value::Double(static_cast<double>(length + data.size())));
+  if (pending_.size() >= kWriteBatchBytes) WritePending();
   return true;
+}
+
+void clsPalmFilePDB::WritePending() {
+  if (!writer_.IsOpen() || (pending_.empty() && onDisk_ == StoredCount())) return;
+  // The records first, then their slots and the count: the header and table
+  // on disk only ever describe records whose bytes are there, so a run
+  // killed at any moment leaves a file that opens.
+  writer_.Append(pending_);
+  pending_.clear();
+  const int32_t count = StoredCount();
+  if (count > onDisk_) {
+    PutHead(kTableStart + static_cast<uint64_t>(onDisk_) * kSlotSize, table_.data() + static_cast<size_t>(onDisk_) * kSlotSize,
+            static_cast<size_t>(count - onDisk_) * kSlotSize);
+  }
+  PutHead(kHeaderSize, countBlock_.data(), countBlock_.size());
+  onDisk_ = StoredCount();
 }
 
 void clsPalmFilePDB::PutHead(uint64_t offset, const uint8_t* bytes, size_t size) {
@@ -242,12 +257,20 @@ int clsPalmFilePDB::FileHandle() {
 }
 
 void clsPalmFilePDB::FinishFile() {
+  WritePending();
   head_ = nullptr;
   writer_.Finish();
   CloseFile();
 }
 
 int16_t clsPalmFilePDB::CloseFile() {
+  // A file left unfinished, by a failure or a release, keeps every record
+  // written to it, as it would have had each gone to disk at once.
+  try {
+    WritePending();
+  } catch (const Failure&) {
+    pending_.clear();
+  }
   head_ = nullptr;
   writer_.Close();
   reading_ = false;

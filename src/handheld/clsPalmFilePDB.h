@@ -1,7 +1,7 @@
 // The Palm record database container: a 78-byte header, a record table laid
 // out in full before the first record, and the records' bytes one after the
-// other. Every record goes to disk at once, with the table slot and the count
-// rewritten behind it, so a file is well formed after each record.
+// other. Records go to disk in batches, each followed by its table slots and
+// the count, so a file is well formed after each batch.
 #pragma once
 
 #include <array>
@@ -53,12 +53,16 @@ class clsPalmFilePDB final : public IPalmFile {
   void OpenForReading(const std::filesystem::path& fileName);
   // Writes bytes of the header or table, in place where they are mapped.
   void PutHead(uint64_t offset, const uint8_t* bytes, size_t size);
+  // Writes the records held back, then their slots and the count.
+  void WritePending();
 
   std::array<uint8_t, kHeaderSize> header_{};
   std::array<uint8_t, 6> countBlock_{};  // next record list ID and record count
   std::vector<uint8_t> table_;           // slots 0 to N, slot N holding the end offset
   BinaryFile writer_;                    // open while writing
   uint8_t* head_ = nullptr;              // the header and table, mapped while writing
+  std::string pending_;                  // records not yet written, in order
+  int32_t onDisk_ = 0;                   // records the table on disk describes
   std::string contents_;                 // the whole file while reading
   bool reading_ = false;
   int16_t position_ = 0;

@@ -42,19 +42,30 @@ int16_t clsPalmFileVFS::CreateFile(const std::filesystem::path& fileName, std::s
 }
 
 void clsPalmFileVFS::Rewind() {
+  WritePending();
   readPosition_ = 0;
   writePosition_ = 0;
 }
 
 bool clsPalmFileVFS::WriteRecord(std::string_view data) {
   if (!writer_.IsOpen()) throw Failure(fail::kBadFileName);
-  std::string record(4, '\0');
-  PutBytes(std::span(reinterpret_cast<uint8_t*>(record.data()), 4),
-           Value::Double(static_cast<double>(data.size())));
-  record.append(data);
-  writer_.WriteAt(writePosition_, record);
-  writePosition_ += record.size();
+  if (pending_.empty()) pendingAt_ = writePosition_;
+  std::array<uint8_t, 4> length{};
+  PutBytes(std::span(length), Value::Double(static_cast<double>(data.size())));
+  pending_.append(reinterpret_cast<const char*>(length.data()), length.size());
+  pending_.append(data);
+  writePosition_ += length.size() + data.size();
+  if (pending_.size() >= kWriteBatchBytes) WritePending();
   return true;
+}
+
+void clsPalmFileVFS::WritePending() {
+  if (pending_.empty() || !writer_.IsOpen()) return;
+  // One write of whole records: a run killed between batches leaves a file
+  // that ends where a record ends.
+  const std::string batch = std::move(pending_);
+  pending_.clear();
+  writer_.WriteAt(pendingAt_, batch);
 }
 
 int16_t clsPalmFileVFS::OpenFile(const std::filesystem::path& fileName) {
@@ -104,11 +115,18 @@ int clsPalmFileVFS::FileHandle() {
 }
 
 void clsPalmFileVFS::FinishFile() {
+  WritePending();
   writer_.Finish();
   CloseFile();
 }
 
 int16_t clsPalmFileVFS::CloseFile() {
+  // A file left unfinished keeps every record written to it.
+  try {
+    WritePending();
+  } catch (const Failure&) {
+    pending_.clear();
+  }
   writer_.Close();
   reading_ = false;
   contents_.clear();

@@ -1,5 +1,6 @@
 // The card-file container: records one after the other, each behind its
 // length in four big-endian bytes. No header, no table, read in sequence.
+// Records are written in batches of whole records.
 #pragma once
 
 #include "base/BinaryFile.h"
@@ -36,8 +37,13 @@ class clsPalmFileVFS final : public IPalmFile {
   void FinishFile() override;
 
  private:
+  // Writes the records held back, in one go.
+  void WritePending();
+
   BinaryFile writer_;
   uint64_t writePosition_ = 0;
+  std::string pending_;     // records not yet written, in order
+  uint64_t pendingAt_ = 0;  // where they go
   std::string contents_;
   bool reading_ = false;
   uint64_t readPosition_ = 0;
