@@ -65,7 +65,7 @@ int16_t clsPalmFilePDB::CreateFile(const std::filesystem::path& fileName, std::s
   if (recordCount < 0) throw Failure(fail::kSubscript);
   table_.assign(static_cast<size_t>(recordCount + 1) * kSlotSize, 0);
   writer_.WriteAt(kTableStart, std::string(static_cast<size_t>(recordCount) * kSlotSize, '\0'));
-  // The count and the table are then rewritten in place after each record.
+  // The count and the table are then rewritten in place after each batch.
   head_ = writer_.MapHead(kTableStart + static_cast<uint64_t>(recordCount) * kSlotSize);
   pending_.clear();
   onDisk_ = 0;
@@ -111,8 +111,8 @@ void clsPalmFilePDB::WritePending() {
   pending_.clear();
   const int32_t count = StoredCount();
   if (count > onDisk_) {
-    PutHead(kTableStart + static_cast<uint64_t>(onDisk_) * kSlotSize, table_.data() + static_cast<size_t>(onDisk_) * kSlotSize,
-            static_cast<size_t>(count - onDisk_) * kSlotSize);
+    const size_t first = static_cast<size_t>(onDisk_) * kSlotSize;
+    PutHead(kTableStart + first, table_.data() + first, static_cast<size_t>(count - onDisk_) * kSlotSize);
   }
   PutHead(kHeaderSize, countBlock_.data(), countBlock_.size());
   onDisk_ = StoredCount();
