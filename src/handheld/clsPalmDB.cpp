@@ -341,9 +341,7 @@ int16_t clsPalmDB::Position255() { return Container().Position255(); }
 
 KeyedCollection<Value> clsPalmDB::GetValues() {
   KeyedCollection<Value> values;
-  for (int16_t i = 1; i <= FieldCount(); ++i) {
-    values.Add(schema_[static_cast<size_t>(i)].name, ReadField(i));
-  }
+  ForEachValue([&values](const std::string& name, Value value) { values.Add(name, std::move(value)); });
   return values;
 }
 

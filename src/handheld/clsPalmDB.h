@@ -94,6 +94,18 @@ class clsPalmDB {
   int16_t Position255();
 
   KeyedCollection<Value> GetValues();
+  // Each field of the record with its value, in the schema's order, as
+  // GetValues holds them, without a collection built for the record: a name
+  // met twice fails as the collection's add would.
+  template <typename Visit>
+  void ForEachValue(Visit&& visit) {
+    for (int16_t i = 1; i <= FieldCount(); ++i) {
+      const SchemaField& field = schema_[static_cast<size_t>(i)];
+      Value value = ReadField(i);
+      if (!field.firstOfName) throw Failure(fail::kDuplicateKey);
+      visit(field.name, std::move(value));
+    }
+  }
   int32_t GetType() const { return fileType_; }
   const std::string& RawData() const { return buffer_; }
   void SetRawData(std::string bytes) {

@@ -141,9 +141,8 @@ std::string RecordToJson(clsHIF& hif) {
       return out;
     }
   }
-  const KeyedCollection<Value> values = hif.GetValues();
   bool first = true;
-  for (const auto& [name, value] : values) {
+  hif.DB().ForEachValue([&out, &first](const std::string& name, const Value& value) {
     if (!first) out.push_back(',');
     first = false;
     AppendJsonText(out, name);
@@ -155,7 +154,7 @@ std::string RecordToJson(clsHIF& hif) {
     } else {
       out += value.ToText();
     }
-  }
+  });
   out.push_back('}');
   return out;
 }
