@@ -11,11 +11,8 @@
 #include "base/FileIdentity.h"
 #include "cli/Commands.h"
 #include "cli/HifFile.h"
+#include "cli/ReportModule.h"
 #include "hif/MeterPlot.h"
-
-#ifdef HIFX_HAVE_QT
-#include "reports/qt/QtPlot.h"
-#endif
 
 namespace hifx::cli {
 namespace {
@@ -37,9 +34,6 @@ void CheckOutputs(const PlotOptions& options) {
   if (!options.svg.empty() && !options.png.empty() && SameFile(options.svg, options.png)) {
     throw UsageError("--svg and --png name the same file " + options.png);
   }
-#ifndef HIFX_HAVE_QT
-  if (!options.png.empty()) throw UsageError("PNG pictures need the Qt build of hifx");
-#endif
 }
 
 void SayPlaced(const std::vector<PlotMeter>& meters) {
@@ -61,13 +55,13 @@ void SayPlaced(const std::vector<PlotMeter>& meters) {
 
 int Plot(const PlotOptions& options) {
   CheckOutputs(options);
+  const std::unique_ptr<IReportSurfaces> surfaces =
+      options.png.empty() ? nullptr : LoadReportSurfaces("PNG pictures");
   SilentShell quiet;
   const auto meters = ReadingFile(options.file, [&] { return ReadPlotMeters(quiet, options.file); });
   const std::string title = std::filesystem::path(options.file).filename().string();
   if (!options.svg.empty()) ReplaceFile(options.svg, PlotSvg(title, meters));
-#ifdef HIFX_HAVE_QT
-  if (!options.png.empty()) ReplaceFile(options.png, PlotPng(title, meters));
-#endif
+  if (surfaces) ReplaceFile(options.png, surfaces->PlotPng(title, meters));
   SayPlaced(meters);
   std::fflush(stdout);
   return kExitOk;

@@ -13,11 +13,9 @@
 #include "base/Failure.h"
 #include "base/FileIdentity.h"
 #include "cli/Commands.h"
+#include "cli/ReportModule.h"
 #include "cli/RunSummary.h"
 #include "reports/clsReport.h"
-#ifdef HIFX_HAVE_QT
-#include "reports/qt/QtRptDevice.h"
-#endif
 
 namespace hifx::cli {
 namespace {
@@ -99,20 +97,15 @@ int Report(Context& context, const ReportOptions& options) {
   const bool several = (mask & (mask - 1)) != 0;
   CheckReportFiles(options, mask, several);
   if (!options.png.empty()) MakePictureFolder(options.png);
-#ifndef HIFX_HAVE_QT
-  (void)context;
-  throw UsageError("PDF and printed reports need the Qt build of hifx");
-#else
-  const QtReportSession session;
-  QtUserSettings settings;
+  const std::unique_ptr<IReportSurfaces> surfaces = LoadReportSurfaces("PDF and printed reports");
   try {
     for (const ReportKind& kind : kKinds) {
       if ((mask & kind.type) == 0) continue;
-      std::unique_ptr<QtPrinters> printers =
-          !options.pdf.empty()   ? QtPrinters::ToPdf(ReportFileName(options.pdf, kind.word, several))
-          : !options.png.empty() ? QtPrinters::ToPictures(options.png, kind.word, options.dpi)
-                                 : QtPrinters::ToDefaultPrinter();
-      clsReport report(context.Shell(), context.Clock(), *printers, settings);
+      std::unique_ptr<IReportPrinters> printers =
+          !options.pdf.empty()   ? surfaces->ToPdf(ReportFileName(options.pdf, kind.word, several))
+          : !options.png.empty() ? surfaces->ToPictures(options.png, kind.word, options.dpi)
+                                 : surfaces->ToDefaultPrinter();
+      clsReport report(context.Shell(), context.Clock(), *printers, surfaces->UserSettings());
       if (!options.printer.empty() && !report.Engine().SetPrinter(options.printer)) {
         throw UsageError("no printer's name holds \"" + options.printer + "\"");
       }
@@ -128,7 +121,6 @@ int Report(Context& context, const ReportOptions& options) {
     return NameTheInput("report", options.file, true, ExitCodeOf(failure));
   }
   return kExitOk;
-#endif
 }
 
 // The files a report run writes: one PDF a type, or pictures in a folder.

@@ -276,5 +276,31 @@ TEST(PlotCommand, PicturesOfTheExampleAndTheFilesItWillNotWrite) {
   EXPECT_EQ(ReadBytes(dir / "copy.pdb"), ReadBytes(kExamples + "reading.pdb"));
 }
 
+#if defined(HIFX_HAVE_QT) && !defined(_WIN32)
+// The program loads its Qt part only to draw; without it, every other
+// command still runs, and a drawing command names the part and writes
+// nothing.
+TEST(PlotCommand, AProgramWithoutItsQtPartDrawsNothingAndSaysWhy) {
+  TempDir dir;
+  const std::filesystem::path alone = dir / "bin" / "hifx";
+  std::filesystem::create_directories(alone.parent_path());
+  std::filesystem::copy_file(HIFX_BINARY, alone);
+  const std::string pdf = (dir / "r.pdf").string(), png = (dir / "m.png").string(), svg = (dir / "m.svg").string();
+
+  EXPECT_EQ(RunProgram(alone.string(), {"dump", kExamples + "reading.pdb"}, dir).status, 0);
+  const auto report =
+      RunProgram(alone.string(), {"report", "--type", "reading", "--pdf", pdf, kExamples + "reading.pdb"}, dir);
+  const auto plot = RunProgram(alone.string(), {"plot", kExamples + "reading.pdb", "--svg", svg, "--png", png}, dir);
+  const std::string missing = (dir / "lib" / "hifx" / "hifx-qt.so").string() + ": cannot open shared object file";
+  for (const RunResult* r : {&report, &plot}) {
+    EXPECT_EQ(r->status, 1);
+    EXPECT_NE(r->err.find("need the Qt part of hifx, " + missing), std::string::npos) << r->err;
+  }
+  EXPECT_NE(report.err.find("hifx: report: PDF and printed reports need"), std::string::npos) << report.err;
+  EXPECT_NE(plot.err.find("hifx: plot: PNG pictures need"), std::string::npos) << plot.err;
+  for (const std::string& out : {pdf, png, svg}) EXPECT_FALSE(std::filesystem::exists(out)) << out;
+}
+#endif
+
 }  // namespace
 }  // namespace hifx::test

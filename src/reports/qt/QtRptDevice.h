@@ -12,9 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "base/DateSerial.h"
 #include "base/UserSettings.h"
-#include "reports/RptDevice.h"
+#include "reports/ReportSurfaces.h"
 
 class QGuiApplication;
 class QImage;
@@ -100,14 +99,6 @@ class QtImageDevice final : public QtSurface {
 // A picture's bytes as a PNG file.
 std::string PngBytes(const QImage& image);
 
-// What a report's PDF says of itself in its document information. The title
-// and subject are in the report's code page, as its pages print them; the
-// author, a file's name, is UTF-8.
-struct PdfInfo {
-  std::string title, subject, author;
-  CivilTime created;  // local time, as the clock tells it
-};
-
 // The PDF with this information: an update appended to it (the way a PDF
 // editor saves a change) whose Info dictionary carries the four, Creator
 // "hifx" and Qt as the Producer. The date Qt wrote in its own dictionary is
@@ -117,7 +108,7 @@ std::string WithPdfInfo(std::string pdf, const PdfInfo& info);
 
 // The system printer and the installed printers. The system printer is a
 // PDF file, or the platform's default printer.
-class QtPrinters final : public IRptPrinters {
+class QtPrinters final : public IReportPrinters {
  public:
   static std::unique_ptr<QtPrinters> ToPdf(const std::filesystem::path& file);
   static std::unique_ptr<QtPrinters> ToDefaultPrinter();
@@ -138,11 +129,8 @@ class QtPrinters final : public IRptPrinters {
   bool Printed() const;
   // Where the PDF goes, when the file is chosen once the report is done.
   void SetPdfFile(const std::filesystem::path& file) { pdfFile_ = file; }
-  // What the PDF says of itself; without it, only Qt's title-less Info.
-  void SetPdfInfo(PdfInfo info) { pdfInfo_ = std::move(info); }
-  // Ends every document; a PDF is then written whole in place of the file of
-  // its name. Raises, naming the file, when that fails.
-  void Finish();
+  void SetPdfInfo(PdfInfo info) override { pdfInfo_ = std::move(info); }
+  void Finish() override;
 
  private:
   struct Target;
