@@ -77,26 +77,18 @@ bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& i
 }
 
 bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& info, std::string_view line) {
-  try {
-    SeenTags.Add(tag, tag);
-    return false;
-  } catch (const Failure& failure) {
-    if (failure.Number() == fail::kDuplicateKey) {
-      const std::string message = "Meter Tag Number of " + tag + " is duplicate in Line " + std::string(line);
-      if (check_ != nullptr) {
-        // The check lists every repeated tag; the conversion stops at the first.
-        check_->Fault({static_cast<int32_t>(NumericPrefix(line)), "MeterTagNbr", tag, kFaultDuplicateTag,
-                       message + " (" + info + ")"});
-        check_->Stop("a duplicate tag: " + tag);
-        return false;
-      }
-      Log(message);
-      Log("   Info: " + info);
-      return true;
-    }
-    env_.shell.MsgBox(failure.Description());
+  if (SeenTags.insert(tag).second) return false;
+  const std::string message = "Meter Tag Number of " + tag + " is duplicate in Line " + std::string(line);
+  if (check_ != nullptr) {
+    // The check lists every repeated tag; the conversion stops at the first.
+    check_->Fault({static_cast<int32_t>(NumericPrefix(line)), "MeterTagNbr", tag, kFaultDuplicateTag,
+                   message + " (" + info + ")"});
+    check_->Stop("a duplicate tag: " + tag);
     return false;
   }
+  Log(message);
+  Log("   Info: " + info);
+  return true;
 }
 
 }  // namespace hifx

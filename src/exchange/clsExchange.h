@@ -10,9 +10,11 @@
 #include <string_view>
 
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "base/AtomicFile.h"
+#include "base/CaseBlind.h"
 #include "base/Clock.h"
 #include "base/KeyedCollection.h"
 #include "base/LineReader.h"
@@ -147,7 +149,8 @@ class clsExchange {
   std::vector<std::string> RouteNames{std::string()};  // from 1; 0 is empty
   std::vector<int16_t> RouteCounts{0};
   int32_t LineNumber = 0;
-  KeyedCollection<std::string> SeenTags;
+  // The tags of the meters so far, with no regard to case.
+  std::unordered_set<std::string, CaseBlindHash, CaseBlindEqual> SeenTags;
   int32_t MetersWritten = 0;
   int16_t UntaggedMeters = 0;
   bool HadWarnings = false;
