@@ -142,7 +142,7 @@ int Dump(const std::string& file) {
   int record = 0;
   try {
     while (hif.ReadData()) {
-      out += RecordToJson(hif);
+      AppendRecordJson(out, hif);
       out.push_back('\n');
       ++record;
       if (out.size() > (1u << 16)) {

@@ -37,20 +37,26 @@ bool IsHandBuilt(int32_t recType) {
 
 void AppendJsonText(std::string& out, const std::string& text) {
   out.push_back('"');
-  for (const char ch : text) {
-    const auto c = static_cast<unsigned char>(ch);
+  // Plain stretches are copied whole; only the bytes between them are
+  // escaped one by one.
+  size_t plain = 0;
+  for (size_t at = 0; at < text.size(); ++at) {
+    const auto c = static_cast<unsigned char>(text[at]);
+    if (c >= 0x20 && c < 0x7F && c != '"' && c != '\\') continue;
+    out.append(text, plain, at - plain);
+    plain = at + 1;
     if (c == '"' || c == '\\') {
       out.push_back('\\');
-      out.push_back(ch);
-    } else if (c < 0x20 || c >= 0x7F) {
-      // Bytes are shown as the Latin-1 characters of the same codes.
-      char buf[8];
-      std::snprintf(buf, sizeof buf, "\\u%04x", c);
-      out.append(buf);
+      out.push_back(static_cast<char>(c));
     } else {
-      out.push_back(ch);
+      // Bytes are shown as the Latin-1 characters of the same codes.
+      static constexpr char kHex[] = "0123456789abcdef";
+      out.append("\\u00");
+      out.push_back(kHex[c >> 4]);
+      out.push_back(kHex[c & 15]);
     }
   }
+  out.append(text, plain, std::string::npos);
   out.push_back('"');
 }
 
@@ -98,7 +104,14 @@ TextTable HifView::Meters(int32_t route) {
 }
 
 std::string RecordToJson(clsHIF& hif) {
-  std::string out = "{";
+  std::string out;
+  AppendRecordJson(out, hif);
+  return out;
+}
+
+void AppendRecordJson(std::string& out, clsHIF& hif) {
+  const size_t start = out.size();
+  out.push_back('{');
   const std::string& raw = hif.RawData();
   const Value recType = raw.size() >= 2 ? hif.Item("RecType") : Value();
   if (!recType.IsEmpty() && IsHandBuilt(recType.ToInt32())) {
@@ -128,17 +141,18 @@ std::string RecordToJson(clsHIF& hif) {
         }
       }
       out += "]}";
-      return out;
+      return;
     } catch (const Failure&) {
       // A record that can't be taken apart is shown as its bytes.
-      out = "{\"RecType\":" + recType.ToText() + ",\"hex\":\"";
+      out.resize(start);
+      out += "{\"RecType\":" + recType.ToText() + ",\"hex\":\"";
       static constexpr char kHex[] = "0123456789abcdef";
       for (const char ch : raw) {
         out.push_back(kHex[static_cast<unsigned char>(ch) >> 4]);
         out.push_back(kHex[static_cast<unsigned char>(ch) & 15]);
       }
       out += "\"}";
-      return out;
+      return;
     }
   }
   bool first = true;
@@ -156,7 +170,6 @@ std::string RecordToJson(clsHIF& hif) {
     }
   });
   out.push_back('}');
-  return out;
 }
 
 }  // namespace hifx

@@ -45,5 +45,7 @@ void AppendJsonText(std::string& out, const std::string& text);
 // name, code records by group, flag and entries, index records by route,
 // type and entries; one that can't be taken apart by its bytes in hex.
 std::string RecordToJson(clsHIF& hif);
+// The same object added to the end of out.
+void AppendRecordJson(std::string& out, clsHIF& hif);
 
 }  // namespace hifx
