@@ -36,9 +36,9 @@ std::vector<std::string> Split(const std::string& text, const std::string& delim
 
 }  // namespace
 
-void clsExchange::AddValue(KeyedCollection<Value>& values, const MapField& field,
-                           std::string_view raw, bool trimBothEnds, bool keep) {
-  if (!keep && field.FieldName != "RouteNbr") {
+void clsExchange::AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds,
+                           bool keep) {
+  if (!keep && !routeLine_.Is(position, MeterField::RouteNbr)) {
     // Nothing is kept, but a number that doesn't fit its field still fails
     // here as it would in the second pass.
     if (field.DataType == kTypeInteger) ToInt16(NumericPrefix(raw));
@@ -55,16 +55,17 @@ void clsExchange::AddValue(KeyedCollection<Value>& values, const MapField& field
     case kTypeTime: value = Value(std::string(TrimRight(raw))); break;
     default: return;
   }
-  values.Add(field.FieldName, std::move(value));
+  routeLine_.Set(position, std::move(value));
 }
 
-KeyedCollection<Value> clsExchange::ParseRoute(const std::string& line, bool onlyRoute) {
+const RouteLine& clsExchange::ParseRoute(const std::string& line, bool onlyRoute) {
   if (ActiveMap->MapType() == kMapFixed) return ParseRouteFixed(line, onlyRoute);
   if (ActiveMap->MapType() == kMapDelimited) return ParseRouteDelimited(line, onlyRoute);
-  return {};
+  routeLine_.Clear(0);
+  return routeLine_;
 }
 
-KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line, bool onlyRoute) {
+const RouteLine& clsExchange::ParseRouteDelimited(const std::string& line, bool onlyRoute) {
   const clsExchMap& map = *ActiveMap;
   const std::string quote = map.MapQuote();
   const std::string delimiter = map.MapDelimiterChar();
@@ -93,11 +94,11 @@ KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line,
     }
   }
   LastReadType.clear();
-  KeyedCollection<Value> values;
-  values.Reserve(static_cast<size_t>(map.FieldCount()));
+  const std::vector<MapField>& fields = map.Fields();
+  routeLine_.Clear(fields.size());
   std::string raw;
-  for (int32_t i = 1; i <= map.FieldCount(); ++i) {
-    const MapField& field = map.Field(i);
+  for (size_t i = 0; i < fields.size(); ++i) {
+    const MapField& field = fields[i];
     bool found = false;
     switch (field.MapOption) {
       case kOptionDoNotMap: raw.clear(); break;
@@ -119,23 +120,23 @@ KeyedCollection<Value> clsExchange::ParseRouteDelimited(const std::string& line,
         break;
       default: break;
     }
-    if (found && field.FieldName == "ReadType") LastReadType = Upper(raw);
-    AddValue(values, field, raw, false, !onlyRoute);
+    if (found && routeLine_.Is(i, MeterField::ReadType)) LastReadType = Upper(raw);
+    AddValue(i, field, raw, false, !onlyRoute);
   }
-  return values;
+  return routeLine_;
 }
 
-KeyedCollection<Value> clsExchange::ParseRouteFixed(const std::string& line, bool onlyRoute) {
+const RouteLine& clsExchange::ParseRouteFixed(const std::string& line, bool onlyRoute) {
   const clsExchMap& map = *ActiveMap;
   LastReadType.clear();
-  KeyedCollection<Value> values;
-  values.Reserve(static_cast<size_t>(map.FieldCount()));
+  const std::vector<MapField>& fields = map.Fields();
+  routeLine_.Clear(fields.size());
   // The raw text of a field stays for the next one, which may repeat it.
   std::string_view raw;
   std::string prompted;
   std::string numbered;
-  for (int32_t i = 1; i <= map.FieldCount(); ++i) {
-    const MapField& field = map.Field(i);
+  for (size_t i = 0; i < fields.size(); ++i) {
+    const MapField& field = fields[i];
     switch (field.MapOption) {
       case kOptionDoNotMap: raw = {}; break;
       case kOptionSource: {
@@ -143,7 +144,7 @@ KeyedCollection<Value> clsExchange::ParseRouteFixed(const std::string& line, boo
         const size_t start = static_cast<size_t>(field.DataPosition - 1);
         raw = start < line.size() ? std::string_view(line).substr(start, static_cast<size_t>(field.DataWidth))
                                   : std::string_view();
-        if (field.FieldName == "ReadType") LastReadType = Upper(std::string(raw));
+        if (routeLine_.Is(i, MeterField::ReadType)) LastReadType = Upper(std::string(raw));
         break;
       }
       case kOptionConstant: raw = field.MapConstant; break;
@@ -158,9 +159,9 @@ KeyedCollection<Value> clsExchange::ParseRouteFixed(const std::string& line, boo
         break;
       default: break;
     }
-    AddValue(values, field, raw, true, !onlyRoute);
+    AddValue(i, field, raw, true, !onlyRoute);
   }
-  return values;
+  return routeLine_;
 }
 
 bool clsExchange::ConvertRouteFlat() {
@@ -171,13 +172,14 @@ bool clsExchange::ConvertRouteFlat() {
   const auto blocks = static_cast<int32_t>(std::min<uint64_t>((SourceFile->Size() + 127) / 128, 700000000));
   UntaggedMeters = 0;
   MetersWritten = 0;
+  PlanRouteLine();
   int32_t lines = 0;
   std::string line;
   while (SourceFile->ReadLine(line)) {
     env_.shell.SetProgressButton(3 * blocks, static_cast<int32_t>(SourceFile->Position() / 128));
     ++LineNumber;
-    const KeyedCollection<Value> values = ParseRoute(line, true);
-    const int16_t route = AddRoute(TextOf(values.Item("RouteNbr")));
+    const RouteLine& values = ParseRoute(line, true);
+    const int16_t route = AddRoute(TextOf(values[MeterField::RouteNbr]));
     CountUp(RouteCounts[static_cast<size_t>(route)]);
     ++lines;
   }
@@ -200,71 +202,54 @@ bool clsExchange::ConvertRouteFlat() {
   while (SourceFile->ReadLine(line)) {
     env_.shell.SetProgressButton(3 * blocks, blocks + static_cast<int32_t>(SourceFile->Position() / 128));
     ++LineNumber;
-    const KeyedCollection<Value> values = ParseRoute(line);
+    const RouteLine& values = ParseRoute(line);
     switch (ValidateRoute(values)) {
       case 1: HadWarnings = true; break;
       case 2: HadProblems = true; break;
       case 3: return false;
       default: break;
     }
-    WriteFlatMeter(values, AddRoute(TextOf(values.Item("RouteNbr"))));
+    WriteFlatMeter(values, AddRoute(TextOf(values[MeterField::RouteNbr])));
   }
   return !HadProblems;
 }
 
-void clsExchange::WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route) {
+void clsExchange::WriteFlatMeter(const RouteLine& values, int16_t route) {
+  using enum MeterField;
   clsHIF& hif = *ActiveHIF;
-  auto copy = [&](const char* name) { hif.SetItem(name, values.Item(name)); };
-  // Set in the order of the record's fields, which is also the order of the
-  // map's, so that every name is found at once.
+  const auto copy = [&](MeterField field) { hif.SetItem(field, values[field]); };
   hif.AddNew();
-  hif.SetItem("RecType", Value::Long(kRecMeter));
-  hif.SetItem("RouteNbr", Value::Long(route));
-  copy("Sequence");
-  copy("MeterTagNbr");
-  const std::string meterType = TextOf(values.Item("MeterType"));
+  hif.SetItem(RecType, Value::Long(kRecMeter));
+  hif.SetItem(RouteNbr, Value::Long(route));
+  copy(Sequence);
+  copy(MeterTagNbr);
+  const std::string meterType = TextOf(values[MeterType]);
   if (meterType >= "A") {
-    hif.SetItem("MeterType", Value::Long(static_cast<unsigned char>(meterType[0])));
+    hif.SetItem(MeterType, Value::Long(static_cast<unsigned char>(meterType[0])));
   } else {
-    hif.SetItem("MeterType", Value::Double(NumericPrefix(meterType)));
+    hif.SetItem(MeterType, Value::Double(NumericPrefix(meterType)));
   }
-  copy("Digits");
-  copy("Decimals");
-  copy("PrvReading");
-  copy("MaxReading");
-  copy("MinReading");
+  for (const MeterField field : {Digits, Decimals, PrvReading, MaxReading, MinReading}) copy(field);
   if (LastReadType == "R" || LastReadType == "r") {
-    hif.SetItem("ReadType", Value::Long(1));
+    hif.SetItem(ReadType, Value::Long(1));
   } else if (LastReadType == "M" || LastReadType == "S" || LastReadType == "m" || LastReadType == "s") {
-    hif.SetItem("ReadType", Value::Long(2));
+    hif.SetItem(ReadType, Value::Long(2));
   } else if (LastReadType == "P" || LastReadType == "p") {
-    hif.SetItem("ReadType", Value::Long(3));
+    hif.SetItem(ReadType, Value::Long(3));
   } else {
-    hif.SetItem("ReadType", Value::Double(NumericPrefix(TextOf(values.Item("ReadType")))));
+    hif.SetItem(ReadType, Value::Double(NumericPrefix(TextOf(values[ReadType]))));
   }
   // A date stays text: its first four characters fill the 32-bit field.
-  copy("LstReadingDate");
-  copy("UtilityCode");
-  copy("Lat");
-  copy("Lng");
-  copy("ScaleFactor");
-  copy("InitReading");
-  copy("InitPulseCount");
-  copy("InitTamperCount");
-  hif.SetItem("Message", Value(Advanced().LookupMessage(
-                             TextOf(values.Item("Message")), TextOf(values.Item("RouteNbr")),
-                             TextOf(values.Item("ServiceUniqueID")),
-                             TextOf(values.Item("MeterSerialNbr")), TextOf(values.Item("MeterTagNbr")))));
-  copy("ServiceAddress");
-  copy("BillingName");
-  copy("ServiceUniqueID");
-  copy("MeterSerialNbr");
-  hif.SetItem("ReceiverData", Value(""));
-  copy("User1");
-  copy("User2");
-  copy("User3");
-  copy("User4");
-  copy("User5");
+  for (const MeterField field :
+       {LstReadingDate, UtilityCode, Lat, Lng, ScaleFactor, InitReading, InitPulseCount, InitTamperCount}) {
+    copy(field);
+  }
+  hif.SetItem(Message, Value(Advanced().LookupMessage(TextOf(values[Message]), TextOf(values[RouteNbr]),
+                                                       TextOf(values[ServiceUniqueID]),
+                                                       TextOf(values[MeterSerialNbr]), TextOf(values[MeterTagNbr]))));
+  for (const MeterField field : {ServiceAddress, BillingName, ServiceUniqueID, MeterSerialNbr}) copy(field);
+  hif.SetItem(ReceiverData, Value(""));
+  for (const MeterField field : {User1, User2, User3, User4, User5}) copy(field);
   WriteIndexedMeter();
 }
 

@@ -10,31 +10,30 @@
 #include "hif/FileVersion.h"
 
 namespace hifx {
-void clsExchange::WriteReReadMeter(const KeyedCollection<Value>& values) {
-  static constexpr const char* kCopied[] = {
-      "Sequence",       "MeterTagNbr",     "MeterType",       "Digits",          "Decimals",
-      "PrvReading",     "MaxReading",      "MinReading",      "InitPulseCount",  "InitTamperCount",
-      "LstReadingDate", "UtilityCode",     "Lat",             "Lng",             "ServiceAddress",
-      "BillingName",    "ServiceUniqueID", "MeterSerialNbr",  "User1",           "User2",
-      "User3",          "User4",           "User5"};
+void clsExchange::WriteReReadMeter(const RouteLine& values) {
+  using enum MeterField;
+  static constexpr MeterField kCopied[] = {
+      Sequence,       MeterTagNbr, MeterType,      Digits,          Decimals,       PrvReading,
+      MaxReading,     MinReading,  InitPulseCount, InitTamperCount, LstReadingDate, UtilityCode,
+      Lat,            Lng,         ServiceAddress, BillingName,     ServiceUniqueID, MeterSerialNbr,
+      User1,          User2,       User3,          User4,           User5};
   clsHIF& hif = *ActiveHIF;
   hif.AddNew();
-  hif.SetItem("RecType", Value::Long(kRecMeter));
-  hif.SetItem("RouteNbr", Value::Long(1));
-  for (const char* name : kCopied) hif.SetItem(name, values.Item(name));
-  const std::string readType = TextOf(values.Item("ReadType"));
+  hif.SetItem(RecType, Value::Long(kRecMeter));
+  hif.SetItem(RouteNbr, Value::Long(1));
+  for (const MeterField field : kCopied) hif.SetItem(field, values[field]);
+  const std::string readType = TextOf(values[ReadType]);
   if (readType == "r" || readType == "R") {
-    hif.SetItem("ReadType", Value::Long(1));
+    hif.SetItem(ReadType, Value::Long(1));
   } else if (readType == "m" || readType == "M") {
-    hif.SetItem("ReadType", Value::Long(2));
+    hif.SetItem(ReadType, Value::Long(2));
   } else if (readType == "p" || readType == "P") {
-    hif.SetItem("ReadType", Value::Long(3));
+    hif.SetItem(ReadType, Value::Long(3));
   } else {
-    hif.SetItem("ReadType", Value::Double(NumericPrefix(readType)));
+    hif.SetItem(ReadType, Value::Double(NumericPrefix(readType)));
   }
-  hif.SetItem("Message", Value(Advanced().LookupMessage("", "1", TextOf(values.Item("ServiceUniqueID")),
-                                                        TextOf(values.Item("MeterSerialNbr")),
-                                                        TextOf(values.Item("MeterTagNbr")))));
+  hif.SetItem(Message, Value(Advanced().LookupMessage("", "1", TextOf(values[ServiceUniqueID]),
+                                                      TextOf(values[MeterSerialNbr]), TextOf(values[MeterTagNbr]))));
   hif.WriteData();
   ++MetersWritten;
 }
@@ -127,11 +126,12 @@ bool clsExchange::CreateReReadFile(const ReReadRun& run) {
 }
 
 bool clsExchange::WriteReReadMeters() {
+  PlanRouteLine();
   std::string line;
   while (SourceFile->ReadLine(line)) {
     env_.shell.SetProgressButton(255, ActiveHIF->Position255());
     ++LineNumber;
-    const KeyedCollection<Value> values = ParseRoute(line);
+    const RouteLine& values = ParseRoute(line);
     const int16_t result = ValidateRoute(values);
     if (result == 1) HadWarnings = true;
     if (result == 2) HadProblems = true;

@@ -59,9 +59,10 @@ void clsExchange::WriteIndexedMeter() {
   // only ever written as index records, so with none to write it gathers
   // nothing.
   if (CreateIndexes) {
-    UpdateIndexes(hif.Item("RouteNbr").ToInt32(), MeterRecordNumber, TextOf(hif.Item("MeterTagNbr")),
-                  TextOf(hif.Item("MeterSerialNbr")), TextOf(hif.Item("BillingName")),
-                  TextOf(hif.Item("ServiceAddress")), TextOf(hif.Item("ServiceUniqueID")));
+    using enum MeterField;
+    UpdateIndexes(hif.Item(RouteNbr).ToInt32(), MeterRecordNumber, TextOf(hif.Item(MeterTagNbr)),
+                  TextOf(hif.Item(MeterSerialNbr)), TextOf(hif.Item(BillingName)),
+                  TextOf(hif.Item(ServiceAddress)), TextOf(hif.Item(ServiceUniqueID)));
   }
   MeterRecordNumber = ToInt16(MeterRecordNumber + 1.0);
 }

@@ -30,15 +30,15 @@ void clsExchange::Report(const std::string& message, int16_t& result, RouteFault
   }
 }
 
-int16_t clsExchange::ValidateRoute(const KeyedCollection<Value>& values) {
+int16_t clsExchange::ValidateRoute(const RouteLine& values) {
   int16_t result = 0;
   const bool untagged = LastReadType == "M" || LastReadType == "P" || LastReadType == "S";
-  const clsExchMap& map = *ActiveMap;
+  const std::vector<MapField>& fields = ActiveMap->Fields();
   const auto line = [this] { return std::to_string(LineNumber); };
-  for (int32_t i = 1; i <= map.FieldCount(); ++i) {
-    const MapField& field = map.Field(i);
-    const bool skipTag = untagged && field.FieldName == "MeterTagNbr";
-    const Value& value = values.Item(field.FieldName);
+  for (size_t i = 0; i < fields.size(); ++i) {
+    const MapField& field = fields[i];
+    const bool skipTag = untagged && values.Is(i, MeterField::MeterTagNbr);
+    const Value& value = values.At(i);
     if (!skipTag && field.MaxValue > 0) {
       const double number = value.IsText() ? NumericPrefix(value.Text()) : value.ToDouble();
       if (number > field.MaxValue) {
@@ -63,9 +63,9 @@ int16_t clsExchange::ValidateRoute(const KeyedCollection<Value>& values) {
   }
   if (untagged) {
     UntaggedMeters = ToInt16(UntaggedMeters + 1.0);
-  } else if (CheckDuplicateTag(TextOf(values.Item("MeterTagNbr")),
-                               TextOf(values.Item("ServiceAddress")) + " " +
-                                   TextOf(values.Item("BillingName")),
+  } else if (CheckDuplicateTag(TextOf(values[MeterField::MeterTagNbr]),
+                               TextOf(values[MeterField::ServiceAddress]) + " " +
+                                   TextOf(values[MeterField::BillingName]),
                                LineNumber)) {
     result = 3;
   }

@@ -23,6 +23,7 @@
 #include "config/IRegistryStore.h"
 #include "config/clsAdvanced.h"
 #include "exchange/RouteCheck.h"
+#include "exchange/RouteLine.h"
 #include "hif/clsHIF.h"
 #include "hif/clsIndex.h"
 #include "maps/clsExchMap.h"
@@ -88,14 +89,18 @@ class clsExchange {
   bool ConvertRouteE5K();
   // True when every character of the trimmed text is a digit.
   static bool IsAllDigits(const std::string& text);
-  // One line of a flat route file, as values keyed by the map's field names.
+  // One line of a flat route file, a value for each of the map's fields.
   // With onlyRoute, every field is still converted, with all that may fail
   // or count, but only RouteNbr is kept: what a first pass needs.
-  KeyedCollection<Value> ParseRoute(const std::string& line, bool onlyRoute = false);
-  KeyedCollection<Value> ParseRouteFixed(const std::string& line, bool onlyRoute = false);
-  KeyedCollection<Value> ParseRouteDelimited(const std::string& line, bool onlyRoute = false);
+  // The line's values stay until the next line is parsed; PlanRouteLine
+  // comes first in a run.
+  const RouteLine& ParseRoute(const std::string& line, bool onlyRoute = false);
+  const RouteLine& ParseRouteFixed(const std::string& line, bool onlyRoute = false);
+  const RouteLine& ParseRouteDelimited(const std::string& line, bool onlyRoute = false);
+  // Finds the fields a conversion reads among the active map's.
+  void PlanRouteLine() { routeLine_.Plan(*ActiveMap); }
   // 0 no fault, 1 messages logged, 3 stop.
-  int16_t ValidateRoute(const KeyedCollection<Value>& values);
+  int16_t ValidateRoute(const RouteLine& values);
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line);
   // The same with the line as the caller words it.
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, std::string_view line);
@@ -248,8 +253,9 @@ class clsExchange {
   // Writes the meter in the buffer, counts it and hands it to the index.
   void WriteIndexedMeter();
   void WriteCodeRecords();
-  void AddValue(KeyedCollection<Value>& values, const MapField& field, std::string_view raw,
-                bool trimBothEnds, bool keep);
+  // The value of the map's field at position in routeLine_.
+  void AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds, bool keep);
+  RouteLine routeLine_;
   // One fault of a line's validation: logged while fewer than fifty are,
   // or, in a check, kept with the rest.
   void Report(const std::string& message, int16_t& result, RouteFault fault);
@@ -257,8 +263,8 @@ class clsExchange {
   void ShowRouteFailure(const std::string& description);
   bool ConvertForCheck(RouteCheck& check, const std::filesystem::path& scratch);
   RouteCheck* check_ = nullptr;  // set while CheckRoute runs
-  void WriteFlatMeter(const KeyedCollection<Value>& values, int16_t route);
-  void WriteReReadMeter(const KeyedCollection<Value>& values);
+  void WriteFlatMeter(const RouteLine& values, int16_t route);
+  void WriteReReadMeter(const RouteLine& values);
   // Asks before an existing destination is overwritten; false (logged) when
   // the answer is not Yes. remove deletes the old file on Yes.
   bool DestinationFree(const std::string& destination, std::string_view what, bool remove);

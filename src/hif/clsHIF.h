@@ -15,6 +15,7 @@
 #include "base/Shell.h"
 #include "base/Value.h"
 #include "handheld/clsPalmDB.h"
+#include "hif/MeterField.h"
 
 namespace hifx {
 
@@ -50,6 +51,10 @@ class clsHIF {
 
   Value Item(std::string_view name);
   void SetItem(std::string_view name, const Value& value);
+  // A meter field by the place the schema gave it when it was built; one the
+  // schema lacks reads and writes as by its name.
+  Value Item(MeterField field);
+  void SetItem(MeterField field, const Value& value);
   void AddNew();
   bool WriteData();
   void Rewind();
@@ -86,6 +91,7 @@ class clsHIF {
   IShell& shell_;
   std::unique_ptr<clsPalmDB> db_;
   int16_t version_ = 0;
+  std::array<int16_t, kMeterFieldCount> meterFields_{};  // schema index of each, 0 for none
 };
 
 // A code record taken apart, for readers.

@@ -164,6 +164,8 @@ class clsExchMap {
   double MaxValue(MapIndex index) const { return Field(index).MaxValue; }
   // The whole field, read only.
   const MapField& Field(MapIndex index) const;
+  // Every field, in the map's order.
+  const std::vector<MapField>& Fields() const { return fields_; }
 
   // A new map of the use's catalogue; an unknown use has no fields.
   void NewMap(std::string name, int32_t use);

@@ -1,0 +1,39 @@
+// One parsed line of a flat route file: a value for each field of its map,
+// in the map's order. The fields a conversion asks for by name are found
+// among the map's once for the run, so a line is filled and read by place.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "base/Value.h"
+#include "hif/MeterField.h"
+#include "maps/clsExchMap.h"
+
+namespace hifx {
+
+class RouteLine {
+ public:
+  // Finds the named fields among the map's.
+  void Plan(const clsExchMap& map);
+  // Every field without a value, ready for the next line of fields fields.
+  void Clear(size_t fields);
+  // position: the field's place in the map, from 0.
+  void Set(size_t position, Value value);
+  const Value& At(size_t position) const;
+  // The value of a named field: failure 5 when the map has no such field or
+  // the line no value for it, as a look-up of a missing name is.
+  const Value& operator[](MeterField field) const;
+  // Whether the map's field at position is the named one.
+  bool Is(size_t position, MeterField field) const {
+    return positions_[IndexOf(field)] == static_cast<int32_t>(position);
+  }
+
+ private:
+  std::array<int32_t, kMeterFieldCount> positions_{};  // -1 for a field the map lacks
+  std::vector<Value> values_;
+  std::vector<char> filled_;
+};
+
+}  // namespace hifx
