@@ -26,6 +26,14 @@ std::string FormatFloat(double v, int significant) {
 
 }  // namespace
 
+void Value::SetText(std::string_view text) {
+  if (auto* held = std::get_if<std::string>(&data_)) {
+    held->assign(text);
+  } else {
+    data_ = std::string(text);
+  }
+}
+
 const std::string& Value::Text() const {
   if (const auto* s = std::get_if<std::string>(&data_)) return *s;
   throw Failure(fail::kTypeMismatch);

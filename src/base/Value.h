@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace hifx {
@@ -30,6 +31,8 @@ class Value {
 
   // The text of a text value; any other kind is a type mismatch.
   const std::string& Text() const;
+  // Makes the value the text, reusing the room of a text it holds.
+  void SetText(std::string_view text);
 
   // The value as a number. Empty is 0; a text must be one whole number;
   // null is an invalid use of null.

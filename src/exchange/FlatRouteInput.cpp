@@ -45,17 +45,15 @@ void clsExchange::AddValue(size_t position, const MapField& field, std::string_v
     if (field.DataType == kTypeLong) ToInt32(NumericPrefix(raw));
     return;
   }
-  Value value;
   switch (field.DataType) {
-    case kTypeText: value = Value(std::string(trimBothEnds ? Trim(raw) : TrimRight(raw))); break;
-    case kTypeInteger: value = Value::Integer(ToInt16(NumericPrefix(raw))); break;
-    case kTypeLong: value = Value::Long(ToInt32(NumericPrefix(raw))); break;
-    case kTypeNumber: value = Value::Double(NumericPrefix(raw)); break;
+    case kTypeText: routeLine_.Slot(position).SetText(trimBothEnds ? Trim(raw) : TrimRight(raw)); break;
+    case kTypeInteger: routeLine_.Set(position, Value::Integer(ToInt16(NumericPrefix(raw)))); break;
+    case kTypeLong: routeLine_.Set(position, Value::Long(ToInt32(NumericPrefix(raw)))); break;
+    case kTypeNumber: routeLine_.Set(position, Value::Double(NumericPrefix(raw))); break;
     case kTypeDate:
-    case kTypeTime: value = Value(std::string(TrimRight(raw))); break;
-    default: return;
+    case kTypeTime: routeLine_.Slot(position).SetText(TrimRight(raw)); break;
+    default: break;
   }
-  routeLine_.Set(position, std::move(value));
 }
 
 const RouteLine& clsExchange::ParseRoute(const std::string& line, bool onlyRoute) {
@@ -189,6 +187,7 @@ bool clsExchange::ConvertRouteFlat() {
   // A slot for each meter, route header and the file header, and a margin
   // for the code and index records.
   if (!RecordsFit(lines)) return false;
+  SeenTags.reserve(static_cast<size_t>(lines));
   const int32_t records = lines + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
   if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {

@@ -19,7 +19,7 @@ std::string Upper(std::string_view text) {
 
 }  // namespace
 
-bool clsExchange::IsIndexToken(int32_t type, const std::string& word) {
+bool clsExchange::IsIndexToken(int32_t type, std::string_view word) {
   if (type == 0) return Advanced().TokenPosition("Owner", word) >= 0;
   if (type == 1) return Advanced().TokenPosition("Address", word) >= 0;
   return false;
@@ -36,15 +36,12 @@ std::vector<std::string> clsExchange::IndexWords(const std::string& text, int32_
     while (at < clean.size() && clean[at] == ' ') ++at;
     size_t end = at;
     while (end < clean.size() && clean[end] != ' ') ++end;
-    if (end > at) {
-      const std::string word = clean.substr(at, end - at);
+    const std::string_view word = std::string_view(clean).substr(at, end - at);
+    if (word.size() > 1) {
       // 1ST, 2ND and 3RD are kept; 4TH and plain numbers are not, on purpose.
-      const bool ordinal = word.size() >= 2 &&
-                           std::string_view("/ST/ND/RD/").find("/" + word.substr(word.size() - 2) + "/") !=
-                               std::string_view::npos;
-      if (word.size() > 1 && (word[0] >= 'A' || ordinal) && !IsIndexToken(type, word)) {
-        words.push_back(word);
-      }
+      const std::string_view ending = word.substr(word.size() - 2);
+      const bool ordinal = ending == "ST" || ending == "ND" || ending == "RD";
+      if ((word[0] >= 'A' || ordinal) && !IsIndexToken(type, word)) words.emplace_back(word);
     }
     at = end;
   }

@@ -13,10 +13,12 @@ void RouteLine::Clear(size_t fields) {
   filled_.assign(fields, 0);
 }
 
-void RouteLine::Set(size_t position, Value value) {
+void RouteLine::Set(size_t position, Value value) { Slot(position) = std::move(value); }
+
+Value& RouteLine::Slot(size_t position) {
   if (position >= values_.size()) throw Failure(fail::kInvalidCall);
-  values_[position] = std::move(value);
   filled_[position] = 1;
+  return values_[position];
 }
 
 const Value& RouteLine::At(size_t position) const {

@@ -21,6 +21,8 @@ class RouteLine {
   void Clear(size_t fields);
   // position: the field's place in the map, from 0.
   void Set(size_t position, Value value);
+  // The field's value to be filled in place, counted as given.
+  Value& Slot(size_t position);
   const Value& At(size_t position) const;
   // The value of a named field: failure 5 when the map has no such field or
   // the line no value for it, as a look-up of a missing name is.

@@ -63,10 +63,12 @@ int16_t clsExchange::ValidateRoute(const RouteLine& values) {
   }
   if (untagged) {
     UntaggedMeters = ToInt16(UntaggedMeters + 1.0);
-  } else if (CheckDuplicateTag(TextOf(values[MeterField::MeterTagNbr]),
-                               TextOf(values[MeterField::ServiceAddress]) + " " +
-                                   TextOf(values[MeterField::BillingName]),
-                               LineNumber)) {
+  } else if (std::string tag = TextOf(values[MeterField::MeterTagNbr]);
+             !SeenTags.insert(tag).second &&
+             ReportDuplicateTag(tag,
+                                TextOf(values[MeterField::ServiceAddress]) + " " +
+                                    TextOf(values[MeterField::BillingName]),
+                                std::to_string(LineNumber))) {
     result = 3;
   }
   return result;
@@ -77,7 +79,10 @@ bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& i
 }
 
 bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& info, std::string_view line) {
-  if (SeenTags.insert(tag).second) return false;
+  return !SeenTags.insert(tag).second && ReportDuplicateTag(tag, info, line);
+}
+
+bool clsExchange::ReportDuplicateTag(const std::string& tag, const std::string& info, std::string_view line) {
   const std::string message = "Meter Tag Number of " + tag + " is duplicate in Line " + std::string(line);
   if (check_ != nullptr) {
     // The check lists every repeated tag; the conversion stops at the first.

@@ -104,6 +104,8 @@ class clsExchange {
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line);
   // The same with the line as the caller words it.
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, std::string_view line);
+  // A tag seen before: logged, or in a check kept; true when the run stops.
+  bool ReportDuplicateTag(const std::string& tag, const std::string& info, std::string_view line);
   // The route's index in RouteNames, adding it when new.
   int16_t AddRoute(const std::string& name);
   void ClearRoute();
@@ -114,7 +116,7 @@ class clsExchange {
   void UpdateIndexes(int32_t route, int16_t number, const std::string& tag, const std::string& serial,
                      const std::string& name, const std::string& address, const std::string& account);
   std::vector<std::string> IndexWords(const std::string& text, int32_t type);
-  bool IsIndexToken(int32_t type, const std::string& word);
+  bool IsIndexToken(int32_t type, std::string_view word);
   void WriteLoginRecord();
   void WriteSkipRecord();
   void WriteChangeoutRecords();

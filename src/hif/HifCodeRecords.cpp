@@ -27,39 +27,53 @@ void clsHIF::AddCodeRecord(int16_t recType, int16_t group, int16_t flag, int16_t
   db.WriteData();
 }
 
+namespace {
+
+void AppendWord(std::string& record, int32_t value) {
+  record.push_back(static_cast<char>((value & 0xFF00) / 256));
+  record.push_back(static_cast<char>(value & 0xFF));
+}
+
+}  // namespace
+
 void clsHIF::AddIndexRecord(int16_t route, int16_t type, int32_t count,
                             const std::vector<std::string>& keys,
                             const std::vector<int16_t>& numbers) {
-  struct Group {
-    const std::string* key;
-    std::vector<int16_t> numbers;
-    int32_t size;
-  };
-  std::vector<Group> groups;
-  for (int32_t i = 0; i < count; ++i) {
-    const std::string& key = keys[static_cast<size_t>(i)];
-    const int16_t number = numbers[static_cast<size_t>(i)];
-    if (!groups.empty() && *groups.back().key == key) {
-      groups.back().numbers.push_back(number);
-      groups.back().size += 2;
-    } else {
-      const int32_t packed = static_cast<int32_t>(key.size()) + 1;
-      groups.push_back(Group{&key, {number}, 2 + packed + (packed % 2) + 2});
-    }
-  }
   clsPalmDB& db = DB();
   db.AddNew();
-  int16_t at = db.SetInt16(0, Value::Long(kRecIndex));
-  at = db.SetInt16(at, Value::Long(route));
-  at = db.SetInt16(at, Value::Long(type));
-  for (size_t g = 0; g < groups.size(); ++g) {
-    // Offsets are 16-bit: an index past 32767 bytes overflows.
-    const int32_t next = g + 1 == groups.size() ? -1 : at + groups[g].size;
-    if (next > 32767) throw Failure(fail::kOverflow);
-    at = db.SetInt16(at, Value::Long(next));
-    at = db.AppendString(at, *groups[g].key, true);
-    for (const int16_t number : groups[g].numbers) at = db.SetInt16(at, Value::Long(number));
+  if (count <= 0) {
+    // The three words over the empty record.
+    int16_t at = db.SetInt16(0, Value::Long(kRecIndex));
+    at = db.SetInt16(at, Value::Long(route));
+    db.SetInt16(at, Value::Long(type));
+    db.WriteData();
+    return;
   }
+  // A group a key: the offset of the next group (-1 for the last), the key
+  // packed to an even length, and the numbers filed under it.
+  std::string record;
+  AppendWord(record, kRecIndex);
+  AppendWord(record, route);
+  AppendWord(record, type);
+  size_t nextAt = 0;  // where the open group's next offset goes
+  for (int32_t i = 0; i < count; ++i) {
+    const std::string& key = keys[static_cast<size_t>(i)];
+    if (i == 0 || key != keys[static_cast<size_t>(i - 1)]) {
+      if (i > 0) {
+        record[nextAt] = static_cast<char>((record.size() & 0xFF00) / 256);
+        record[nextAt + 1] = static_cast<char>(record.size() & 0xFF);
+      }
+      nextAt = record.size();
+      AppendWord(record, -1);
+      record.append(key);
+      record.push_back('\0');
+      if (record.size() % 2 == 1) record.push_back('\0');
+    }
+    AppendWord(record, numbers[static_cast<size_t>(i)]);
+    // Offsets are 16-bit: an index past 32767 bytes overflows.
+    if (record.size() > 32767) throw Failure(fail::kOverflow);
+  }
+  db.SetRawData(std::move(record));
   db.WriteData();
 }
 
