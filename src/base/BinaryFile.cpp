@@ -183,7 +183,13 @@ std::string ReadWholeFile(const std::filesystem::path& path, uint64_t maxSize) {
   if (!in) throw Failure(FailureKind::MissingInput, fail::kPermissionDenied, "Permission denied:", path);
   std::string data;
   const auto expected = std::filesystem::file_size(path, ec);
-  if (!ec && expected <= maxSize) data.reserve(static_cast<size_t>(expected));
+  if (!ec && expected <= maxSize) {
+    // The size the file has now is read straight into place; what it may
+    // have grown since comes in chunks.
+    data.resize(static_cast<size_t>(expected));
+    in.read(data.data(), static_cast<std::streamsize>(expected));
+    data.resize(static_cast<size_t>(in.gcount()));
+  }
   char chunk[65536];
   while (in) {
     in.read(chunk, sizeof chunk);

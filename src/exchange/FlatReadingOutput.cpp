@@ -156,10 +156,10 @@ std::vector<std::string> clsExchange::ExtractUser(const std::string& text) {
   }
 }
 
-std::string clsExchange::OutputValue(const KeyedCollection<Value>& values, const MapField& field) {
+std::string clsExchange::OutputValue(const Value* given, const MapField& field) {
   std::string value;
-  if (values.Contains(field.FieldName)) {
-    value = TextOf(values.Item(field.FieldName));
+  if (given != nullptr) {
+    value = TextOf(*given);
   } else {
     // A field the file's version doesn't have.
     value = field.DataType == kTypeText ? "" : "0";
@@ -170,17 +170,17 @@ std::string clsExchange::OutputValue(const KeyedCollection<Value>& values, const
   return value;
 }
 
-std::string clsExchange::AssembleFixed(const KeyedCollection<Value>& values) {
-  const clsExchMap& map = *ActiveMap;
+std::string clsExchange::AssembleFixed(const MappedRecord& values) {
+  const std::vector<MapField>& fields = ActiveMap->Fields();
   std::string line;
   try {
-    for (int32_t i = 1; i <= map.FieldCount(); ++i) {
-      const MapField& field = map.Field(i);
+    for (size_t i = 0; i < fields.size(); ++i) {
+      const MapField& field = fields[i];
       if (field.MapOption != kOptionDestination) continue;
       const auto position = static_cast<size_t>(std::max<int32_t>(field.DataPosition, 1));
       const auto width = static_cast<size_t>(std::max<int32_t>(field.DataWidth, 0));
       if (line.size() < position - 1) line.resize(position - 1, ' ');
-      std::string value = OutputValue(values, field);
+      std::string value = OutputValue(values.ForMapField(i), field);
       if (field.MapAlign == 1) value = std::string(Trim(value));
       if (value.size() > width) {
         // Texts, dates and times keep their left end, numbers their right.
@@ -207,15 +207,16 @@ std::string clsExchange::AssembleFixed(const KeyedCollection<Value>& values) {
   return line;
 }
 
-std::string clsExchange::AssembleDelimited(const KeyedCollection<Value>& values) {
+std::string clsExchange::AssembleDelimited(const MappedRecord& values) {
   const clsExchMap& map = *ActiveMap;
   const std::string& quote = map.MapQuote();
+  const std::vector<MapField>& fields = map.Fields();
   std::vector<std::string> slots;
   try {
-    for (int32_t i = 1; i <= map.FieldCount(); ++i) {
-      const MapField& field = map.Field(i);
+    for (size_t i = 0; i < fields.size(); ++i) {
+      const MapField& field = fields[i];
       if (field.MapOption != kOptionDestination) continue;
-      std::string value = OutputValue(values, field);
+      std::string value = OutputValue(values.ForMapField(i), field);
       const auto enclose = [&](std::string& v) {
         std::string doubled;
         for (size_t at = 0; at < v.size();) {
@@ -318,45 +319,58 @@ bool clsExchange::ConvertReadingFlat(int16_t version) {
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
   FirstRecord = true;
   clsHIF& hif = *ReadingHIF;
+  clsPalmDB& db = hif.DB();
   const int32_t mapType = ActiveMap->MapType();
   const int32_t filter = ActiveMap->MapFilter();
+  MappedRecord values;
+  values.Plan(*ActiveMap, db);
+  const int16_t recTypeAt = db.FindItem("RecType");
+  const int16_t routeAt = db.FindItem("RouteNbr");
+  const int16_t decimalsAt = db.FindItem("Decimals");
+  const int16_t digitsAt = db.FindItem("Digits");
+  const int16_t readingAt = db.FindItem("CurReading");
+  const int16_t readTypeAt = db.FindItem("ReadType");
+  const int16_t statusAt = db.FindItem("Status");
+  const int16_t responseAt = db.FindItem("ResponseCode");
+  // A field the schema lacks (index 0) reads as null.
+  const auto item = [&db](int16_t index) { return db.Item(int32_t{index}); };
   while (hif.ReadData()) {
     env_.shell.SetProgressButton(255, hif.Position255());
-    const int32_t recType = NumberOf(hif.Item("RecType"));
+    const int32_t recType = NumberOf(item(recTypeAt));
     if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       KeepRouteRecord(hif, recType);
       continue;
     }
     if (recType != kRecMeter) continue;
-    KeyedCollection<Value> values = hif.GetValues();
-    const int32_t route = NumberOf(values.Item("RouteNbr"));
+    values.Read(db);
+    const int32_t route = NumberOf(values.At(routeAt));
     // A meter whose route has no header is a failure of the run.
     if (route < 1 || static_cast<size_t>(route) >= RouteInitials.size()) throw Failure(fail::kSubscript);
-    values.Set("RouteNbr", Value(RouteInitials[static_cast<size_t>(route)]));
+    values.At(routeAt) = Value(RouteInitials[static_cast<size_t>(route)]);
     // Read from the record: a file of an older version has no Decimals, which
     // then reads as nothing.
-    const int32_t decimals = NumberOf(hif.Item("Decimals"));
-    const int32_t digits = NumberOf(hif.Item("Digits"));
+    const int32_t decimals = NumberOf(item(decimalsAt));
+    const int32_t digits = NumberOf(item(digitsAt));
     if (decimals > 0) {
       // Stored readings carry their decimals; the billing file doesn't.
       const double scale = PowerOfTen(decimals);
-      hif.SetItem("CurReading", Value::Double(std::trunc(NumberOf(hif.Item("CurReading")) / scale)));
+      hif.SetItem("CurReading", Value::Double(std::trunc(NumberOf(item(readingAt)) / scale)));
     }
     if (digits > 0) {
       // Cut to the dial's width, from the eight-digit form.
-      std::string eight = std::to_string(NumberOf(hif.Item("CurReading")));
+      std::string eight = std::to_string(NumberOf(item(readingAt)));
       if (eight.size() < 8) eight.insert(0, 8 - eight.size(), '0');
       if (static_cast<size_t>(digits) < eight.size()) eight = eight.substr(eight.size() - static_cast<size_t>(digits));
       hif.SetItem("CurReading", Value::Double(NumericPrefix(eight)));
     }
-    if (decimals > 0 || digits > 0) values.Set("CurReading", hif.Item("CurReading"));
+    if (decimals > 0 || digits > 0) values.At(readingAt) = item(readingAt);
     // A file of version 0 has no ReadType to show as a letter.
-    if (values.Contains("ReadType")) values.Set("ReadType", Value(ReadTypeLetter(values.Item("ReadType"))));
+    if (readTypeAt != 0) values.At(readTypeAt) = Value(ReadTypeLetter(values.At(readTypeAt)));
     std::string line;
     if (mapType == kMapFixed) line = AssembleFixed(values);
     if (mapType == kMapDelimited) line = AssembleDelimited(values);
-    const int32_t status = values.Contains("Status") ? NumberOf(values.Item("Status")) : 0;
-    const int32_t response = values.Contains("ResponseCode") ? NumberOf(values.Item("ResponseCode")) : 0;
+    const int32_t status = statusAt != 0 ? NumberOf(values.At(statusAt)) : 0;
+    const int32_t response = responseAt != 0 ? NumberOf(values.At(responseAt)) : 0;
     const bool passes = filter == 1   ? status > 0
                         : filter == 2 ? status > 0 || response > 0
                         : filter == 3 ? status == 0
@@ -378,6 +392,8 @@ bool clsExchange::ConvertOrphanFlat(int16_t version) {
   if (ReadingHIF->OpenHIF(Trim(ReadingSource))) throw Failure(fail::kFileNotFound, "Could not read HIF file");
   clsHIF& hif = *ReadingHIF;
   const int32_t mapType = ActiveMap->MapType();
+  MappedRecord values;
+  values.Plan(*ActiveMap, hif.DB());
   while (hif.ReadData()) {
     env_.shell.SetProgressButton(255, hif.Position255());
     const int32_t recType = NumberOf(hif.Item("RecType"));
@@ -386,7 +402,7 @@ bool clsExchange::ConvertOrphanFlat(int16_t version) {
       continue;
     }
     if (recType != kRecOrphan) continue;
-    const KeyedCollection<Value> values = hif.GetValues();
+    values.Read(hif.DB());
     std::string line;
     if (mapType == kMapFixed) line = AssembleFixed(values);
     if (mapType == kMapDelimited) line = AssembleDelimited(values);

@@ -22,6 +22,7 @@
 #include "base/Value.h"
 #include "config/IRegistryStore.h"
 #include "config/clsAdvanced.h"
+#include "exchange/MappedRecord.h"
 #include "exchange/RouteCheck.h"
 #include "exchange/RouteLine.h"
 #include "hif/clsHIF.h"
@@ -137,8 +138,8 @@ class clsExchange {
   // The exceptions of the open reading HIF as a new route HIF; count gives
   // the meters written.
   void BuildReReadFile(clsHIF& source, const std::string& destination, int32_t& count);
-  std::string AssembleFixed(const KeyedCollection<Value>& values);
-  std::string AssembleDelimited(const KeyedCollection<Value>& values);
+  std::string AssembleFixed(const MappedRecord& values);
+  std::string AssembleDelimited(const MappedRecord& values);
   static std::string FormatDate(const std::string& value, int32_t code);
   static std::string FormatTime(const std::string& value, int32_t code);
   static std::vector<std::string> ExtractUser(const std::string& text);
@@ -283,7 +284,7 @@ class clsExchange {
   std::string MapFile(const std::string& map, int16_t use) const;
   // The value of a field for an output line, with the default and its
   // warning for a field the file's version doesn't have.
-  std::string OutputValue(const KeyedCollection<Value>& values, const MapField& field);
+  std::string OutputValue(const Value* value, const MapField& field);
   void WriteOutputLine(std::string line);
   // What a conversion that stopped on the data wrote so far put in place of
   // the old file, as the run has always kept it; an output whose writing

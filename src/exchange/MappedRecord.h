@@ -1,0 +1,34 @@
+// A record read from a HIF for an output line: its values by their place in
+// the file's schema, and where each field of the map finds its value there.
+// The fields are matched by name once a run, so no record is looked up by
+// name.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "base/Value.h"
+#include "handheld/clsPalmDB.h"
+#include "maps/clsExchMap.h"
+
+namespace hifx {
+
+class MappedRecord {
+ public:
+  // Matches each of the map's fields with the schema's field of its name.
+  void Plan(const clsExchMap& map, const clsPalmDB& db);
+  // Takes every field of the record in db's buffer.
+  void Read(clsPalmDB& db);
+  // The value of the map's field at position (from 0); none when the
+  // schema has no field of its name.
+  const Value* ForMapField(size_t position) const;
+  // The value of the schema's field at index; failure 5 for index 0, a
+  // field the schema lacks, as a look-up of a missing name is.
+  Value& At(int16_t index);
+
+ private:
+  std::vector<int16_t> schemaIndex_;  // by map field, 0 for none
+  std::vector<Value> values_;         // by schema index, from 1
+};
+
+}  // namespace hifx
