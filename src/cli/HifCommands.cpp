@@ -137,7 +137,7 @@ int Dump(const std::string& file) {
   // one message a field.
   SilentShell quiet;
   clsHIF hif(quiet);
-  OpenToRead(hif, quiet, file);
+  OpenToRead(hif, file);
   std::string out;
   int record = 0;
   try {

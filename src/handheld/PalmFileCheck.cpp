@@ -17,31 +17,32 @@ uint32_t BigEndianAt(const std::string& bytes, size_t at, size_t width) {
   return value;
 }
 
-std::string PdbDamage(const std::string& bytes) {
-  constexpr size_t kTable = clsPalmFilePDB::kTableStart;
-  constexpr size_t kSlot = clsPalmFilePDB::kSlotSize;
-  if (bytes.size() < kTable) {
-    return "the file is " + std::to_string(bytes.size()) + " bytes long, too short for the " +
-           std::to_string(kTable) + "-byte header";
+constexpr size_t kTable = clsPalmFilePDB::kTableStart;
+constexpr size_t kSlot = clsPalmFilePDB::kSlotSize;
+
+// head: the file's first bytes, at least its header and record list where
+// the file holds them; size: the length of the whole file.
+std::string PdbDamage(const std::string& head, uint64_t size) {
+  if (size < kTable) {
+    return "the file is " + std::to_string(size) + " bytes long, too short for the " + std::to_string(kTable) +
+           "-byte header";
   }
-  if (bytes.find('\0') >= 32) return "the database name has no terminating NUL within its 32 bytes";
-  const uint32_t count = BigEndianAt(bytes, kTable - 2, 2);
+  if (head.find('\0') >= 32) return "the database name has no terminating NUL within its 32 bytes";
+  const uint32_t count = BigEndianAt(head, kTable - 2, 2);
   if (count > static_cast<uint32_t>(kMaxRecords)) {
     return "the header counts " + std::to_string(count) + " records, more than the " +
            std::to_string(kMaxRecords) + " a handheld file holds";
   }
   const size_t tableEnd = kTable + kSlot * count;
-  if (tableEnd > bytes.size()) {
+  if (tableEnd > size) {
     return "the header counts " + std::to_string(count) + " records, and their list runs past the end of the file";
   }
   uint32_t previous = 0;
   for (uint32_t record = 0; record < count; ++record) {
-    const uint32_t offset = BigEndianAt(bytes, kTable + kSlot * record, 4);
+    const uint32_t offset = BigEndianAt(head, kTable + kSlot * record, 4);
     const std::string which = "record " + std::to_string(record) + " starts at offset " + std::to_string(offset);
     if (offset < tableEnd) return which + ", inside the header or the record list";
-    if (offset > bytes.size()) {
-      return which + ", past the end of the file (" + std::to_string(bytes.size()) + " bytes)";
-    }
+    if (offset > size) return which + ", past the end of the file (" + std::to_string(size) + " bytes)";
     if (offset < previous) return which + ", before the record ahead of it (" + std::to_string(previous) + ")";
     previous = offset;
   }
@@ -66,12 +67,23 @@ std::string VfsDamage(const std::string& bytes) {
 
 }  // namespace
 
-std::string PalmFileDamage(const std::string& bytes, bool vfs) { return vfs ? VfsDamage(bytes) : PdbDamage(bytes); }
+std::string PalmFileDamage(const std::string& bytes, bool vfs) {
+  return vfs ? VfsDamage(bytes) : PdbDamage(bytes, bytes.size());
+}
 
 std::string PalmFileDamage(const std::filesystem::path& path) {
   // The containers are told apart as the record layer tells them.
   const bool vfs = clsPalmFileVFS().TestFileType(path);
-  return PalmFileDamage(ReadWholeFile(path), vfs);
+  std::error_code ec;
+  const uint64_t size = std::filesystem::file_size(path, ec);
+  if (vfs || ec || size > kMaxReadFileSize) return PalmFileDamage(ReadWholeFile(path), vfs);
+  // A PDB's header and record list say all that is checked: its records
+  // are not read.
+  std::string head = ReadFileHead(path, kTable);
+  if (head.size() == kTable) head = ReadFileHead(path, kTable + kSlot * BigEndianAt(head, kTable - 2, 2));
+  const size_t wanted = head.size() < kTable ? kTable : kTable + kSlot * BigEndianAt(head, kTable - 2, 2);
+  // A file cut short since its size was taken ends where its head does.
+  return PdbDamage(head, head.size() < wanted ? head.size() : size);
 }
 
 void RaiseIfDamaged(const std::filesystem::path& path) {

@@ -103,7 +103,7 @@ const char* ChangeWord(MeterChange change) {
 
 std::vector<MeterPlace> ReadMeterPlaces(IShell& shell, const std::filesystem::path& file) {
   clsHIF hif(shell);
-  OpenToRead(hif, shell, file);
+  OpenToRead(hif, file);
   std::vector<MeterPlace> meters;
   while (hif.ReadData()) {
     if (NumberOf(hif.Item("RecType")) != kRecMeter) continue;

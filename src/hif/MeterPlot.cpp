@@ -275,7 +275,7 @@ double ScaleBarMetres(double metresPerPixel) {
 
 std::vector<PlotMeter> ReadPlotMeters(IShell& shell, const std::filesystem::path& file) {
   clsHIF hif(shell);
-  OpenToRead(hif, shell, file);
+  OpenToRead(hif, file);
   std::vector<PlotMeter> meters;
   while (hif.ReadData()) {
     if (NumberOf(hif.Item("RecType")) != kRecMeter) continue;

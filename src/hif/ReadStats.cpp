@@ -110,7 +110,7 @@ std::string SpanText(int64_t seconds) {
 
 ReadStats CountReadings(IShell& shell, const std::filesystem::path& file) {
   clsHIF hif(shell);
-  OpenToRead(hif, shell, file);
+  OpenToRead(hif, file);
   Record r;
   clsPalmDB& db = hif.DB();
   for (size_t f = 0; f < kStatsFields; ++f) r.index[f] = db.FindItem(kStatsFieldNames[f]);

@@ -114,12 +114,14 @@ void clsHIF::FinishHIF() { DB().FinishDB(); }
 const std::string& clsHIF::RawData() { return DB().RawData(); }
 void clsHIF::SetRawData(std::string bytes) { DB().SetRawData(std::move(bytes)); }
 
-int16_t ReadFileVersion(IShell& shell, const std::filesystem::path& fileName) {
-  clsHIF probe(shell);
-  if (probe.OpenHIF(fileName)) return -1;
-  if (!probe.ReadData()) return 0;
-  const Value recType = probe.Item("RecType");
-  const Value meterType = probe.Item("MeterType");
+namespace {
+
+// The version the next record of an open file gives: a file header (RecType
+// 0) with a MeterType above 0 gives that version, anything else 0.
+int16_t VersionOfNextRecord(clsHIF& hif) {
+  if (!hif.ReadData()) return 0;
+  const Value recType = hif.Item("RecType");
+  const Value meterType = hif.Item("MeterType");
   if (recType.IsEmpty() || meterType.IsEmpty()) return 0;
   if (recType.ToInt32() == kRecFileHeader && meterType.ToInt32() > 0) {
     return static_cast<int16_t>(meterType.ToInt32());
@@ -127,17 +129,29 @@ int16_t ReadFileVersion(IShell& shell, const std::filesystem::path& fileName) {
   return 0;
 }
 
-void OpenToRead(clsHIF& hif, IShell& shell, const std::filesystem::path& fileName) {
+}  // namespace
+
+int16_t ReadFileVersion(IShell& shell, const std::filesystem::path& fileName) {
+  clsHIF probe(shell);
+  if (probe.OpenHIF(fileName)) return -1;
+  return VersionOfNextRecord(probe);
+}
+
+void OpenToRead(clsHIF& hif, const std::filesystem::path& fileName) {
   RaiseIfDamaged(fileName);
-  const int16_t version = ReadFileVersion(shell, fileName);
-  if (version >= 0) hif.SetVersion(version);
-  if (version < 0 || hif.OpenHIF(fileName)) {
+  // The first record is read with the schema of no version, then the file
+  // is read again from its start with the schema its version gives.
+  hif.SetVersion(0);
+  if (hif.OpenHIF(fileName)) {
     std::error_code error;
     const bool there = std::filesystem::exists(fileName, error);
     throw Failure(there ? FailureKind::BadInput : FailureKind::MissingInput, fail::kFileNotFound,
                   "could not read HIF file", fileName,
                   there ? "not a handheld file of a version this program reads" : "no such file");
   }
+  hif.SetVersion(VersionOfNextRecord(hif));
+  hif.Rewind();
+  hif.SetRawData({});
 }
 
 }  // namespace hifx

@@ -113,6 +113,6 @@ int16_t ReadFileVersion(IShell& shell, const std::filesystem::path& fileName);
 // Opens the file in hif to be read through, at the version its first record
 // gives, after the strict check of its structure. Raises a failure of kind
 // BadInput naming the file when it is damaged or can't be read.
-void OpenToRead(clsHIF& hif, IShell& shell, const std::filesystem::path& fileName);
+void OpenToRead(clsHIF& hif, const std::filesystem::path& fileName);
 
 }  // namespace hifx
