@@ -106,7 +106,7 @@ int16_t clsPalmDB::FindItem(std::string_view name) const {
     }
   }
   // Callers nearly always spell a name as the schema does.
-  if (const auto exact = byExactName_.find(std::string(name)); exact != byExactName_.end()) {
+  if (const auto exact = byExactName_.find(name); exact != byExactName_.end()) {
     lastFound_ = exact->second;
     return lastFound_;
   }
@@ -186,7 +186,9 @@ int32_t clsPalmDB::GetInt16(int16_t offset) const { return ReadNumber(buffer_, o
 int32_t clsPalmDB::GetInt32(int16_t offset) const { return ReadNumber(buffer_, offset, 4); }
 
 void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
-  const std::string text = value.ToText();
+  std::string converted;
+  if (!value.IsText()) converted = value.ToText();
+  const std::string_view text = value.IsText() ? std::string_view(value.Text()) : std::string_view(converted);
   // The texts behind the fixed part are split at NULs, one element replaced,
   // and joined again; an empty text part has no elements at all.
   const size_t fixed = std::min(buffer_.size(), static_cast<size_t>(fixedLength_));
@@ -315,7 +317,10 @@ void clsPalmDB::SetItem(int32_t index, const Value& value) {
 
 void clsPalmDB::AddNew() {
   buffer_.assign(static_cast<size_t>(fixedLength_ + textCount_), '\0');
-  BufferChanged();
+  // Every text is empty: each NUL closes one.
+  nuls_.resize(static_cast<size_t>(std::max<int16_t>(textCount_, 0)));
+  for (size_t k = 0; k < nuls_.size(); ++k) nuls_[k] = static_cast<uint32_t>(fixedLength_ + k);
+  nulsKnown_ = true;
 }
 void clsPalmDB::Rewind() { Container().Rewind(); }
 bool clsPalmDB::WriteData() { return Container().WriteRecord(buffer_); }

@@ -127,7 +127,11 @@ class clsPalmDB {
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
   // First schema index of each name, so a lookup by name needs no scan: the
   // name as written first, then with no regard to case.
-  std::unordered_map<std::string, int16_t> byExactName_;
+  struct ExactHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>{}(name); }
+  };
+  std::unordered_map<std::string, int16_t, ExactHash, std::equal_to<>> byExactName_;
   // Fields are mostly reached in schema order: the one after the last found
   // is tried first.
   mutable int16_t lastFound_ = 0;
