@@ -81,8 +81,10 @@ std::string PalmFileDamage(const std::filesystem::path& path) {
   // are not read.
   std::string head = ReadFileHead(path, kTable);
   if (head.size() == kTable) head = ReadFileHead(path, kTable + kSlot * BigEndianAt(head, kTable - 2, 2));
+  // The count is taken again from the bytes read last, so a file changed
+  // between the reads is never read past its head; one cut short since its
+  // size was taken ends where its head does.
   const size_t wanted = head.size() < kTable ? kTable : kTable + kSlot * BigEndianAt(head, kTable - 2, 2);
-  // A file cut short since its size was taken ends where its head does.
   return PdbDamage(head, head.size() < wanted ? head.size() : size);
 }
 
