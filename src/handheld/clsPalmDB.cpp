@@ -319,7 +319,7 @@ void clsPalmDB::AddNew() {
   buffer_.assign(static_cast<size_t>(fixedLength_ + textCount_), '\0');
   // Every text is empty: each NUL closes one.
   nuls_.resize(static_cast<size_t>(std::max<int16_t>(textCount_, 0)));
-  for (size_t k = 0; k < nuls_.size(); ++k) nuls_[k] = static_cast<uint32_t>(fixedLength_ + k);
+  for (size_t k = 0; k < nuls_.size(); ++k) nuls_[k] = static_cast<uint32_t>(static_cast<size_t>(fixedLength_) + k);
   nulsKnown_ = true;
 }
 void clsPalmDB::Rewind() { Container().Rewind(); }
