@@ -1,6 +1,7 @@
 // Fixed-column and delimited route files: two passes over the source, the
 // first to find the routes and count the meters, the second to validate and
 // write each meter.
+#include "base/CaseBlind.h"
 #include "base/Failure.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
@@ -9,11 +10,6 @@
 
 namespace hifx {
 namespace {
-
-std::string Upper(std::string text) {
-  for (char& c : text) c = FoldCase(c);
-  return text;
-}
 
 std::vector<std::string> Split(const std::string& text, const std::string& delimiter) {
   std::vector<std::string> pieces;
@@ -118,7 +114,7 @@ const RouteLine& clsExchange::ParseRouteDelimited(const std::string& line, bool 
         break;
       default: break;
     }
-    if (found && routeLine_.Is(i, MeterField::ReadType)) LastReadType = Upper(raw);
+    if (found && routeLine_.Is(i, MeterField::ReadType)) LastReadType = UpperCase(raw);
     AddValue(i, field, raw, false, !onlyRoute);
   }
   return routeLine_;
@@ -142,7 +138,7 @@ const RouteLine& clsExchange::ParseRouteFixed(const std::string& line, bool only
         const size_t start = static_cast<size_t>(field.DataPosition - 1);
         raw = start < line.size() ? std::string_view(line).substr(start, static_cast<size_t>(field.DataWidth))
                                   : std::string_view();
-        if (routeLine_.Is(i, MeterField::ReadType)) LastReadType = Upper(std::string(raw));
+        if (routeLine_.Is(i, MeterField::ReadType)) LastReadType = UpperCase(raw);
         break;
       }
       case kOptionConstant: raw = field.MapConstant; break;

@@ -1,6 +1,7 @@
 // The indexes and code lists that a route HIF carries behind its meters.
 #include <array>
 
+#include "base/CaseBlind.h"
 #include "base/Failure.h"
 #include "base/Text.h"
 #include "exchange/ExchangeText.h"
@@ -11,12 +12,6 @@ namespace {
 
 constexpr int kIndexTypes = 5;
 
-std::string Upper(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) c = FoldCase(c);
-  return out;
-}
-
 }  // namespace
 
 bool clsExchange::IsIndexToken(int32_t type, std::string_view word) {
@@ -26,7 +21,7 @@ bool clsExchange::IsIndexToken(int32_t type, std::string_view word) {
 }
 
 std::vector<std::string> clsExchange::IndexWords(const std::string& text, int32_t type) {
-  std::string clean = Upper(text);
+  std::string clean = UpperCase(text);
   for (char& c : clean) {
     if (!((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ')) c = ' ';
   }
@@ -86,12 +81,12 @@ void clsExchange::UpdateIndexes(int32_t route, int16_t number, const std::string
         for (std::string& word : IndexWords(address, 1)) index.Insert(std::move(word), number);
         break;
       case 2: {
-        const std::string key = Upper(Trim(tag));
+        const std::string key = UpperCase(Trim(tag));
         if (!key.empty() && key != "0") index.Insert(key, number);
         break;
       }
       default: {
-        const std::string key = Upper(Trim(type == 3 ? serial : account));
+        const std::string key = UpperCase(Trim(type == 3 ? serial : account));
         if (!key.empty()) index.Insert(key, number);
         break;
       }
