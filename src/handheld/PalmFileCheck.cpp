@@ -4,6 +4,7 @@
 
 #include "base/BinaryFile.h"
 #include "base/Failure.h"
+#include "base/FileWindow.h"
 #include "handheld/IPalmFile.h"
 #include "handheld/clsPalmFilePDB.h"
 #include "handheld/clsPalmFileVFS.h"
@@ -49,14 +50,17 @@ std::string PdbDamage(const std::string& head, uint64_t size) {
   return {};
 }
 
-std::string VfsDamage(const std::string& bytes) {
-  size_t at = 0;
-  for (uint32_t record = 0; at < bytes.size(); ++record) {
-    if (bytes.size() - at < 4) {
+// size: the file's length; lengthAt(at): the four bytes at `at`, big-endian,
+// which are all there.
+template <typename LengthAt>
+std::string VfsDamage(uint64_t size, LengthAt&& lengthAt) {
+  uint64_t at = 0;
+  for (uint32_t record = 0; at < size; ++record) {
+    if (size - at < 4) {
       return "record " + std::to_string(record) + " has a cut length at offset " + std::to_string(at);
     }
-    const uint32_t length = BigEndianAt(bytes, at, 4);
-    if (length > bytes.size() - at - 4) {
+    const uint32_t length = lengthAt(at);
+    if (length > size - at - 4) {
       return "record " + std::to_string(record) + " at offset " + std::to_string(at) + " claims " +
              std::to_string(length) + " bytes, past the end of the file";
     }
@@ -65,10 +69,23 @@ std::string VfsDamage(const std::string& bytes) {
   return {};
 }
 
+// A card file's record lengths, read from the file a stretch at a time.
+std::string VfsDamage(const std::filesystem::path& path) {
+  FileWindow file;
+  file.Open(path, kMaxReadFileSize);
+  std::string four;
+  return VfsDamage(file.Size(), [&](uint64_t at) {
+    file.Read(at, 4, four);
+    // A file cut short since it was opened reads as a length past its end.
+    return four.size() == 4 ? BigEndianAt(four, 0, 4) : UINT32_MAX;
+  });
+}
+
 }  // namespace
 
 std::string PalmFileDamage(const std::string& bytes, bool vfs) {
-  return vfs ? VfsDamage(bytes) : PdbDamage(bytes, bytes.size());
+  if (!vfs) return PdbDamage(bytes, bytes.size());
+  return VfsDamage(bytes.size(), [&bytes](uint64_t at) { return BigEndianAt(bytes, static_cast<size_t>(at), 4); });
 }
 
 std::string PalmFileDamage(const std::filesystem::path& path) {
@@ -76,7 +93,8 @@ std::string PalmFileDamage(const std::filesystem::path& path) {
   const bool vfs = clsPalmFileVFS().TestFileType(path);
   std::error_code ec;
   const uint64_t size = std::filesystem::file_size(path, ec);
-  if (vfs || ec || size > kMaxReadFileSize) return PalmFileDamage(ReadWholeFile(path), vfs);
+  if (vfs) return VfsDamage(path);
+  if (ec || size > kMaxReadFileSize) return PalmFileDamage(ReadWholeFile(path), vfs);
   // A PDB's header and record list say all that is checked: its records
   // are not read.
   std::string head = ReadFileHead(path, kTable);

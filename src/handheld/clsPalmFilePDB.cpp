@@ -25,6 +25,13 @@ void CopyPadded(const std::string& contents, uint64_t offset, uint8_t* out, size
   std::memcpy(out, contents.data() + offset, n);
 }
 
+// The same from a file being read.
+void CopyPadded(FileWindow& file, uint64_t offset, uint8_t* out, size_t size) {
+  std::string bytes;
+  file.Read(offset, size, bytes);
+  CopyPadded(bytes, 0, out, size);
+}
+
 }  // namespace
 
 bool clsPalmFilePDB::TestFileType(const std::filesystem::path& fileName) {
@@ -127,17 +134,16 @@ void clsPalmFilePDB::PutHead(uint64_t offset, const uint8_t* bytes, size_t size)
 }
 
 void clsPalmFilePDB::OpenForReading(const std::filesystem::path& fileName) {
-  contents_ = ReadWholeFile(fileName);
-  reading_ = true;
-  CopyPadded(contents_, 0, header_.data(), header_.size());
-  CopyPadded(contents_, kHeaderSize, countBlock_.data(), countBlock_.size());
+  file_.Open(fileName, kMaxReadFileSize);
+  CopyPadded(file_, 0, header_.data(), header_.size());
+  CopyPadded(file_, kHeaderSize, countBlock_.data(), countBlock_.size());
   const int32_t count = StoredCount();
   // The table is walked with a 16-bit counter: more than 32767 records overflow.
   if (count > kMaxRecords) throw Failure(fail::kOverflow);
   table_.assign(static_cast<size_t>(count + 1) * kSlotSize, 0);
-  CopyPadded(contents_, kTableStart, table_.data(), static_cast<size_t>(count) * kSlotSize);
+  CopyPadded(file_, kTableStart, table_.data(), static_cast<size_t>(count) * kSlotSize);
   PutBytes(std::span(table_.data() + static_cast<size_t>(count) * kSlotSize, 4),
-           Value::Double(static_cast<double>(contents_.size())));
+           Value::Double(static_cast<double>(file_.Size())));
 }
 
 int16_t clsPalmFilePDB::OpenFile(const std::filesystem::path& fileName) {
@@ -183,8 +189,11 @@ bool clsPalmFilePDB::ReadRecord(int32_t& number, std::string& data) {
   const int32_t start = SlotOffset(static_cast<size_t>(number));
   const int32_t end = SlotOffset(static_cast<size_t>(number) + 1);
   if (end < start) throw Failure(fail::kSubscript);
-  if (static_cast<uint64_t>(end) > contents_.size()) throw Failure(fail::kPastEnd);
-  data.assign(contents_, static_cast<size_t>(start), static_cast<size_t>(end - start));
+  const auto size = static_cast<size_t>(end - start);
+  if (static_cast<uint64_t>(end) > file_.Size()) throw Failure(fail::kPastEnd);
+  file_.Read(static_cast<uint64_t>(start), size, data);
+  // A file cut short since it was opened ends where it ends now.
+  if (data.size() != size) throw Failure(fail::kPastEnd);
   return true;
 }
 
@@ -202,15 +211,14 @@ std::string clsPalmFilePDB::DBType() {
   return BytesToDecimalText(std::span(header_).subspan(kTypeOffset, 4));
 }
 
-std::string clsPalmFilePDB::BlockAt(int32_t start, int32_t end) const {
+std::string clsPalmFilePDB::BlockAt(int32_t start, int32_t end) {
   const int64_t size = static_cast<int64_t>(end) - start;
   if (size < 0) throw Failure(fail::kSubscript);
-  if (static_cast<uint64_t>(size) > contents_.size()) throw Failure(fail::kPastEnd);
+  if (static_cast<uint64_t>(size) > file_.Size()) throw Failure(fail::kPastEnd);
   // The block is read from its end offset, not its start: what comes back is
   // as many bytes of what lies behind the block. Nothing reads it.
   std::string block(static_cast<size_t>(size), '\0');
-  CopyPadded(contents_, static_cast<uint64_t>(end), reinterpret_cast<uint8_t*>(block.data()),
-             block.size());
+  CopyPadded(file_, static_cast<uint64_t>(end), reinterpret_cast<uint8_t*>(block.data()), block.size());
   return block;
 }
 
@@ -218,14 +226,14 @@ std::string clsPalmFilePDB::AppInfo() {
   const int32_t start = BytesToLong(std::span(header_).subspan(kAppInfoOffset, 4));
   if (start == 0) return {};
   int32_t end = BytesToLong(std::span(header_).subspan(kSortInfoOffset, 4));
-  if (end == 0) end = StoredCount() > 0 ? SlotOffset(0) : static_cast<int32_t>(contents_.size());
+  if (end == 0) end = StoredCount() > 0 ? SlotOffset(0) : static_cast<int32_t>(file_.Size());
   return BlockAt(start, end);
 }
 
 std::string clsPalmFilePDB::SortInfo() {
   const int32_t start = BytesToLong(std::span(header_).subspan(kSortInfoOffset, 4));
   if (start == 0) return {};
-  const int32_t end = StoredCount() > 0 ? SlotOffset(0) : static_cast<int32_t>(contents_.size());
+  const int32_t end = StoredCount() > 0 ? SlotOffset(0) : static_cast<int32_t>(file_.Size());
   return BlockAt(start, end);
 }
 
@@ -253,7 +261,7 @@ int16_t clsPalmFilePDB::Position255() {
 
 int clsPalmFilePDB::FileHandle() {
   if (writer_.IsOpen()) return writer_.Handle();
-  return reading_ ? 1 : 0;
+  return file_.IsOpen() ? 1 : 0;
 }
 
 void clsPalmFilePDB::FinishFile() {
@@ -273,9 +281,7 @@ int16_t clsPalmFilePDB::CloseFile() {
   }
   head_ = nullptr;
   writer_.Close();
-  reading_ = false;
-  contents_.clear();
-  contents_.shrink_to_fit();
+  file_.Close();
   return 0;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/BinaryFile.h"
+#include "base/FileWindow.h"
 #include "handheld/IPalmFile.h"
 
 namespace hifx {
@@ -49,7 +50,7 @@ class clsPalmFilePDB final : public IPalmFile {
   int32_t StoredCount() const;  // the two count bytes, decoded at each use
   int32_t SlotOffset(size_t slot) const;
   double DateField(int offset) const;
-  std::string BlockAt(int32_t start, int32_t end) const;
+  std::string BlockAt(int32_t start, int32_t end);
   void OpenForReading(const std::filesystem::path& fileName);
   // Writes bytes of the header or table, in place where they are mapped.
   void PutHead(uint64_t offset, const uint8_t* bytes, size_t size);
@@ -63,8 +64,7 @@ class clsPalmFilePDB final : public IPalmFile {
   uint8_t* head_ = nullptr;              // the header and table, mapped while writing
   std::string pending_;                  // records not yet written, in order
   int32_t onDisk_ = 0;                   // records the table on disk describes
-  std::string contents_;                 // the whole file while reading
-  bool reading_ = false;
+  FileWindow file_;                      // open while reading
   int16_t position_ = 0;
 };
 

@@ -71,47 +71,52 @@ void clsPalmFileVFS::WritePending() {
 int16_t clsPalmFileVFS::OpenFile(const std::filesystem::path& fileName) {
   CloseFile();
   try {
-    contents_ = ReadWholeFile(fileName);
+    file_.Open(fileName, kMaxReadFileSize);
   } catch (const Failure& failure) {
     return static_cast<int16_t>(failure.Number());
   }
-  reading_ = true;
   readPosition_ = 0;
   return 0;
 }
 
 bool clsPalmFileVFS::ReadRecord(int32_t&, std::string& data) {
   // The record number is ignored: this container reads only in sequence.
-  if (readPosition_ >= contents_.size()) {
+  const uint64_t size = file_.Size();
+  if (readPosition_ >= size) {
     data.clear();
     return false;
   }
   std::array<uint8_t, 4> lengthBytes{};
-  const size_t have = std::min<uint64_t>(4, contents_.size() - readPosition_);
-  std::memcpy(lengthBytes.data(), contents_.data() + readPosition_, have);
-  readPosition_ += have;
+  file_.Read(readPosition_, lengthBytes.size(), data);
+  std::memcpy(lengthBytes.data(), data.data(), data.size());
+  readPosition_ += std::min<uint64_t>(lengthBytes.size(), size - readPosition_);
   const int32_t length = BytesToLong(lengthBytes);
-  if (static_cast<uint64_t>(length) > contents_.size() - readPosition_) {
-    readPosition_ = contents_.size();
+  if (static_cast<uint64_t>(length) > size - readPosition_) {
+    readPosition_ = size;
     throw Failure(fail::kPastEnd);
   }
-  data.assign(contents_, static_cast<size_t>(readPosition_), static_cast<size_t>(length));
+  file_.Read(readPosition_, static_cast<size_t>(length), data);
+  // A file cut short since it was opened ends where it ends now.
+  if (data.size() != static_cast<size_t>(length)) {
+    readPosition_ = size;
+    throw Failure(fail::kPastEnd);
+  }
   readPosition_ += static_cast<uint64_t>(length);
   // A record of length 0 reads as False, though it is not the end of the file.
   return !data.empty();
 }
 
 int16_t clsPalmFileVFS::Position255() {
-  if (contents_.empty()) return 0;
+  if (file_.Size() == 0) return 0;
   // The product is a 32-bit integer: above about 8 MB it overflows.
   const int64_t product = static_cast<int64_t>(readPosition_) * 255;
   if (product > 2147483647) throw Failure(fail::kOverflow);
-  return ToInt16(static_cast<double>(product) / static_cast<double>(contents_.size()));
+  return ToInt16(static_cast<double>(product) / static_cast<double>(file_.Size()));
 }
 
 int clsPalmFileVFS::FileHandle() {
   if (writer_.IsOpen()) return writer_.Handle();
-  return reading_ ? 1 : 0;
+  return file_.IsOpen() ? 1 : 0;
 }
 
 void clsPalmFileVFS::FinishFile() {
@@ -128,9 +133,7 @@ int16_t clsPalmFileVFS::CloseFile() {
     pending_.clear();
   }
   writer_.Close();
-  reading_ = false;
-  contents_.clear();
-  contents_.shrink_to_fit();
+  file_.Close();
   return 0;
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/BinaryFile.h"
+#include "base/FileWindow.h"
 #include "handheld/IPalmFile.h"
 
 namespace hifx {
@@ -44,8 +45,7 @@ class clsPalmFileVFS final : public IPalmFile {
   uint64_t writePosition_ = 0;
   std::string pending_;     // records not yet written, in order
   uint64_t pendingAt_ = 0;  // where they go
-  std::string contents_;
-  bool reading_ = false;
+  FileWindow file_;  // open while reading
   uint64_t readPosition_ = 0;
 };
 

@@ -204,8 +204,15 @@ TEST_F(FileSafety, AFileSizeLimitFailsTheRunAndKeepsTheOldFiles) {
 #if !defined(HIFX_SANITIZED)  // the sanitizer's own memory needs no limit
 // Running out of memory is said, with a non-zero exit, and costs no file.
 TEST_F(FileSafety, RunningOutOfMemoryIsSaidAndCostsNoFile) {
-  // A reading file of 200 MB, which 150 MB of memory can't hold.
-  { std::ofstream(dir / "huge.pdb", std::ios::binary) << "RouteHIF"; }
+  // A reading file whose one record is 200 MB, which 150 MB of memory can't
+  // hold: a header, a count of one and the record's slot at byte 86.
+  {
+    std::string head(86, '\0');
+    head.replace(0, 8, "RouteHIF");
+    head[77] = 1;
+    head[81] = 86;
+    std::ofstream(dir / "huge.pdb", std::ios::binary) << head;
+  }
   fs::resize_file(dir / "huge.pdb", 200u << 20);
   WriteBytes(dir / "billing.txt", "OLD BILLING");
   for (const std::vector<std::string>& command :

@@ -201,5 +201,29 @@ TEST_F(PdbContainer, CreateDoesNotTruncate) {
   EXPECT_EQ(bytes.substr(78, 4), Hex("00002328"));  // the record went behind the old bytes
 }
 
+// Records are read a stretch of the file at a time: any order, across the
+// stretches' edges and larger than one, gives the bytes written. The file
+// may be removed while it is open; what was opened reads on.
+TEST_F(PdbContainer, RecordsReadInAnyOrderAcrossTheReadWindow) {
+  std::vector<std::string> records;
+  for (int i = 0; i < 700; ++i) records.push_back(std::string(997, static_cast<char>('a' + i % 26)) + std::to_string(i));
+  records[350] = std::string(300 * 1024, 'L');
+  WritePdb(dir / "big.pdb", 700, records);
+  ASSERT_EQ(reader.OpenFile(dir / "big.pdb"), 0);
+  std::filesystem::remove(dir / "big.pdb");
+  std::string data;
+  for (int32_t n : {0, 699, 1, 350, 263, 262, 351, 698}) {
+    ASSERT_TRUE(reader.ReadRecord(n, data));
+    EXPECT_EQ(data, records[static_cast<size_t>(n)]) << n;
+  }
+  reader.Rewind();
+  int32_t count = 0;
+  for (int32_t n = -1; reader.ReadRecord(n, data); n = -1) {
+    EXPECT_EQ(data, records[static_cast<size_t>(n)]) << n;
+    ++count;
+  }
+  EXPECT_EQ(count, 700);
+}
+
 }  // namespace
 }  // namespace hifx::test
