@@ -58,7 +58,12 @@ double Value::ToDouble() const {
 }
 
 int16_t Value::ToInt16() const { return hifx::ToInt16(ToDouble()); }
-int32_t Value::ToInt32() const { return hifx::ToInt32(ToDouble()); }
+int32_t Value::ToInt32() const {
+  // A whole number is itself; only the others are rounded.
+  if (Kind() == ValueKind::Long) return std::get<int32_t>(data_);
+  if (Kind() == ValueKind::Integer) return std::get<int16_t>(data_);
+  return hifx::ToInt32(ToDouble());
+}
 
 std::string Value::ToText() const {
   switch (Kind()) {

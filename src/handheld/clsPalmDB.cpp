@@ -239,8 +239,9 @@ std::string clsPalmDB::GetString(int16_t& ordinal) const {
   // moves the caller's ordinal down to 1, or as far as the NULs go.
   const std::vector<uint32_t>& nuls = TextNuls();
   size_t begin = static_cast<size_t>(fixedLength_);
+  size_t wanted = 0;  // the NULs ahead of the text
   if (ordinal >= 2) {
-    const size_t wanted = static_cast<size_t>(ordinal - 1);
+    wanted = static_cast<size_t>(ordinal - 1);
     if (nuls.size() < wanted) {
       ordinal = static_cast<int16_t>(static_cast<size_t>(ordinal) - nuls.size());
       return {};
@@ -249,8 +250,8 @@ std::string clsPalmDB::GetString(int16_t& ordinal) const {
     ordinal = 1;
   }
   if (begin >= buffer_.size()) return {};
-  const void* nul = std::memchr(buffer_.data() + begin, 0, buffer_.size() - begin);
-  const size_t end = nul == nullptr ? buffer_.size() : static_cast<size_t>(static_cast<const char*>(nul) - buffer_.data());
+  // The text ends at the next NUL, or with the record when there is none.
+  const size_t end = wanted < nuls.size() ? nuls[wanted] : buffer_.size();
   return buffer_.substr(begin, end - begin);
 }
 

@@ -1,6 +1,8 @@
 #include "hif/HifView.h"
 
 #include <array>
+#include <charconv>
+#include <cstring>
 #include <cstdio>
 
 #include "base/Failure.h"
@@ -33,6 +35,27 @@ bool IsHandBuilt(int32_t recType) {
          recType == kRecAlerts;
 }
 
+// Where the first byte from `at` on that JSON can't show as it is lies: a
+// control byte, one above 0x7E, a quote or a backslash. Eight bytes are
+// looked at in one go.
+size_t NextToEscape(const std::string& text, size_t at) {
+  constexpr uint64_t kOnes = 0x0101010101010101ull;
+  constexpr uint64_t kHighs = 0x8080808080808080ull;
+  const auto hasZeroByte = [](uint64_t x) { return (x - kOnes) & ~x & kHighs; };
+  for (; at + 8 <= text.size(); at += 8) {
+    uint64_t x = 0;
+    std::memcpy(&x, text.data() + at, 8);
+    const uint64_t found = (x & kHighs) | ((x - kOnes * 0x20) & ~x & kHighs) | hasZeroByte(x ^ (kOnes * 0x7F)) |
+                           hasZeroByte(x ^ (kOnes * '"')) | hasZeroByte(x ^ (kOnes * '\\'));
+    if (found != 0) break;
+  }
+  for (; at < text.size(); ++at) {
+    const auto c = static_cast<unsigned char>(text[at]);
+    if (c < 0x20 || c >= 0x7F || c == '"' || c == '\\') break;
+  }
+  return at;
+}
+
 }  // namespace
 
 void AppendJsonText(std::string& out, const std::string& text) {
@@ -40,9 +63,8 @@ void AppendJsonText(std::string& out, const std::string& text) {
   // Plain stretches are copied whole; only the bytes between them are
   // escaped one by one.
   size_t plain = 0;
-  for (size_t at = 0; at < text.size(); ++at) {
+  for (size_t at = NextToEscape(text, 0); at < text.size(); at = NextToEscape(text, at + 1)) {
     const auto c = static_cast<unsigned char>(text[at]);
-    if (c >= 0x20 && c < 0x7F && c != '"' && c != '\\') continue;
     out.append(text, plain, at - plain);
     plain = at + 1;
     if (c == '"' || c == '\\') {
@@ -165,6 +187,10 @@ void AppendRecordJson(std::string& out, clsHIF& hif) {
       out += "null";  // past the end of a short record
     } else if (value.IsText()) {
       AppendJsonText(out, value.Text());
+    } else if (value.Kind() == ValueKind::Integer || value.Kind() == ValueKind::Long) {
+      char digits[16];
+      const auto end = std::to_chars(digits, digits + sizeof digits, value.ToInt32()).ptr;
+      out.append(digits, end);
     } else {
       out += value.ToText();
     }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "hif/HifView.h"
 #include "hif/clsHIF.h"
 #include "support/HifImage.h"
 #include "support/SampleHif.h"
@@ -116,6 +117,24 @@ TEST(HifFile, PalmPdbPerlModuleAgrees) {
                               "/hif/palm_pdb_check.pl '" + path.string() + "' '" +
                               expected.string() + "'";
   EXPECT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+// A text in JSON: plain bytes as they are, a quote and a backslash behind a
+// backslash, every other byte as the Latin-1 character of its code,
+// wherever in a long text it falls.
+TEST(HifDump, TextsAreEscapedWhereverTheBytesFall) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "\"\""},
+      {"12 MAIN STREET, APT 4~", "\"12 MAIN STREET, APT 4~\""},
+      {"SAID \"HI\" C:\\X", "\"SAID \\\"HI\\\" C:\\\\X\""},
+      {std::string("TAB\tAT 3, DEL\x7F AND \xE9 AT 20\x1F"), "\"TAB\\u0009AT 3, DEL\\u007f AND \\u00e9 AT 20\\u001f\""},
+      {std::string("ABCDEFGH\0", 9), "\"ABCDEFGH\\u0000\""},
+  };
+  for (const auto& [text, json] : cases) {
+    std::string out = "<";
+    AppendJsonText(out, text);
+    EXPECT_EQ(out, "<" + json) << text;
+  }
 }
 
 }  // namespace
