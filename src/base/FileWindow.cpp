@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include "base/BinaryFile.h"
 #include "base/Failure.h"
@@ -70,8 +71,8 @@ void FileWindow::Close() {
     handle_ = -1;
   }
   size_ = 0;
-  window_.clear();
-  window_.shrink_to_fit();
+  window_.reset();
+  windowSize_ = 0;
   windowAt_ = 0;
 }
 
@@ -93,25 +94,27 @@ size_t FileWindow::ReadAt(uint64_t offset, char* bytes, size_t size) {
 }
 
 void FileWindow::Fill(uint64_t offset) {
+  if (!window_) window_ = std::make_unique_for_overwrite<char[]>(kWindowBytes);
   const uint64_t left = offset < size_ ? size_ - offset : 0;
-  window_.resize(static_cast<size_t>(std::min<uint64_t>(kWindowBytes, left)));
-  window_.resize(ReadAt(offset, window_.data(), window_.size()));
+  windowSize_ = ReadAt(offset, window_.get(), static_cast<size_t>(std::min<uint64_t>(kWindowBytes, left)));
   windowAt_ = offset;
 }
 
-void FileWindow::Read(uint64_t offset, size_t size, std::string& out) {
-  out.clear();
-  if (handle_ < 0 || offset >= size_) return;
+size_t FileWindow::Read(uint64_t offset, char* out, size_t size) {
+  if (handle_ < 0 || offset >= size_) return 0;
   size = static_cast<size_t>(std::min<uint64_t>(size, size_ - offset));
-  if (size > kWindowBytes) {
-    // A stretch larger than the window is read straight into place.
-    out.resize(size);
-    out.resize(ReadAt(offset, out.data(), size));
-    return;
-  }
-  if (offset < windowAt_ || offset + size > windowAt_ + window_.size()) Fill(offset);
+  // A stretch larger than the window is read straight into place.
+  if (size > kWindowBytes) return ReadAt(offset, out, size);
+  if (offset < windowAt_ || offset + size > windowAt_ + windowSize_) Fill(offset);
   const size_t from = static_cast<size_t>(offset - windowAt_);
-  out.assign(window_, from, std::min(size, window_.size() - from));
+  const size_t count = from < windowSize_ ? std::min(size, windowSize_ - from) : 0;
+  std::memcpy(out, window_.get() + from, count);
+  return count;
+}
+
+void FileWindow::Read(uint64_t offset, size_t size, std::string& out) {
+  out.resize(offset < size_ ? static_cast<size_t>(std::min<uint64_t>(size, size_ - offset)) : 0);
+  out.resize(Read(offset, out.data(), out.size()));
 }
 
 }  // namespace hifx

@@ -7,13 +7,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 namespace hifx {
 
 class FileWindow {
  public:
-  static constexpr size_t kWindowBytes = 256 * 1024;
+  // Small enough to come from the heap's reused memory, not a fresh mapping
+  // each time a file is opened.
+  static constexpr size_t kWindowBytes = 64 * 1024;
 
   FileWindow() = default;
   FileWindow(const FileWindow&) = delete;
@@ -31,6 +34,8 @@ class FileWindow {
   // The size bytes at offset. Those past the file's end, or past what can be
   // read of it, are left out: the answer is shorter.
   void Read(uint64_t offset, size_t size, std::string& out);
+  // The same into place; the count of bytes read.
+  size_t Read(uint64_t offset, char* out, size_t size);
   void Close();
 
  private:
@@ -42,7 +47,8 @@ class FileWindow {
   int handle_ = -1;
   std::filesystem::path path_;
   uint64_t size_ = 0;
-  std::string window_;
+  std::unique_ptr<char[]> window_;  // kWindowBytes, once a read needs it
+  size_t windowSize_ = 0;           // the bytes of it that hold the file
   uint64_t windowAt_ = 0;
 };
 

@@ -185,19 +185,25 @@ std::string clsExchange::AssembleFixed(const MappedRecord& values) {
       if (value.size() > width) {
         // Texts, dates and times keep their left end, numbers their right.
         const bool text = field.DataType == kTypeText || field.DataType == kTypeDate || field.DataType == kTypeTime;
-        value = text ? value.substr(0, width) : value.substr(value.size() - width);
+        if (text) {
+          value.resize(width);
+        } else {
+          value.erase(0, value.size() - width);
+        }
       } else if (value.size() < width) {
         const char pad = field.MapPad == 2 ? ' ' : '0';
-        const std::string padding(width - value.size(), pad);
-        value = field.MapAlign == 2 ? padding + value : value + padding;
+        if (field.MapAlign == 2) {
+          value.insert(0, width - value.size(), pad);
+        } else {
+          value.append(width - value.size(), pad);
+        }
       }
       // A line exactly DataPosition long is appended to, so the field lands
       // one column late; that is how the files have always come out.
       if (line.size() <= position) {
         line += value;
       } else {
-        const size_t after = position - 1 + width;
-        line = line.substr(0, position - 1) + value + (after < line.size() ? line.substr(after) : "");
+        line.replace(position - 1, std::min(width, line.size() - (position - 1)), value);
       }
     }
   } catch (const Failure& failure) {
@@ -287,7 +293,7 @@ bool clsExchange::KeepOutput() {
 }
 
 void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
-  const int32_t route = NumberOf(hif.Item("RouteNbr"));
+  const int32_t route = NumberOf(hif.Item(MeterField::RouteNbr));
   if (recType == kRecFileHeader) {
     if (route < 0 || route > kMostRoutes) {
       throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(ReadingSource)) + " counts " + std::to_string(route) +
@@ -297,7 +303,7 @@ void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
     return;
   }
   if (route < 1 || static_cast<size_t>(route) >= RouteInitials.size()) throw Failure(fail::kSubscript);
-  RouteInitials[static_cast<size_t>(route)] = TextOf(hif.Item("Initials"));
+  RouteInitials[static_cast<size_t>(route)] = TextOf(hif.Item(MeterField::Initials));
 }
 
 namespace {
@@ -354,14 +360,14 @@ bool clsExchange::ConvertReadingFlat(int16_t version) {
     if (decimals > 0) {
       // Stored readings carry their decimals; the billing file doesn't.
       const double scale = PowerOfTen(decimals);
-      hif.SetItem("CurReading", Value::Double(std::trunc(NumberOf(item(readingAt)) / scale)));
+      hif.SetItem(MeterField::CurReading, Value::Double(std::trunc(NumberOf(item(readingAt)) / scale)));
     }
     if (digits > 0) {
       // Cut to the dial's width, from the eight-digit form.
       std::string eight = std::to_string(NumberOf(item(readingAt)));
       if (eight.size() < 8) eight.insert(0, 8 - eight.size(), '0');
       if (static_cast<size_t>(digits) < eight.size()) eight = eight.substr(eight.size() - static_cast<size_t>(digits));
-      hif.SetItem("CurReading", Value::Double(NumericPrefix(eight)));
+      hif.SetItem(MeterField::CurReading, Value::Double(NumericPrefix(eight)));
     }
     if (decimals > 0 || digits > 0) values.At(readingAt) = item(readingAt);
     // A file of version 0 has no ReadType to show as a letter.
@@ -396,7 +402,7 @@ bool clsExchange::ConvertOrphanFlat(int16_t version) {
   values.Plan(*ActiveMap, hif.DB());
   while (hif.ReadData()) {
     env_.shell.SetProgressButton(255, hif.Position255());
-    const int32_t recType = NumberOf(hif.Item("RecType"));
+    const int32_t recType = NumberOf(hif.Item(MeterField::RecType));
     if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       KeepRouteRecord(hif, recType);
       continue;

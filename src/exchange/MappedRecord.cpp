@@ -12,7 +12,7 @@ void MappedRecord::Plan(const clsExchMap& map, const clsPalmDB& db) {
 void MappedRecord::Read(clsPalmDB& db) {
   values_.resize(static_cast<size_t>(db.FieldCount()) + 1);
   for (int16_t i = 1; i <= db.FieldCount(); ++i) {
-    values_[static_cast<size_t>(i)] = db.Item(int32_t{i});
+    db.ReadItem(i, values_[static_cast<size_t>(i)]);
     // A name met twice fails as the keyed collection of a record would.
     if (!db.Field(i).firstOfName) throw Failure(fail::kDuplicateKey);
   }

@@ -20,10 +20,10 @@ uint64_t LengthOf(const std::string& path) {
 
 // A meter to visit again: unread, or read outside its window.
 bool IsException(clsHIF& hif) {
-  const int32_t status = NumberOf(hif.Item("Status"));
-  const int32_t low = NumberOf(hif.Item("MinReading"));
-  const int32_t high = NumberOf(hif.Item("MaxReading"));
-  const int32_t reading = NumberOf(hif.Item("CurReading"));
+  const int32_t status = NumberOf(hif.Item(MeterField::Status));
+  const int32_t low = NumberOf(hif.Item(MeterField::MinReading));
+  const int32_t high = NumberOf(hif.Item(MeterField::MaxReading));
+  const int32_t reading = NumberOf(hif.Item(MeterField::CurReading));
   return status == 0 || (low < high && (reading < low || reading > high)) ||
          (low > high && reading < low && reading > high);
 }
@@ -179,14 +179,14 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
   std::vector<int32_t> counts{0};  // exceptions of each route, from 1
   source.Rewind();
   while (source.ReadData()) {
-    const int32_t recType = NumberOf(source.Item("RecType"));
-    if (recType == kRecFileHeader && NumberOf(source.Item("MeterType")) > 0) {
-      version = ToInt16(NumberOf(source.Item("MeterType")));
+    const int32_t recType = NumberOf(source.Item(MeterField::RecType));
+    if (recType == kRecFileHeader && NumberOf(source.Item(MeterField::MeterType)) > 0) {
+      version = ToInt16(NumberOf(source.Item(MeterField::MeterType)));
     } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       if (counts.size() > 32767) throw Failure(fail::kOverflow);
       counts.push_back(0);
     } else if (recType == kRecMeter) {
-      const int32_t route = NumberOf(source.Item("RouteNbr"));
+      const int32_t route = NumberOf(source.Item(MeterField::RouteNbr));
       if (route < 1 || static_cast<size_t>(route) >= counts.size()) throw Failure(fail::kSubscript);
       if (IsException(source)) ++counts[static_cast<size_t>(route)];
     }
@@ -213,37 +213,37 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
   source.Rewind();
   size_t routeRecord = 0;
   while (source.ReadData()) {
-    const int32_t recType = NumberOf(source.Item("RecType"));
+    const int32_t recType = NumberOf(source.Item(MeterField::RecType));
     auto copy = [&] {
       target.AddNew();
       target.SetRawData(source.RawData());
     };
     if (recType == kRecFileHeader) {
       copy();
-      target.SetItem("RouteNbr", Value::Long(routes));
-      target.SetItem("Sequence", Value::Long(DateNumber(now)));
-      target.SetItem("MeterTagNbr", Value::Long(TimeNumber(now)));
-      target.SetItem("MeterType", Value::Long(fileVersion));
-      target.SetItem("PrvReading", Value::Long(meters));
-      target.SetItem("ReadingDate", Value::Long(DateNumber(now)));
+      target.SetItem(MeterField::RouteNbr, Value::Long(routes));
+      target.SetItem(MeterField::Sequence, Value::Long(DateNumber(now)));
+      target.SetItem(MeterField::MeterTagNbr, Value::Long(TimeNumber(now)));
+      target.SetItem(MeterField::MeterType, Value::Long(fileVersion));
+      target.SetItem(MeterField::PrvReading, Value::Long(meters));
+      target.SetItem(MeterField::ReadingDate, Value::Long(DateNumber(now)));
       target.WriteData();
     } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       ++routeRecord;
       if (routeRecord < counts.size() && counts[routeRecord] >= 1) {
         copy();
-        target.SetItem("RouteNbr", Value::Long(renumbered[routeRecord]));
+        target.SetItem(MeterField::RouteNbr, Value::Long(renumbered[routeRecord]));
         target.WriteData();
       }
     } else if (recType == kRecMeter) {
-      const auto route = static_cast<size_t>(NumberOf(source.Item("RouteNbr")));
+      const auto route = static_cast<size_t>(NumberOf(source.Item(MeterField::RouteNbr)));
       if (route < counts.size() && counts[route] >= 1 && IsException(source)) {
         // Back in the state of a meter not yet read.
         copy();
-        target.SetItem("RouteNbr", Value::Long(renumbered[route]));
-        target.SetItem("Status", Value::Long(0));
-        target.SetItem("ReadingDate", Value::Long(0));
-        target.SetItem("ReadingTime", Value::Long(0));
-        target.SetItem("CurReading", Value::Long(0));
+        target.SetItem(MeterField::RouteNbr, Value::Long(renumbered[route]));
+        target.SetItem(MeterField::Status, Value::Long(0));
+        target.SetItem(MeterField::ReadingDate, Value::Long(0));
+        target.SetItem(MeterField::ReadingTime, Value::Long(0));
+        target.SetItem(MeterField::CurReading, Value::Long(0));
         target.WriteData();
       }
     }

@@ -234,7 +234,9 @@ std::vector<uint32_t>& clsPalmDB::TextNuls() const {
   return nuls_;
 }
 
-std::string clsPalmDB::GetString(int16_t& ordinal) const {
+std::string clsPalmDB::GetString(int16_t& ordinal) const { return std::string(TextAt(ordinal)); }
+
+std::string_view clsPalmDB::TextAt(int16_t& ordinal) const {
   // Text k starts behind the (k-1)th NUL after the fixed part. Walking to it
   // moves the caller's ordinal down to 1, or as far as the NULs go.
   const std::vector<uint32_t>& nuls = TextNuls();
@@ -252,11 +254,20 @@ std::string clsPalmDB::GetString(int16_t& ordinal) const {
   if (begin >= buffer_.size()) return {};
   // The text ends at the next NUL, or with the record when there is none.
   const size_t end = wanted < nuls.size() ? nuls[wanted] : buffer_.size();
-  return buffer_.substr(begin, end - begin);
+  return std::string_view(buffer_).substr(begin, end - begin);
 }
 
 Value clsPalmDB::ReadField(int16_t index) {
-  if (index == 0) return Value::Null();
+  Value value;
+  ReadField(index, value);
+  return value;
+}
+
+void clsPalmDB::ReadField(int16_t index, Value& value) {
+  if (index == 0) {
+    value = Value::Null();
+    return;
+  }
   const SchemaField& field = schema_[static_cast<size_t>(index)];
   // A number past the record's end is said as the read's failure would say
   // it, without raising one: a damaged file of many short records costs a
@@ -265,22 +276,24 @@ Value clsPalmDB::ReadField(int16_t index) {
   if (width > 0 && (field.position < 0 || static_cast<size_t>(field.position) + width > buffer_.size())) {
     static const std::string kPastTheEnd = StandardDescription(fail::kSubscript);
     shell_.MsgBox(kPastTheEnd);
-    return Value();
+    value = Value();
+    return;
   }
   try {
     switch (field.type) {
       case kFieldText: {
         int16_t ordinal = field.position;
-        return Value(GetString(ordinal));
+        value.SetText(TextAt(ordinal));  // in the room the value had
+        return;
       }
-      case kFieldInt8: return Value::Integer(static_cast<int16_t>(GetInt8(field.position)));
-      case kFieldInt16: return Value::Long(GetInt16(field.position));
-      case kFieldInt32: return Value::Long(GetInt32(field.position));
-      default: return Value();
+      case kFieldInt8: value = Value::Integer(static_cast<int16_t>(GetInt8(field.position))); return;
+      case kFieldInt16: value = Value::Long(GetInt16(field.position)); return;
+      case kFieldInt32: value = Value::Long(GetInt32(field.position)); return;
+      default: value = Value(); return;
     }
   } catch (const Failure& failure) {
     shell_.MsgBox(failure.Description());
-    return Value();
+    value = Value();
   }
 }
 
@@ -297,6 +310,8 @@ void clsPalmDB::WriteField(int16_t index, const Value& value) {
 
 Value clsPalmDB::Item(std::string_view name) { return ReadField(FindItem(name)); }
 Value clsPalmDB::Item(int32_t index) { return ReadField(FindItem(index)); }
+
+void clsPalmDB::ReadItem(int32_t index, Value& value) { ReadField(FindItem(index), value); }
 
 void clsPalmDB::SetItem(std::string_view name, const Value& value) {
   const int16_t index = FindItem(name);

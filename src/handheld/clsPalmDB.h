@@ -69,6 +69,8 @@ class clsPalmDB {
   // the empty value; an unknown field reads as null.
   Value Item(std::string_view name);
   Value Item(int32_t index);
+  // The same into a value kept from record to record: a text reuses its room.
+  void ReadItem(int32_t index, Value& value);
   // An unknown field is reported and nothing changes.
   void SetItem(std::string_view name, const Value& value);
   void SetItem(int32_t index, const Value& value);
@@ -116,6 +118,9 @@ class clsPalmDB {
  private:
   IPalmFile& Container();
   Value ReadField(int16_t index);
+  void ReadField(int16_t index, Value& value);
+  // Text `ordinal` of the buffer, as GetString reads it.
+  std::string_view TextAt(int16_t& ordinal) const;
   void WriteField(int16_t index, const Value& value);
 
   IShell& shell_;

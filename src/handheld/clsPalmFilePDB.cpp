@@ -27,9 +27,8 @@ void CopyPadded(const std::string& contents, uint64_t offset, uint8_t* out, size
 
 // The same from a file being read.
 void CopyPadded(FileWindow& file, uint64_t offset, uint8_t* out, size_t size) {
-  std::string bytes;
-  file.Read(offset, size, bytes);
-  CopyPadded(bytes, 0, out, size);
+  const size_t read = file.Read(offset, reinterpret_cast<char*>(out), size);
+  std::memset(out + read, 0, size - read);
 }
 
 }  // namespace
