@@ -106,6 +106,10 @@ struct QtSurface::Impl {
       font.setItalic(f.italic);
       font.setUnderline(f.underline);
       font.setKerning(false);
+      // Letters stand one after the other at their own advances: there is
+      // nothing for the text shaper to do, and it is the dearest part of
+      // drawing a text.
+      font.setStyleStrategy(QFont::PreferNoShaping);
       // The font's own advances, not those fitted to the pixel grid: a page
       // on screen is laid out and lettered as it is on paper.
       font.setHintingPreference(QFont::PreferNoHinting);
