@@ -26,13 +26,13 @@ std::string From(const std::string& text, size_t from) { return from < text.size
 // visited; one of ReadType 2 with a reading of 0 counts as unread, one of
 // ReadType 1 with 0 is written.
 bool Passes(clsHIF& hif) {
-  const int32_t readType = NumberOf(hif.Item("ReadType"));
-  return readType != 4 && NumberOf(hif.Item("ReadingDate")) != 0 &&
-         !(readType == 2 && NumberOf(hif.Item("CurReading")) == 0);
+  const int32_t readType = NumberOf(hif.Item(MeterField::ReadType));
+  return readType != 4 && NumberOf(hif.Item(MeterField::ReadingDate)) != 0 &&
+         !(readType == 2 && NumberOf(hif.Item(MeterField::CurReading)) == 0);
 }
 
 size_t RouteOf(clsHIF& hif, size_t routes) {
-  const int32_t route = NumberOf(hif.Item("RouteNbr"));
+  const int32_t route = NumberOf(hif.Item(MeterField::RouteNbr));
   if (route < 0 || static_cast<size_t>(route) >= routes) throw Failure(fail::kSubscript);
   return static_cast<size_t>(route);
 }
@@ -55,17 +55,17 @@ struct E5KUploadRun {
 void SummariseRecord(E5KUploadRun& run, clsHIF& hif, int32_t recType, size_t routes) {
   if (recType == kRecFileHeader) {
     run.summaries.assign(routes, E5KRouteSummary());
-    run.processor = TextOf(hif.Item("Initials")).substr(0, 3);
-    const std::string response = TextOf(hif.Item("ResponseText"));
+    run.processor = TextOf(hif.Item(MeterField::Initials)).substr(0, 3);
+    const std::string response = TextOf(hif.Item(MeterField::ResponseText));
     run.employer = response.substr(response.size() - std::min<size_t>(response.size(), 3));
   } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
     // The route conversion left the download's account count here.
-    run.summaries[RouteOf(hif, run.summaries.size())].accounts = NumberOf(hif.Item("User1"));
+    run.summaries[RouteOf(hif, run.summaries.size())].accounts = NumberOf(hif.Item(MeterField::User1));
   } else if (recType == kRecMeter && Passes(hif)) {
     E5KRouteSummary& summary = run.summaries[RouteOf(hif, run.summaries.size())];
     ++summary.meters;
-    if (summary.readDate.empty()) summary.readDate = From(TextOf(hif.Item("ReadingDate")), 2);
-    const int32_t sequence = NumberOf(hif.Item("Sequence"));
+    if (summary.readDate.empty()) summary.readDate = From(TextOf(hif.Item(MeterField::ReadingDate)), 2);
+    const int32_t sequence = NumberOf(hif.Item(MeterField::Sequence));
     if (summary.firstSequence == 0) summary.firstSequence = sequence;
     summary.lastSequence = sequence;
   }
@@ -104,7 +104,7 @@ void WriteAccountLines(E5KUploadRun& run, clsHIF& hif, const std::string& routeT
   c.SetValue("AccountNumber", Value(account));
   c.SetValue("ReadingStatus", Value("2"));
   c.SetValue("ResequenceFlag", Value("0"));
-  c.SetValue("ReadDate", Value(From(TextOf(hif.Item("ReadingDate")), 4)));
+  c.SetValue("ReadDate", Value(From(TextOf(hif.Item(MeterField::ReadingDate)), 4)));
   run.upload.WriteRecord(c);
   if (!user1.empty()) {
     clsRecType& s = *run.upload.SetupRecord("S");
@@ -117,8 +117,8 @@ void WriteAccountLines(E5KUploadRun& run, clsHIF& hif, const std::string& routeT
 // The "D" and "E" lines of a meter.
 void WriteMeterLines(E5KUploadRun& run, clsHIF& hif, const std::string& user1) {
   clsRecType& d = *run.upload.SetupRecord("D");
-  d.SetValue("RelativeMeterNumber", hif.Item("User2"));
-  d.SetValue("MeterNumber", hif.Item("MeterSerialNbr"));
+  d.SetValue("RelativeMeterNumber", hif.Item(MeterField::User2));
+  d.SetValue("MeterNumber", hif.Item(MeterField::MeterSerialNbr));
   d.SetValue("SpecialInstructionsCode2", Value(""));
   d.SetValue("MeterConditionCode1", Value(""));
   d.SetValue("MeterConditionCode2", Value(""));
@@ -127,9 +127,9 @@ void WriteMeterLines(E5KUploadRun& run, clsHIF& hif, const std::string& user1) {
   run.upload.WriteRecord(d);
   clsRecType& e = *run.upload.SetupRecord("E");
   e.SetValue("NumberofDials", Value::Long(0));
-  e.SetValue("CurrentReading", hif.Item("CurReading"));
+  e.SetValue("CurrentReading", hif.Item(MeterField::CurReading));
   e.SetValue("Decimals", Value::Long(0));
-  e.SetValue("ReadTime", hif.Item("ReadingTime"));
+  e.SetValue("ReadTime", hif.Item(MeterField::ReadingTime));
   e.SetValue("ReadChangeFlags", Value(""));
   e.SetValue("DisplayCode", Value(""));
   e.SetValue("ReadCount", Value::Long(1));
@@ -151,8 +151,8 @@ void WriteMeter(E5KUploadRun& run, clsHIF& hif, const std::vector<std::string>& 
   }
   // Accounts are told apart by the exact text; a route's first meter with
   // no account text therefore opens none.
-  const std::string account = TextOf(hif.Item("ServiceUniqueID"));
-  const std::string user1 = TextOf(hif.Item("User1"));
+  const std::string account = TextOf(hif.Item(MeterField::ServiceUniqueID));
+  const std::string user1 = TextOf(hif.Item(MeterField::User1));
   if (account != run.lastAccount) {
     WriteAccountLines(run, hif, routeInitials[route], account, user1);
     run.lastAccount = account;
@@ -177,7 +177,7 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   // file order.
   while (hif.ReadData()) {
     env_.shell.SetProgressButton(255, hif.Position255());
-    const int32_t recType = NumberOf(hif.Item("RecType"));
+    const int32_t recType = NumberOf(hif.Item(MeterField::RecType));
     if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       KeepRouteRecord(hif, recType);
     }
@@ -187,7 +187,7 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   // Second pass: the lines of the meters that pass.
   hif.Rewind();
   while (hif.ReadData()) {
-    if (NumberOf(hif.Item("RecType")) == kRecMeter && Passes(hif)) WriteMeter(run, hif, RouteInitials);
+    if (NumberOf(hif.Item(MeterField::RecType)) == kRecMeter && Passes(hif)) WriteMeter(run, hif, RouteInitials);
   }
   // The file always ends with a "Z" line: with no meter to upload it is the
   // only line, and names no route.

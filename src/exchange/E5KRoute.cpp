@@ -206,29 +206,29 @@ void clsExchange::WriteE5KMeter(E5KRouteRun& run) {
   const std::string& serial = meter.MeterSerialNumber;
   // Set in the order of the record's fields.
   hif.AddNew();
-  hif.SetItem("RecType", Value::Long(kRecMeter));
-  hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(run.route)));
-  hif.SetItem("Sequence", account.MeterSequenceNumber);
-  hif.SetItem("MeterTagNbr", Value::Double(NumericPrefix(serial)));
-  if (const int32_t type = HifMeterType(meter.MeterType); type != 0) hif.SetItem("MeterType", Value::Long(type));
-  hif.SetItem("Digits", meter.NumberofDials);
-  hif.SetItem("Decimals", meter.NoDecimals);
-  hif.SetItem("PrvReading", meter.PriorRead);
-  hif.SetItem("MaxReading", meter.MaximumRead);
-  hif.SetItem("MinReading", meter.MinimumRead);
-  hif.SetItem("Status", Value::Long(0));
-  hif.SetItem("ReadType", Value::Long(IsAllDigits(serial) ? 1 : 2));
+  hif.SetItem(MeterField::RecType, Value::Long(kRecMeter));
+  hif.SetItem(MeterField::RouteNbr, Value::Long(static_cast<int32_t>(run.route)));
+  hif.SetItem(MeterField::Sequence, account.MeterSequenceNumber);
+  hif.SetItem(MeterField::MeterTagNbr, Value::Double(NumericPrefix(serial)));
+  if (const int32_t type = HifMeterType(meter.MeterType); type != 0) hif.SetItem(MeterField::MeterType, Value::Long(type));
+  hif.SetItem(MeterField::Digits, meter.NumberofDials);
+  hif.SetItem(MeterField::Decimals, meter.NoDecimals);
+  hif.SetItem(MeterField::PrvReading, meter.PriorRead);
+  hif.SetItem(MeterField::MaxReading, meter.MaximumRead);
+  hif.SetItem(MeterField::MinReading, meter.MinimumRead);
+  hif.SetItem(MeterField::Status, Value::Long(0));
+  hif.SetItem(MeterField::ReadType, Value::Long(IsAllDigits(serial) ? 1 : 2));
   const std::string billing = JoinTrimmed({&account.SpecialInstruction, &meter.SpecialInstructions,
                                            &meter.MeterLocationDesc1, &meter.MeterLocationDesc2});
-  hif.SetItem("Message", Value(Advanced().LookupMessage(billing, routeText, account.AccountNumber, serial, "")));
-  hif.SetItem("ServiceAddress",
+  hif.SetItem(MeterField::Message, Value(Advanced().LookupMessage(billing, routeText, account.AccountNumber, serial, "")));
+  hif.SetItem(MeterField::ServiceAddress,
               Value(JoinTrimmed({&account.Address, &account.CustomerAddressLotandPlan, &meter.Location})));
-  hif.SetItem("BillingName", Value(account.CustomerName));
-  hif.SetItem("ServiceUniqueID", Value(account.AccountNumber));
-  hif.SetItem("MeterSerialNbr", Value(serial));
-  hif.SetItem("ReceiverData", Value(""));
-  hif.SetItem("User1", Value(account.PropertyVGKey));
-  hif.SetItem("User5", Value(""));
+  hif.SetItem(MeterField::BillingName, Value(account.CustomerName));
+  hif.SetItem(MeterField::ServiceUniqueID, Value(account.AccountNumber));
+  hif.SetItem(MeterField::MeterSerialNbr, Value(serial));
+  hif.SetItem(MeterField::ReceiverData, Value(""));
+  hif.SetItem(MeterField::User1, Value(account.PropertyVGKey));
+  hif.SetItem(MeterField::User5, Value(""));
   // A repeated serial spoils the file, but the meter is written all the
   // same. The line goes as text behind a blank.
   if (CheckDuplicateTag(serial, routeText, " " + std::to_string(run.download.LineNo()))) HadProblems = true;

@@ -163,7 +163,7 @@ void OpenReadingFile(MVRSReadingRun& run) {
 // Pass 1, the file header: a route table of as many empty entries as it
 // counts routes.
 void SizeRouteTable(MVRSReadingRun& run, clsHIF& hif) {
-  const int32_t routes = NumberOf(hif.Item("RouteNbr"));
+  const int32_t routes = NumberOf(hif.Item(MeterField::RouteNbr));
   if (routes > 32767) {
     throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(run.exchange.ReadingSource)) + " counts " +
                                           std::to_string(routes) + " routes, more than a handheld file holds");
@@ -174,10 +174,10 @@ void SizeRouteTable(MVRSReadingRun& run, clsHIF& hif) {
 // Pass 1, a route record: its entry takes the route's values.
 void TakeRouteRecord(MVRSReadingRun& run, clsHIF& hif) {
   run.routeTotal = Add16(run.routeTotal, 1);
-  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
-  route.MeterCount = ToInt16(NumberOf(hif.Item("PrvReading")));
-  route.RouteNumber = TextOf(hif.Item("Initials"));
-  const std::vector<std::string> user = Elements(hif.Item("User1"), 5);
+  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item(MeterField::RouteNbr)));
+  route.MeterCount = ToInt16(NumberOf(hif.Item(MeterField::PrvReading)));
+  route.RouteNumber = TextOf(hif.Item(MeterField::Initials));
+  const std::vector<std::string> user = Elements(hif.Item(MeterField::User1), 5);
   route.Region = user[0];
   route.Zone = user[1];
   route.Office = user[2];
@@ -192,14 +192,14 @@ void CountMeter(MVRSReadingRun& run, clsHIF& hif) {
   run.meterTotal = Add16(run.meterTotal, 1);
   run.readTotal = Add16(run.readTotal, 1);
   run.customerTotal = Add16(run.customerTotal, 1);
-  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item("RouteNbr")));
+  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item(MeterField::RouteNbr)));
   route.Meters = Add16(route.Meters, 1);
-  const int32_t type = NumberOf(hif.Item("MeterType"));
+  const int32_t type = NumberOf(hif.Item(MeterField::MeterType));
   if (type == 1) route.Water = Add16(route.Water, 1);
   if (type == 2) route.Gas = Add16(route.Gas, 1);
   if (type == 3) route.Electric = Add16(route.Electric, 1);
-  const int32_t status = NumberOf(hif.Item("Status"));
-  const int32_t readType = NumberOf(hif.Item("ReadType"));
+  const int32_t status = NumberOf(hif.Item(MeterField::Status));
+  const int32_t readType = NumberOf(hif.Item(MeterField::ReadType));
   if (status == 0 || (status == 1 && readType == 0)) route.Missed = Add16(route.Missed, 1);
   if (status == 1 && readType == 1) route.Radio = Add16(route.Radio, 1);
   if (status == 1 && readType == 2) route.Keyed = Add16(route.Keyed, 1);
@@ -208,7 +208,7 @@ void CountMeter(MVRSReadingRun& run, clsHIF& hif) {
 }
 
 void CountRecord(MVRSReadingRun& run, clsHIF& hif) {
-  const int32_t recType = NumberOf(hif.Item("RecType"));
+  const int32_t recType = NumberOf(hif.Item(MeterField::RecType));
   if (recType == kRecFileHeader) {
     SizeRouteTable(run, hif);
   } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
@@ -284,7 +284,7 @@ void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
 // its own with "RHD".
 void ChangeRoute(MVRSReadingRun& run, clsHIF& hif) {
   int32_t routeNbr = run.current;
-  run.Step([&] { routeNbr = NumberOf(hif.Item("RouteNbr")); });
+  run.Step([&] { routeNbr = NumberOf(hif.Item(MeterField::RouteNbr)); });
   if (routeNbr == run.current) return;
   if (run.current != 0) run.Step([&] { WriteRouteLine(run, "RTR", run.current); });
   run.Step([&] { WriteRouteLine(run, "RHD", routeNbr); });
@@ -294,14 +294,14 @@ void ChangeRoute(MVRSReadingRun& run, clsHIF& hif) {
 // The working customer, from the meter record.
 void FillCustomer(MVRSReadCustomer& customer, clsHIF& hif) {
   customer = MVRSReadCustomer();
-  const std::string address = TextOf(hif.Item("ServiceAddress"));
+  const std::string address = TextOf(hif.Item(MeterField::ServiceAddress));
   customer.Address1 = Fixed20(address, 0);
   customer.Address2 = Fixed20(address, 20);
   customer.Address3 = Fixed20(address, 40);
-  const std::string name = TextOf(hif.Item("BillingName"));
+  const std::string name = TextOf(hif.Item(MeterField::BillingName));
   customer.Name = Fixed20(name, 0);
   customer.Name2 = Fixed20(name, 20);
-  const std::vector<std::string> user1 = Elements(hif.Item("User1"), 8);
+  const std::vector<std::string> user1 = Elements(hif.Item(MeterField::User1), 8);
   customer.Account = user1[1];  // over ServiceUniqueID
   customer.GroupCode = user1[2];
   customer.ExtraIndicator = user1[3];
@@ -313,7 +313,7 @@ void FillCustomer(MVRSReadCustomer& customer, clsHIF& hif) {
 // The working meter's codes that the route conversion packed in User2 to
 // User5.
 void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
-  const std::vector<std::string> user2 = Elements(hif.Item("User2"), 14);
+  const std::vector<std::string> user2 = Elements(hif.Item(MeterField::User2), 14);
   meter.GroupCode = user2[0];
   meter.SurveyCode1DisplayIndicator = user2[1];
   meter.SurveyCode2DisplayIndicator = user2[2];
@@ -328,7 +328,7 @@ void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
   // One short of where the route conversion put it: the survey text's
   // first letter lands here.
   meter.LocationExtraMeter = user2[11];
-  const std::vector<std::string> user3 = Elements(hif.Item("User3"), 9);
+  const std::vector<std::string> user3 = Elements(hif.Item(MeterField::User3), 9);
   meter.TextPrompt = user3[0];
   meter.ReadDirection = user3[1];
   meter.CompareCode = user3[2];
@@ -336,14 +336,14 @@ void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
   meter.MeterConstant = user3[5];
   meter.ConstantFlag = user3[6];
   meter.HHFPosition = user3[7];
-  const std::vector<std::string> user4 = Elements(hif.Item("User4"), 6);
+  const std::vector<std::string> user4 = Elements(hif.Item(MeterField::User4), 6);
   meter.GeographicArea = Val(user4[0]);
   meter.RFFrequency = user4[1];
   meter.RFTone = user4[2];
   meter.ERTType = user4[3];
   meter.DeviceID = user4[4];
   meter.WandProgram = user4[5];
-  meter.SpecialMessage = Elements(hif.Item("User5"), 9)[0];
+  meter.SpecialMessage = Elements(hif.Item(MeterField::User5), 9)[0];
 }
 
 // The working meter, from the plain fields, the reading the handheld added,
@@ -351,29 +351,29 @@ void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
 void FillMeter(MVRSReadRecord& record, clsHIF& hif) {
   MVRSReadMeter& meter = record.meter;
   meter = MVRSReadMeter();
-  meter.MeterNumber = TextOf(hif.Item("MeterSerialNbr"));
-  meter.ReadSequence = NumberOf(hif.Item("Sequence"));
-  meter.TagNumber = NumberOf(hif.Item("MeterTagNbr"));
+  meter.MeterNumber = TextOf(hif.Item(MeterField::MeterSerialNbr));
+  meter.ReadSequence = NumberOf(hif.Item(MeterField::Sequence));
+  meter.TagNumber = NumberOf(hif.Item(MeterField::MeterTagNbr));
   static const char* const kCategories[] = {"W", "G", "E", "S", "I"};
-  const int32_t type = NumberOf(hif.Item("MeterType"));
+  const int32_t type = NumberOf(hif.Item(MeterField::MeterType));
   if (type >= 1 && type <= 5) meter.MeterCategory = kCategories[type - 1];
-  meter.NumberDials = NumberOf(hif.Item("Digits"));
-  meter.NumberDecimals = NumberOf(hif.Item("Decimals"));
-  meter.CurReading = NumberOf(hif.Item("CurReading"));
-  meter.PreviousReading = NumberOf(hif.Item("PrvReading"));
-  record.status = NumberOf(hif.Item("Status"));
-  record.readType = NumberOf(hif.Item("ReadType"));
-  const std::string readingDate = TextOf(hif.Item("ReadingDate"));
+  meter.NumberDials = NumberOf(hif.Item(MeterField::Digits));
+  meter.NumberDecimals = NumberOf(hif.Item(MeterField::Decimals));
+  meter.CurReading = NumberOf(hif.Item(MeterField::CurReading));
+  meter.PreviousReading = NumberOf(hif.Item(MeterField::PrvReading));
+  record.status = NumberOf(hif.Item(MeterField::Status));
+  record.readType = NumberOf(hif.Item(MeterField::ReadType));
+  const std::string readingDate = TextOf(hif.Item(MeterField::ReadingDate));
   if (NumericPrefix(readingDate) != 0 && record.status != 0) {
     const std::string date = readingDate.substr(std::min<size_t>(4, readingDate.size()), 2) + "/" +
                              readingDate.substr(std::min<size_t>(6, readingDate.size()), 2) + "/" +
                              readingDate.substr(0, 4);
     if (!ReadDateText(date, meter.ReadDate)) throw Failure(fail::kTypeMismatch);
-    meter.ReadTimeNumber = NumberOf(hif.Item("ReadingTime"));
+    meter.ReadTimeNumber = NumberOf(hif.Item(MeterField::ReadingTime));
   }
-  record.responseCode = NumberOf(hif.Item("ResponseCode"));
-  meter.ResponseCodeText = TextOf(hif.Item("ResponseCode"));
-  meter.ResponseTextCopy = TextOf(hif.Item("ResponseText"));
+  record.responseCode = NumberOf(hif.Item(MeterField::ResponseCode));
+  meter.ResponseCodeText = TextOf(hif.Item(MeterField::ResponseCode));
+  meter.ResponseTextCopy = TextOf(hif.Item(MeterField::ResponseText));
   FillMeterCodes(meter, hif);
   const char* method = ReadMethodOf(record.readType);
   meter.NewReadMethod = record.status == 0 ? "N" : (method != nullptr ? method : "");
@@ -592,7 +592,7 @@ void WriteDeviceLines(MVRSReadingRun& run, const MVRSReadRecord& record) {
 // route calls for. Every other record is passed over.
 void WriteMeterRecord(MVRSReadingRun& run, clsHIF& hif) {
   int32_t recType = -1;
-  run.Step([&] { recType = NumberOf(hif.Item("RecType")); });
+  run.Step([&] { recType = NumberOf(hif.Item(MeterField::RecType)); });
   if (recType != kRecMeter) return;
   ChangeRoute(run, hif);
   MVRSReadRecord record;

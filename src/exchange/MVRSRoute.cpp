@@ -132,17 +132,17 @@ void WriteHeaderRecord(clsExchange& exchange, const MVRSRouteCounts& counts, con
   clsHIF& hif = *exchange.ActiveHIF;
   const CivilTime now = env.clock.Now();
   hif.AddNew();
-  hif.SetItem("RecType", Value::Long(kRecFileHeader));
-  hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(counts.table.size())));
-  hif.SetItem("Sequence", Value::Long(DateNumber(now)));
-  hif.SetItem("MeterTagNbr", Value::Long(TimeNumber(now)));
-  hif.SetItem("MeterType", Value::Long(LookupFileVersion(env.shell, kProgramMajor, kProgramMinor)));
-  hif.SetItem("PrvReading", Value::Long(counts.meterLines));
+  hif.SetItem(MeterField::RecType, Value::Long(kRecFileHeader));
+  hif.SetItem(MeterField::RouteNbr, Value::Long(static_cast<int32_t>(counts.table.size())));
+  hif.SetItem(MeterField::Sequence, Value::Long(DateNumber(now)));
+  hif.SetItem(MeterField::MeterTagNbr, Value::Long(TimeNumber(now)));
+  hif.SetItem(MeterField::MeterType, Value::Long(LookupFileVersion(env.shell, kProgramMajor, kProgramMinor)));
+  hif.SetItem(MeterField::PrvReading, Value::Long(counts.meterLines));
   // The pattern stands where the value should: the text comes back as it
   // went in. No reader looks at this field.
-  hif.SetItem("ReadingDate", Value("yyyymmdd"));
-  hif.SetItem("Initials", Value("HIF loaded from " + source));
-  hif.SetItem("User1", Value(clsExchange::CombineUser({Str(counts.customerTotal), Str(counts.meterTotal)})));
+  hif.SetItem(MeterField::ReadingDate, Value("yyyymmdd"));
+  hif.SetItem(MeterField::Initials, Value("HIF loaded from " + source));
+  hif.SetItem(MeterField::User1, Value(clsExchange::CombineUser({Str(counts.customerTotal), Str(counts.meterTotal)})));
   hif.WriteData();
 }
 
@@ -151,12 +151,12 @@ void WriteRouteRecords(clsHIF& hif, const std::vector<MVRSRouteEntry>& table) {
   for (size_t i = 0; i < table.size(); ++i) {
     const MVRSRouteEntry& entry = table[i];
     hif.AddNew();
-    hif.SetItem("RecType", Value::Long(kRecRouteHeader));
-    hif.SetItem("RouteNbr", Value::Long(static_cast<int32_t>(i + 1)));
-    hif.SetItem("PrvReading", Value::Long(entry.MeterCount));
-    hif.SetItem("Initials", Value(entry.RouteNumber));
-    hif.SetItem("ResponseText", Value(entry.RouteNumber));
-    hif.SetItem("User1", Value(clsExchange::CombineUser({entry.Region, entry.Zone, entry.Office,
+    hif.SetItem(MeterField::RecType, Value::Long(kRecRouteHeader));
+    hif.SetItem(MeterField::RouteNbr, Value::Long(static_cast<int32_t>(i + 1)));
+    hif.SetItem(MeterField::PrvReading, Value::Long(entry.MeterCount));
+    hif.SetItem(MeterField::Initials, Value(entry.RouteNumber));
+    hif.SetItem(MeterField::ResponseText, Value(entry.RouteNumber));
+    hif.SetItem(MeterField::User1, Value(clsExchange::CombineUser({entry.Region, entry.Zone, entry.Office,
                                                          TextOf(entry.CycleDate), Str(entry.NumberRemoteWandReads)})));
     hif.WriteData();
   }
@@ -180,23 +180,23 @@ struct MVRSFold {
 // What the handheld doesn't use but the reading file must give back, packed
 // in the five user fields.
 void SetUserFields(clsHIF& hif, const MVRSCustomer& customer, const MVRSMeter& meter) {
-  hif.SetItem("User1", Value(clsExchange::CombineUser({Str(customer.CustomerSlot), customer.Account,
+  hif.SetItem(MeterField::User1, Value(clsExchange::CombineUser({Str(customer.CustomerSlot), customer.Account,
                                                        customer.GroupCode, customer.ExtraIndicator,
                                                        customer.SegmentCode, customer.PassThru,
                                                        customer.CustomerInfo})));
-  hif.SetItem("User2", Value(clsExchange::CombineUser(
+  hif.SetItem(MeterField::User2, Value(clsExchange::CombineUser(
                            {meter.GroupCode, meter.SurveyCode1DisplayIndicator, meter.SurveyCode2DisplayIndicator,
                             meter.BillCode, meter.MeterStatus, meter.OpticalProbeID, Str(meter.MeterType),
                             meter.MeterLocation, Str(meter.ReadInstruction1), Str(meter.ReadInstruction2),
                             Str(meter.SpecialMessageDisplayIndicator), meter.SurveyText1, meter.LocationExtraMeter,
                             meter.AdditionalMeterInfo, meter.ReadSequenceText})));
-  hif.SetItem("User3", Value(clsExchange::CombineUser({meter.TextPrompt, meter.ReadDirection, Str(meter.CompareCode),
+  hif.SetItem(MeterField::User3, Value(clsExchange::CombineUser({meter.TextPrompt, meter.ReadDirection, Str(meter.CompareCode),
                                                        Str(meter.ValidationCode), meter.ReadMethod,
                                                        Str(meter.MeterConstant), Str(meter.ConstantFlag),
                                                        Str(meter.HHFPosition), Str(meter.NumberDecimals)})));
-  hif.SetItem("User4", Value(clsExchange::CombineUser({Str(meter.GeographicArea), meter.RFFrequency, meter.RFTone,
+  hif.SetItem(MeterField::User4, Value(clsExchange::CombineUser({Str(meter.GeographicArea), meter.RFFrequency, meter.RFTone,
                                                        "", meter.DeviceID, meter.WandProgram})));
-  hif.SetItem("User5", Value(clsExchange::CombineUser({meter.SpecialMessageText})));
+  hif.SetItem(MeterField::User5, Value(clsExchange::CombineUser({meter.SpecialMessageText})));
 }
 
 // The pending meter as one HIF record of the current route.
@@ -206,40 +206,40 @@ void WriteMeterRecord(MVRSFold& fold) {
   clsHIF& hif = *fold.exchange.ActiveHIF;
   const std::string tag = Str(meter.TagNumber);
   hif.AddNew();
-  hif.SetItem("RecType", Value::Long(kRecMeter));
-  hif.SetItem("RouteNbr", Value::Long(fold.route));
-  hif.SetItem("Sequence", Value::Long(meter.ReadSequence));
-  hif.SetItem("MeterTagNbr", Value::Long(meter.TagNumber));
+  hif.SetItem(MeterField::RecType, Value::Long(kRecMeter));
+  hif.SetItem(MeterField::RouteNbr, Value::Long(fold.route));
+  hif.SetItem(MeterField::Sequence, Value::Long(meter.ReadSequence));
+  hif.SetItem(MeterField::MeterTagNbr, Value::Long(meter.TagNumber));
   static const std::string kCategories = "WGESI";
   if (meter.MeterCategory.size() == 1 && kCategories.find(meter.MeterCategory[0]) != std::string::npos) {
-    hif.SetItem("MeterType", Value::Long(static_cast<int32_t>(kCategories.find(meter.MeterCategory[0]) + 1)));
+    hif.SetItem(MeterField::MeterType, Value::Long(static_cast<int32_t>(kCategories.find(meter.MeterCategory[0]) + 1)));
   }
-  hif.SetItem("Digits", Value::Long(meter.NumberDials));
-  hif.SetItem("Decimals", Value::Long(meter.NumberDecimals));
-  hif.SetItem("PrvReading", Value::Long(meter.PreviousReading));
-  hif.SetItem("MaxReading", Value::Long(meter.High1));
-  hif.SetItem("MinReading", Value::Long(meter.Low1));
-  hif.SetItem("Status", Value::Long(0));
-  if (meter.ReadMethod == "K") hif.SetItem("ReadType", Value::Long(2));
-  if (meter.ReadMethod == "P" || meter.ReadMethod == "W") hif.SetItem("ReadType", Value::Long(3));
-  if (meter.ReadMethod == "R") hif.SetItem("ReadType", Value::Long(1));
-  if (meter.ReadMethod == "N") hif.SetItem("ReadType", Value::Long(0));
-  hif.SetItem("LstReadingDate", Value::Long(0));
+  hif.SetItem(MeterField::Digits, Value::Long(meter.NumberDials));
+  hif.SetItem(MeterField::Decimals, Value::Long(meter.NumberDecimals));
+  hif.SetItem(MeterField::PrvReading, Value::Long(meter.PreviousReading));
+  hif.SetItem(MeterField::MaxReading, Value::Long(meter.High1));
+  hif.SetItem(MeterField::MinReading, Value::Long(meter.Low1));
+  hif.SetItem(MeterField::Status, Value::Long(0));
+  if (meter.ReadMethod == "K") hif.SetItem(MeterField::ReadType, Value::Long(2));
+  if (meter.ReadMethod == "P" || meter.ReadMethod == "W") hif.SetItem(MeterField::ReadType, Value::Long(3));
+  if (meter.ReadMethod == "R") hif.SetItem(MeterField::ReadType, Value::Long(1));
+  if (meter.ReadMethod == "N") hif.SetItem(MeterField::ReadType, Value::Long(0));
+  hif.SetItem(MeterField::LstReadingDate, Value::Long(0));
   hif.SetItem("TamperCount", Value::Long(meter.Tamper));
-  hif.SetItem("UtilityCode", Value(customer.UtilityID));
-  hif.SetItem("Lat", Value::Long(0));
-  hif.SetItem("Lng", Value::Long(0));
-  hif.SetItem("InitPulseCount", Value::Long(0));
-  hif.SetItem("InitTamperCount", Value::Long(0));
-  hif.SetItem("Message", Value(fold.exchange.Advanced().LookupMessage(
+  hif.SetItem(MeterField::UtilityCode, Value(customer.UtilityID));
+  hif.SetItem(MeterField::Lat, Value::Long(0));
+  hif.SetItem(MeterField::Lng, Value::Long(0));
+  hif.SetItem(MeterField::InitPulseCount, Value::Long(0));
+  hif.SetItem(MeterField::InitTamperCount, Value::Long(0));
+  hif.SetItem(MeterField::Message, Value(fold.exchange.Advanced().LookupMessage(
                              std::string(Trim(meter.SpecialMessageText)), fold.routeNumber,
                              std::string(Trim(customer.Account)), std::string(Trim(meter.MeterNumber)),
                              std::string(Trim(tag)))));
-  hif.SetItem("ServiceAddress", Value(std::string(Trim(customer.Address1 + customer.Address2 + customer.Address3))));
-  hif.SetItem("BillingName", Value(std::string(Trim(customer.Name + customer.Name2))));
-  hif.SetItem("ServiceUniqueID", Value(customer.Account));
-  hif.SetItem("MeterSerialNbr", Value(meter.MeterNumber));
-  hif.SetItem("ReceiverData", Value(""));
+  hif.SetItem(MeterField::ServiceAddress, Value(std::string(Trim(customer.Address1 + customer.Address2 + customer.Address3))));
+  hif.SetItem(MeterField::BillingName, Value(std::string(Trim(customer.Name + customer.Name2))));
+  hif.SetItem(MeterField::ServiceUniqueID, Value(customer.Account));
+  hif.SetItem(MeterField::MeterSerialNbr, Value(meter.MeterNumber));
+  hif.SetItem(MeterField::ReceiverData, Value(""));
   SetUserFields(hif, customer, meter);
   hif.WriteData();
 }
@@ -253,10 +253,10 @@ void FlushMeter(MVRSFold& fold) {
   fold.meter = MVRSMeter();
   if (exchange.CreateIndexes) {
     clsHIF& hif = *exchange.ActiveHIF;
-    exchange.UpdateIndexes(NumberOf(hif.Item("RouteNbr")), exchange.MeterRecordNumber,
-                           TextOf(hif.Item("MeterTagNbr")), TextOf(hif.Item("MeterSerialNbr")),
-                           TextOf(hif.Item("BillingName")), TextOf(hif.Item("ServiceAddress")),
-                           TextOf(hif.Item("ServiceUniqueID")));
+    exchange.UpdateIndexes(NumberOf(hif.Item(MeterField::RouteNbr)), exchange.MeterRecordNumber,
+                           TextOf(hif.Item(MeterField::MeterTagNbr)), TextOf(hif.Item(MeterField::MeterSerialNbr)),
+                           TextOf(hif.Item(MeterField::BillingName)), TextOf(hif.Item(MeterField::ServiceAddress)),
+                           TextOf(hif.Item(MeterField::ServiceUniqueID)));
   }
   exchange.MeterRecordNumber = Add16(exchange.MeterRecordNumber, 1);
 }

@@ -47,9 +47,10 @@ enum class MeterField : uint8_t {
   ReadingTime,
   ResponseCode,
   Initials,
+  ResponseText,
 };
 
-inline constexpr size_t kMeterFieldCount = static_cast<size_t>(MeterField::Initials) + 1;
+inline constexpr size_t kMeterFieldCount = static_cast<size_t>(MeterField::ResponseText) + 1;
 
 inline constexpr std::array<std::string_view, kMeterFieldCount> kMeterFieldNames = {
     "RecType",        "RouteNbr",       "Sequence",        "MeterTagNbr",    "MeterType",      "Digits",
@@ -57,7 +58,8 @@ inline constexpr std::array<std::string_view, kMeterFieldCount> kMeterFieldNames
     "UtilityCode",    "Lat",            "Lng",             "ScaleFactor",    "InitReading",    "InitPulseCount",
     "InitTamperCount", "Message",       "ServiceAddress",  "BillingName",    "ServiceUniqueID", "MeterSerialNbr",
     "ReceiverData",   "User1",          "User2",           "User3",          "User4",          "User5",
-    "CurReading",     "Status",         "ReadingDate",     "ReadingTime",    "ResponseCode",   "Initials"};
+    "CurReading",     "Status",         "ReadingDate",     "ReadingTime",    "ResponseCode",   "Initials",
+    "ResponseText"};
 
 constexpr std::string_view NameOf(MeterField field) { return kMeterFieldNames[static_cast<size_t>(field)]; }
 constexpr size_t IndexOf(MeterField field) { return static_cast<size_t>(field); }
