@@ -92,6 +92,10 @@ memory+=", reading $(mb $(measure drop_big "$hifx" "${site[@]}" reading --source
   --dest "$work/big-billing.txt" --no-orphans --no-reread))"
 memory+=", report $(mb $(measure drop_big "$hifx" "${site[@]}" report --type reading --pdf "$work/big.pdf" \
   "$work/big.pdb"))"
+# A distribution file of 200 MB: the example's settings and maps, then a
+# section of notes that a load passes over.
+{ cat examples/site.dst; printf '\r\n[NOTES]\r\n'; head -c 200M /dev/zero | tr '\0' 'x'; } > "$work/big.dst"
+memory+=", dist load $(mb $(measure true "$hifx" --site "$work/big-site" dist load "$work/big.dst"))"
 row 'peak memory on a 200 MB file' '≤ 64 MB each' "$memory"
 
 echo "Measured $(date -u +%Y-%m-%d) on $(nproc) cores ($(grep -m1 'model name' /proc/cpuinfo | cut -d: -f2 | sed 's/^ //')), Release build, median of $runs runs:"

@@ -6,6 +6,7 @@
 #include "base/BinaryFile.h"
 #include "base/CaseBlind.h"
 #include "base/Failure.h"
+#include "base/FileWindow.h"
 #include "base/Text.h"
 #include "config/RegistryRoot.h"
 #include "config/clsRegistry.h"
@@ -26,21 +27,42 @@ std::string SectionLine(const std::filesystem::path& file) {
   return "[UNKNOWN MAP " + name + "]";
 }
 
-// Splits at every line break followed by "[", the "[" going with the break.
-// A text with no CR LF at all splits at LF, so files edited elsewhere load.
-std::vector<std::string> SplitSections(const std::string& text) {
-  const std::string separator = text.find("\r\n") != std::string::npos ? "\r\n[" : "\n[";
-  std::vector<std::string> sections;
-  size_t start = 0;
-  for (;;) {
-    const size_t at = text.find(separator, start);
-    if (at == std::string::npos) {
-      sections.push_back(text.substr(start));
-      return sections;
+// Calls found(offset) at each place the needle stands in the file, from its
+// start, until found returns false. The needle never overlaps itself, so
+// every place found is one a search from the end of the last would find.
+template <typename Found>
+void ForEachPlace(FileWindow& file, std::string_view needle, Found&& found) {
+  constexpr uint64_t kStretch = 32 * 1024;
+  std::string stretch;
+  for (uint64_t at = 0; at < file.Size(); at += kStretch) {
+    // Each stretch runs on into the next by the needle less one byte.
+    file.Read(at, kStretch + needle.size() - 1, stretch);
+    for (size_t hit = stretch.find(needle); hit != std::string::npos && hit < kStretch;
+         hit = stretch.find(needle, hit + 1)) {
+      if (!found(at + hit)) return;
     }
-    sections.push_back(text.substr(start, at - start));
-    start = at + separator.size();
   }
+}
+
+// Where each section of a distribution file begins and ends: the file split
+// at every line break followed by "[", the "[" going with the break. A file
+// with no CR LF at all splits at LF, so files edited elsewhere load.
+std::vector<std::pair<uint64_t, uint64_t>> FindSections(FileWindow& file) {
+  bool crLf = false;
+  ForEachPlace(file, "\r\n", [&crLf](uint64_t) {
+    crLf = true;
+    return false;
+  });
+  const std::string_view separator = crLf ? "\r\n[" : "\n[";
+  std::vector<std::pair<uint64_t, uint64_t>> sections;
+  uint64_t start = 0;
+  ForEachPlace(file, separator, [&](uint64_t at) {
+    sections.emplace_back(start, at);
+    start = at + separator.size();
+    return true;
+  });
+  sections.emplace_back(start, file.Size());
+  return sections;
 }
 
 std::vector<std::string> SplitLines(const std::string& text) {
@@ -109,25 +131,32 @@ bool clsDist::WriteDist(const std::filesystem::path& path) {
 
 bool clsDist::LoadDist(const std::filesystem::path& path) {
   if (path.empty()) return false;
-  const std::string text = ReadWholeFile(path);
-  const std::vector<std::string> sections = SplitSections(text);
+  // The file is read a section at a time; one passed over is not read whole.
+  FileWindow file;
+  file.Open(path, kMaxReadFileSize);
+  const auto sections = FindSections(file);
+  const auto read = [&file](const std::pair<uint64_t, uint64_t>& section, uint64_t most) {
+    std::string text;
+    file.Read(section.first, static_cast<size_t>(std::min(section.second - section.first, most)), text);
+    return text;
+  };
   // Only the five characters are looked at, not the version.
-  if (!StartsWith(sections.front(), "DIST ")) {
+  if (!StartsWith(read(sections.front(), 5), "DIST ")) {
     shell_.MsgBox("Distribution file not properly formatted", kCaption, MsgButtons::OK,
                   MsgIcon::Critical);
     return false;
   }
   for (size_t i = 1; i < sections.size(); ++i) {
-    const std::string& section = sections[i];
-    const std::string head = UpperCase(section.substr(0, 16));
+    const std::string head = UpperCase(read(sections[i], 16));
+    const auto whole = [&] { return read(sections[i], UINT64_MAX); };
     if (StartsWith(head, "ROUTE MAP")) {
-      LoadMapSection(section, kUseRoute);
+      LoadMapSection(whole(), kUseRoute);
     } else if (StartsWith(head, "READING MAP")) {
-      LoadMapSection(section, kUseReading);
+      LoadMapSection(whole(), kUseReading);
     } else if (StartsWith(head, "ORPHAN MAP")) {
-      LoadMapSection(section, kUseOrphan);
+      LoadMapSection(whole(), kUseOrphan);
     } else if (StartsWith(head, "REGISTRY")) {
-      LoadRegistrySection(section);
+      LoadRegistrySection(whole());
     }
     // Anything else, unknown maps among them, is passed over.
   }

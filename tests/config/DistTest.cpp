@@ -64,6 +64,21 @@ TEST(Dist, WriteThenLoadGivesTheSameRegistryAndMaps) {
   EXPECT_EQ(to.Registry().GetValue(RootReadPath("MessagesAccount", "ANY||100")), Value("Say \"hi\""));
 }
 
+// A long file is read a stretch at a time: a section's break that falls
+// across two stretches still starts a section.
+TEST(Dist, ASectionBreakAcrossTheReadingStretchesIsFound) {
+  TempDir dir;
+  Site site(dir / "site");
+  std::string text = "DIST 1.0\r\n[UNKNOWN MAP pad.hxm]\r\n";
+  text.resize(32767, 'x');  // the break's CR is the stretch's last byte
+  text += "\r\n[REGISTRY]\r\nRoute:\r\n> Map = \"M\"\r\n[ROUTE MAP B.hcm]\r\nHIF=1.1\r\nMAPNAME=B.hcm\r\nMAPTYPE=1\r\n";
+  WriteBytes(dir / "long.dst", text);
+  TestShell shell;
+  ASSERT_TRUE(site.Dist(shell).LoadDist(dir / "long.dst"));
+  EXPECT_EQ(site.Registry().GetValue(RootReadPath("Route", "Map")), Value("M"));
+  EXPECT_EQ(ReadBytes(site.Folder() / "B.hcm"), "HIF=1.1\r\nMAPNAME=B.hcm\r\nMAPTYPE=1\r\n");
+}
+
 TEST(Dist, BadSectionsAreReportedAndTheRestLoads) {
   TempDir dir;
   Site site(dir / "site");
