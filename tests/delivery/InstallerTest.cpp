@@ -15,11 +15,6 @@ class Installer : public testing::Test {
   fs::path Queued(const std::string& unit, const std::string& file) const {
     return dir / "sync" / unit / "Install" / file;
   }
-  std::vector<std::string> Messages() const {
-    std::vector<std::string> texts;
-    for (const auto& q : shell.questions) texts.push_back(q.text);
-    return texts;
-  }
 
   TempDir dir;
   fs::path site = dir / "site";
@@ -39,11 +34,11 @@ TEST_F(Installer, PrcTakesABareNameFromTheProgramsFolderAndSaysWhatWentWrong) {
   EXPECT_TRUE(installer.PRC("Unit1", "HALVERNLINK.PRC"));  // already on its way
   EXPECT_FALSE(installer.PRC("Unit1", "/nowhere/x.prc"));
   EXPECT_FALSE(installer.PRC("bad/unit", "HALVERNLINK.PRC"));
-  EXPECT_EQ(Messages(), (std::vector<std::string>{
-                            "Application (HALVERNLINK.PRC) is already scheduled to be installed "
-                            "during next HotSync operation.",
-                            "Application not found in " + site.string() + ": /nowhere/x.prc",
-                            "Undefined error: -523 occurred."}));
+  EXPECT_EQ(shell.Asked(), (std::vector<std::string>{
+                                "Application (HALVERNLINK.PRC) is already scheduled to be installed "
+                                "during next HotSync operation.",
+                                "Application not found in " + site.string() + ": /nowhere/x.prc",
+                                "Undefined error: -523 occurred."}));
 }
 
 TEST_F(Installer, FileSystemRefusalsAreUndefinedErrorsAndOtherRemovalsQuiet) {
@@ -60,8 +55,8 @@ TEST_F(Installer, FileSystemRefusalsAreUndefinedErrorsAndOtherRemovalsQuiet) {
 
   EXPECT_FALSE(installer.RemovePRC("Unit1", "stuck.pdb"));
   EXPECT_FALSE(installer.PRC("Unit2", (dir / "route.pdb").string()));
-  EXPECT_EQ(Messages(), (std::vector<std::string>{"Undefined error: -1 occurred.",
-                                                  "Undefined error: -1 occurred."}));
+  EXPECT_EQ(shell.Asked(), (std::vector<std::string>{"Undefined error: -1 occurred.",
+                                                      "Undefined error: -1 occurred."}));
   // Beside the library's own words, the log says which file and why.
   ASSERT_EQ(shell.log.size(), 2u);
   EXPECT_EQ(shell.log[0].rfind("Error: Could not remove the queued " + Queued("Unit1", "stuck.pdb").string() + ": ", 0),
@@ -73,9 +68,9 @@ TEST_F(Installer, FileSystemRefusalsAreUndefinedErrorsAndOtherRemovalsQuiet) {
 TEST_F(Installer, UnitInstallWithNoUsersSaysSo) {
   const clsInstaller installer(site, dir / "sync", shell);
   EXPECT_TRUE(UnitInstallList(installer, shell).empty());
-  EXPECT_EQ(Messages(), std::vector<std::string>{
-                            "Unable to locate any units!\r\nPerhaps the Palm Desktop software is "
-                            "not installed \r\nor is not set up for your login id?"});
+  EXPECT_EQ(shell.Asked(), std::vector<std::string>{
+                                "Unable to locate any units!\r\nPerhaps the Palm Desktop software is "
+                                "not installed \r\nor is not set up for your login id?"});
 }
 
 TEST_F(Installer, InstallUnitsSendsTheApplicationAndWarnsForMissingMeazuraFiles) {
@@ -91,7 +86,7 @@ TEST_F(Installer, InstallUnitsSendsTheApplicationAndWarnsForMissingMeazuraFiles)
   }
   const std::string patchMissing =
       "Application not found in " + site.string() + ": MeazuraStartupPatch_V200b.prc";
-  EXPECT_EQ(Messages(), (std::vector<std::string>{patchMissing, patchMissing}));
+  EXPECT_EQ(shell.Asked(), (std::vector<std::string>{patchMissing, patchMissing}));
   EXPECT_EQ(shell.log, (std::vector<std::string>{
                            "Warning: Meazura Startup patch file failed to install",
                            "Warning: Meazura Startup patch file failed to install"}));
@@ -100,7 +95,7 @@ TEST_F(Installer, InstallUnitsSendsTheApplicationAndWarnsForMissingMeazuraFiles)
   shell.log.clear();
   InstallUnits(installer, {"Unit3"}, false, shell, "TallyDesk");
   EXPECT_TRUE(shell.log.empty());
-  EXPECT_EQ(Messages().back(), "Application not found in " + site.string() + ": TALLYHORN.PRC");
+  EXPECT_EQ(shell.Asked().back(), "Application not found in " + site.string() + ": TALLYHORN.PRC");
   EXPECT_FALSE(fs::exists(Queued("Unit3", "MeazuraLib_V302b.prc")));
 }
 
