@@ -29,9 +29,6 @@ using namespace hifx::shell;
 
 namespace {
 
-const std::filesystem::path kExamples =
-    std::filesystem::weakly_canonical(std::filesystem::path(HIFX_TEST_SOURCE_DIR) / ".." / "examples");
-
 // A site folder with the example distribution's maps in it.
 struct Site {
   Site() {
@@ -85,7 +82,6 @@ void ClickField(QWidget* window, const QString& text) {
   if (found.isEmpty()) qFatal("no field %s", qPrintable(text));
   list->setCurrentItem(found.front());
 }
-QString Q(const std::string& text) { return QString::fromStdString(text); }
 void Press(QWidget* window, const char* key) {
   Get<QPushButton>(window, (std::string("btnAction") + key).c_str())->click();
 }

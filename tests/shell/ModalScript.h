@@ -28,6 +28,11 @@ inline void Shot(QWidget* window, const QString& name) {
   window->grab().save(QString(HIFX_SCREENSHOT_DIR) + "/" + name + ".png");
 }
 
+// The bundled examples, and a text as Qt holds it.
+inline const std::filesystem::path kExamples =
+    std::filesystem::weakly_canonical(std::filesystem::path(HIFX_TEST_SOURCE_DIR) / ".." / "examples");
+inline QString Q(const std::string& text) { return QString::fromStdString(text); }
+
 struct SeenBox {
   QString title;
   QString text;

@@ -27,10 +27,6 @@ using namespace hifx::shell;
 
 namespace {
 
-const std::string kExampleReading = std::string(HIFX_TEST_SOURCE_DIR) + "/../examples/reading.pdb";
-
-QString Q(const std::string& text) { return QString::fromStdString(text); }
-
 QAction* Button(QWidget* preview, const char* key) {
   return preview->findChild<QAction*>(QString("btn") + key);
 }
@@ -151,7 +147,7 @@ class PreviewTest : public QObject {
           });
         }
       }
-      QVERIFY(desk.report.Begin(true, kExampleReading, type, ""));
+      QVERIFY(desk.report.Begin(true, kExamples / "reading.pdb", type, ""));
       QVERIFY(script.Done());
       QCOMPARE(captions, QStringList(type == kReportReading ? 4 : 1, title + " Page 1 of 1"));
       QVERIFY(desk.printers.Current().calls.empty());
@@ -234,7 +230,7 @@ class PreviewTest : public QObject {
       Shot(window, "frmPreview-actual-size");
       Button(window, "CLOSE")->trigger();
     });
-    QVERIFY(desk.report.Begin(true, kExampleReading, kReportReading, ""));
+    QVERIFY(desk.report.Begin(true, kExamples / "reading.pdb", kReportReading, ""));
     QVERIFY(script.Done());
   }
 

@@ -45,9 +45,6 @@ using namespace hifx::shell;
 
 namespace {
 
-const std::filesystem::path kExamples =
-    std::filesystem::weakly_canonical(std::filesystem::path(HIFX_TEST_SOURCE_DIR) / ".." / "examples");
-
 // A desk: a temporary folder as the working folder, with the examples beside
 // a site folder, the per-user settings in it too, and the main window over
 // the site as the program makes it.
@@ -83,8 +80,6 @@ struct Desk {
   std::vector<std::filesystem::path> opened;
   std::unique_ptr<frmMain> main;
 };
-
-QString Q(const std::string& text) { return QString::fromStdString(text); }
 
 // The captions and tips of a window's tabs, with a picture of each tab.
 std::pair<QStringList, QStringList> Tabs(QWidget* window, const QString& shot) {
