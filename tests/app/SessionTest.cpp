@@ -3,34 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <new>
-#include <optional>
 #include <set>
 
 #include "app/Exit.h"
 #include "app/Session.h"
 #include "support/TempDir.h"
+#include "support/TemporaryFolder.h"
 #include "support/TestShell.h"
 
 namespace hifx::test {
 namespace {
 
 #ifndef _WIN32
-// Sets a variable for the test's length, and puts back what was there.
-class ScopedVariable {
- public:
-  ScopedVariable(const char* name, const std::string& value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
-    value.empty() ? ::unsetenv(name) : ::setenv(name, value.c_str(), 1);
-  }
-  ~ScopedVariable() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
-
- private:
-  const char* name_;
-  std::optional<std::string> old_;
-};
-
 TEST(Session, TheSiteFolderFollowsTheEnvironmentInItsOrder) {
   ScopedVariable site("HIFX_SITE", "/srv/site"), data("XDG_DATA_HOME", "/data"), home("HOME", "/home/clerk");
   EXPECT_EQ(app::DefaultSiteFolder(), "/srv/site");
