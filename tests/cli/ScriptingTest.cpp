@@ -13,15 +13,11 @@ namespace {
 
 using Scripting = ExampleSite;
 
-// The count of records in a handheld file's header.
-int Records(const std::string& file) {
-  const std::string bytes = ReadBytes(file);
-  return (static_cast<unsigned char>(bytes.at(76)) << 8) | static_cast<unsigned char>(bytes.at(77));
-}
-
-int Lines(const std::string& file) {
+// The count of records in a handheld file's header, and of lines in a text file.
+std::string Records(const std::string& file) { return std::to_string(BigEndianAt(ReadBytes(file), 76, 2)); }
+std::string Lines(const std::string& file) {
   const std::string text = ReadBytes(file);
-  return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+  return std::to_string(std::count(text.begin(), text.end(), '\n'));
 }
 
 // The summary line with its time made constant.
@@ -33,7 +29,7 @@ TEST_F(Scripting, EachRunThatWritesFilesEndsWithWhatItWrote) {
   const std::string route = (dir / "route.pdb").string();
   const auto made = Hifx({"route", "--dest", route, "--source", kExamples + "route-fixed.txt"});
   ASSERT_EQ(made.status, 0) << made.err;
-  EXPECT_EQ(Timeless(made.err), "hifx: route: wrote " + route + " (" + std::to_string(Records(route)) + " records) in T s\n");
+  EXPECT_EQ(Timeless(made.err), "hifx: route: wrote " + route + " (" + Records(route) + " records) in T s\n");
   // Refused: the file stays as it was, and nothing is said to be written.
   const auto refused = Hifx({"route", "--dest", route, "--source", kExamples + "route-fixed.txt"});
   EXPECT_EQ(refused.status, 1);
@@ -47,13 +43,12 @@ TEST_F(Scripting, EachRunThatWritesFilesEndsWithWhatItWrote) {
                           "--reread", reread});
   ASSERT_EQ(read.status, 0) << read.out << read.err;
   EXPECT_EQ(Timeless(read.err).substr(Timeless(read.err).rfind("hifx: reading: ")),
-            "hifx: reading: wrote " + billing + " (" + std::to_string(Lines(billing)) + " lines), " + orphans + " (" +
-                std::to_string(Lines(orphans)) + " lines), " + reread + " (" + std::to_string(Records(reread)) +
-                " records) in T s\n");
+            "hifx: reading: wrote " + billing + " (" + Lines(billing) + " lines), " + orphans + " (" + Lines(orphans) +
+                " lines), " + reread + " (" + Records(reread) + " records) in T s\n");
 
   const auto sorted = Hifx({"sort", reading});
   EXPECT_EQ(Timeless(sorted.err).substr(Timeless(sorted.err).rfind("hifx: ")),
-            "hifx: sort: wrote " + reading + " (" + std::to_string(Records(reading)) + " records) in T s\n");
+            "hifx: sort: wrote " + reading + " (" + Records(reading) + " records) in T s\n");
 }
 
 // --json: one object on standard output, the log moved to standard error.
@@ -61,11 +56,9 @@ TEST_F(Scripting, TheSummaryAsJsonForScripts) {
   const std::string route = (dir / "route.pdb").string();
   const auto r = Hifx({"route", "--json", "--dest", route, "--source", kExamples + "route-fixed.txt"});
   ASSERT_EQ(r.status, 0) << r.err;
-  EXPECT_EQ(r.out.rfind(R"({"command":"route","exit":0,"written":[{"file":)" + JsonQuoted(route) +
-                          R"(,"records":)" + std::to_string(Records(route)) + R"(}],"seconds":)",
-                      0),
-            0u)
-      << r.out;
+  EXPECT_EQ(r.out.rfind(R"({"command":"route","exit":0,"written":[{"file":)" + JsonQuoted(route) + R"(,"records":)" +
+                          Records(route) + R"(}],"seconds":)", 0),
+            0u) << r.out;
   EXPECT_EQ(r.out.back(), '\n');
   EXPECT_NE(r.err.find("Route Conversion Finished\n"), std::string::npos) << r.err;
   const auto sorted = Hifx({"sort", "--json", (dir / "missing.pdb").string()});
