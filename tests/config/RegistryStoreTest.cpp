@@ -52,12 +52,7 @@ TEST_F(Registry, KeysAlongThePathAreMadeInOneCallAndNamesIgnoreCase) {
 // Off Windows values come back in the order they were first written; the
 // registry gives them by name.
 TEST_F(Registry, AnUpdateKeepsTheNamesCaseAndPlaceAndADeleteHappensOnce) {
-  const auto names = [&] {
-    std::vector<std::string> names;
-    const auto values = registry.GetValues(kKey);
-    for (size_t i = 1; i <= values.Count(); ++i) names.push_back(values.Key(i));
-    return names;
-  };
+  const auto names = [&] { return KeysOf(registry.GetValues(kKey)); };
   for (const char* name : {"Source", "Destination", "HIFType", "Map"}) registry.SaveValue(name, ValuePath(name));
   registry.SaveValue("again", ValuePath("DESTINATION"));
   EXPECT_EQ(names(), StoreOrder({"Source", "Destination", "HIFType", "Map"}));

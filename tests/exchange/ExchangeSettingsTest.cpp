@@ -19,15 +19,6 @@ class ExchangeSettings : public testing::Test {
   clsExchange exchange{{store, shell, clock, dir.path(), dir / "sync"}};
 };
 
-using Strings = std::vector<std::string>;
-
-// The names of a collection, in its order.
-Strings Names(const auto& collection) {
-  Strings names;
-  for (size_t i = 1; i <= collection.Count(); ++i) names.push_back(collection.Key(i));
-  return names;
-}
-
 TEST_F(ExchangeSettings, AnEmptyRegistryLoadsTheDefaults) {
   exchange.RouteSource = "changed";
   exchange.LoadSettings();
@@ -46,11 +37,11 @@ TEST_F(ExchangeSettings, AnEmptyRegistryLoadsTheDefaults) {
 TEST_F(ExchangeSettings, TheFirstSaveWritesTheWholeTreeInItsOrder) {
   exchange.LoadSettings();
   exchange.SaveSettings();
-  EXPECT_EQ(StoreOrder(Names(registry.GetKeys(RootKeyPath("")))),
+  EXPECT_EQ(StoreOrder(KeysOf(registry.GetKeys(RootKeyPath("")))),
             StoreOrder({"Route", "ReRead", "Reading", "Orphan", "PRCInstall"}));
-  EXPECT_EQ(StoreOrder(Names(registry.GetValues(RootKeyPath("Route")))),
+  EXPECT_EQ(StoreOrder(KeysOf(registry.GetValues(RootKeyPath("Route")))),
             StoreOrder({"Source", "Destination", "HIFType", "Map"}));
-  EXPECT_EQ(StoreOrder(Names(registry.GetValues(RootKeyPath("PRCInstall")))),
+  EXPECT_EQ(StoreOrder(KeysOf(registry.GetValues(RootKeyPath("PRCInstall")))),
             StoreOrder({"AutoInstall", "Prompt", "Leave", "Unit"}));
   EXPECT_EQ(registry.GetValue(RootReadPath("Reading", "AutoReRead")), Value("N"));
   EXPECT_EQ(registry.GetValue(RootReadPath("Orphan", "Convert")), Value("0"));

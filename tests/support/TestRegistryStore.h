@@ -106,4 +106,11 @@ inline std::vector<std::string> StoreOrder(std::vector<std::string> names) {
   return names;
 }
 
+// The keys of a collection the registry gives back, in its order.
+inline std::vector<std::string> KeysOf(const auto& collection) {
+  std::vector<std::string> keys;
+  for (size_t i = 1; i <= collection.Count(); ++i) keys.push_back(collection.Key(i));
+  return keys;
+}
+
 }  // namespace hifx::test
