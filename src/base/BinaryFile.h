@@ -11,7 +11,7 @@
 
 namespace hifx {
 
-// Largest file the readers take into memory.
+// Largest file the readers take, whole into memory or a window at a time.
 inline constexpr uint64_t kMaxReadFileSize = 512ull * 1024 * 1024;
 
 class BinaryFile {
