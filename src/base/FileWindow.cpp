@@ -103,6 +103,7 @@ void FileWindow::Fill(uint64_t offset) {
 size_t FileWindow::Read(uint64_t offset, char* out, size_t size) {
   if (handle_ < 0 || offset >= size_) return 0;
   size = static_cast<size_t>(std::min<uint64_t>(size, size_ - offset));
+  if (size == 0) return 0;  // nothing to copy, from a window perhaps not yet made
   // A stretch larger than the window is read straight into place.
   if (size > kWindowBytes) return ReadAt(offset, out, size);
   if (offset < windowAt_ || offset + size > windowAt_ + windowSize_) Fill(offset);
