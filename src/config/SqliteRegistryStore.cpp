@@ -116,6 +116,10 @@ SqliteRegistryStore::SqliteRegistryStore(const std::filesystem::path& file, int 
   if (!Exec("PRAGMA journal_mode=WAL") || !Exec("PRAGMA synchronous=NORMAL")) {
     throw fail(std::string("cannot use the settings database (") + sqlite3_errmsg(db_) + ")");
   }
+  // A file that carries the mark has its tables already: a program that only
+  // reads the settings writes nothing, and so leaves nothing to sync or to
+  // checkpoint when it closes.
+  if (applicationId == kApplicationId) return;
   const bool ready = InTransaction([&] {
     return Exec(
                "CREATE TABLE IF NOT EXISTS reg_keys("

@@ -124,6 +124,23 @@ TEST_F(SqliteRegistry, ADatabaseThatIsNotOursIsRefusedAndLeftAlone) {
   EXPECT_EQ(ReadBytes(other), before);
 }
 
+// Only reading the settings, as every conversion does, writes nothing to
+// the file: no byte changes and no journal is left to sync.
+TEST_F(SqliteRegistry, ReadingTheSettingsLeavesTheFileAsItWas) {
+  const auto own = dir / "own.db";
+  {
+    SqliteRegistryStore first(own);
+    ASSERT_TRUE(clsRegistry(first).SaveValue("x", ValuePath("Source")));
+  }
+  const std::string before = ReadBytes(own);
+  {
+    SqliteRegistryStore again(own);
+    EXPECT_EQ(clsRegistry(again).GetValue(ValuePath("Source")), Value("x"));
+  }
+  EXPECT_EQ(ReadBytes(own), before);
+  EXPECT_FALSE(std::filesystem::exists(dir / "own.db-wal"));
+}
+
 // Two processes setting at once lose nothing in the command line's tests;
 // here the second writer waits no longer than it was told.
 TEST_F(SqliteRegistry, AWriterHeldUpLongerThanItsWaitFailsCleanly) {
