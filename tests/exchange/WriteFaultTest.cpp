@@ -35,8 +35,12 @@ bool Said(RouteSite& s, const std::function<bool()>& run) {
   }
 }
 
-void ReadingSettings(clsExchange& e, const fs::path& dir, const std::string& source) {
-  e.ReadingSource = source;
+// The example reading file converted with every output of the run on: the
+// billing file, the orphans appended to, and the re-read file.
+bool ConvertReading(RouteSite& s) {
+  clsExchange& e = s.Exchange();
+  const fs::path dir = s.dir.path();
+  e.ReadingSource = kExamples + "reading.pdb";
   e.ReadingDestination = (dir / "billing.txt").string();
   e.ReadingMap = "Billing";
   e.OrphanConvert = -1;
@@ -45,6 +49,7 @@ void ReadingSettings(clsExchange& e, const fs::path& dir, const std::string& sou
   e.OrphanReplace = 0;  // appended to
   e.AutoReRead = true;
   e.ReReadDestination = (dir / "reread.pdb").string();
+  return e.ConvertReading();
 }
 
 // A route HIF of a utility system's example, made without faults, and the
@@ -75,21 +80,9 @@ const Writer kWriters[] = {
        s.Exchange().RouteMap = "Billing";
        return s.Exchange().ConvertRoute();
      }},
-    {"Billing", "billing.txt",
-     [](RouteSite& s) {
-       ReadingSettings(s.Exchange(), s.dir.path(), kExamples + "reading.pdb");
-       return s.Exchange().ConvertReading();
-     }},
-    {"Orphans", "orphans.txt",
-     [](RouteSite& s) {
-       ReadingSettings(s.Exchange(), s.dir.path(), kExamples + "reading.pdb");
-       return s.Exchange().ConvertReading();
-     }},
-    {"ReRead", "reread.pdb",
-     [](RouteSite& s) {
-       ReadingSettings(s.Exchange(), s.dir.path(), kExamples + "reading.pdb");
-       return s.Exchange().ConvertReading();
-     }},
+    {"Billing", "billing.txt", ConvertReading},
+    {"Orphans", "orphans.txt", ConvertReading},
+    {"ReRead", "reread.pdb", ConvertReading},
     {"MVRSUpload", "upload.txt", [](RouteSite& s) { return UploadOf(s, "route-mvrs.dat", "Mvrs"); }},
     {"E5000Upload", "upload.txt", [](RouteSite& s) { return UploadOf(s, "route-e5000.txt", "E5000"); }},
     {"Sort", "sorted.pdb",

@@ -47,44 +47,10 @@ struct Site {
   std::filesystem::path folder = dir / "site";
 };
 
-template <typename T = QWidget>
-T* Get(QWidget* window, const char* name) {
-  T* control = window->findChild<T*>(name);
-  if (control == nullptr) qFatal("no control %s", name);
-  return control;
-}
-
 bool Shown(QWidget* window, const char* name) { return Get(window, name)->isVisibleTo(window); }
 bool On(QWidget* window, const char* name) { return Get(window, name)->isEnabled(); }
 QString Flag(QWidget* window, const char* name) { return On(window, name) ? "on" : "off"; }
-QString Text(QWidget* window, const char* name) { return Get<QLabel>(window, name)->text(); }
-QString Chosen(QWidget* window, const char* name) { return Get<QComboBox>(window, name)->currentText(); }
-QStringList Entries(QWidget* window, const char* name) {
-  auto* list = Get<QComboBox>(window, name);
-  QStringList entries;
-  for (int i = 0; i < list->count(); ++i) entries << list->itemText(i);
-  return entries;
-}
-void Choose(QWidget* window, const char* name, const QString& text) {
-  auto* list = Get<QComboBox>(window, name);
-  const int at = list->findText(text);
-  if (at < 0) qFatal("no entry %s in %s", qPrintable(text), name);
-  list->setCurrentIndex(at);
-}
-void Type(QWidget* window, const char* name, const QString& text) {
-  auto* box = Get<QLineEdit>(window, name);
-  box->clear();
-  QTest::keyClicks(box, text);
-}
-void ClickField(QWidget* window, const QString& text) {
-  auto* list = Get<QListWidget>(window, "lstMapFields");
-  const QList<QListWidgetItem*> found = list->findItems(text, Qt::MatchExactly);
-  if (found.isEmpty()) qFatal("no field %s", qPrintable(text));
-  list->setCurrentItem(found.front());
-}
-void Press(QWidget* window, const char* key) {
-  Get<QPushButton>(window, (std::string("btnAction") + key).c_str())->click();
-}
+void Press(QWidget* window, const char* key) { Click(window, (std::string("btnAction") + key).c_str()); }
 
 // Opens the editor on the map; the step looks at it and closes it, and the
 // message boxes that follow are answered with the buttons. A window left
@@ -177,12 +143,13 @@ class MapEditTest : public QObject {
     QStringList seen, sequence, required;
     Edit(map, false, [&](QWidget* window) {
       Shot(window, "frmMapEdit-route");
-      seen << window->windowTitle() << Text(window, "lMapType") << Text(window, "lMapDelimiter")
-           << Get<QPushButton>(window, "btnActionSAVE")->text() << Get<QPushButton>(window, "btnActionSAVEAS")->text()
-           << Get<QPushButton>(window, "btnActionDELETE")->text() << Get<QPushButton>(window, "btnActionCLOSE")->text()
-           << Chosen(window, "cboMapOption") << Get<QLineEdit>(window, "txtMapPosition")->text()
-           << Get<QLineEdit>(window, "txtMapWidth")->text() << Flag(window, "txtMapWidth")
-           << Flag(window, "txtMapConstant") << Flag(window, "cboMapFormat");
+      seen << window->windowTitle() << Text(window, "lMapType") << Text(window, "lMapDelimiter");
+      for (const char* key : {"SAVE", "SAVEAS", "DELETE", "CLOSE"}) {
+        seen << Text<QPushButton>(window, ("btnAction" + std::string(key)).c_str());
+      }
+      seen << Chosen(window, "cboMapOption") << Text<QLineEdit>(window, "txtMapPosition")
+           << Text<QLineEdit>(window, "txtMapWidth") << Flag(window, "txtMapWidth") << Flag(window, "txtMapConstant")
+           << Flag(window, "cboMapFormat");
       auto* list = Get<QListWidget>(window, "lstMapFields");
       for (int i = 0; i < list->count(); ++i) {
         if (list->item(i)->text().endsWith("(Required)")) required << list->item(i)->text();
@@ -190,7 +157,7 @@ class MapEditTest : public QObject {
       ClickField(window, "Sequence(Required)");
       sequence = Entries(window, "cboMapOption");
       ClickField(window, "LstReadingDate");
-      seen << Chosen(window, "cboMapFormat") << Get<QLineEdit>(window, "txtMapPosition")->text()
+      seen << Chosen(window, "cboMapFormat") << Text<QLineEdit>(window, "txtMapPosition")
            << Flag(window, "cboMapFormat") << Flag(window, "lMapFormat");
       ClickField(window, "Initial Tamper Count(434)");
       seen << Chosen(window, "cboMapOption") << QString::number(Get<QComboBox>(window, "cboMapFormat")->count());
@@ -354,17 +321,11 @@ class MapEditTest : public QObject {
     std::function<void(clsExchMap&)> same;
     if (use == kUseRoute) {
       editing = [](QWidget* window) {
-        ClickField(window, "Lat");
-        Choose(window, "cboMapOption", "Map from Source");
-        Type(window, "txtMapPosition", "190");
-        Type(window, "txtMapWidth", "12");
-        ClickField(window, "User2");
-        Choose(window, "cboMapOption", "Map Constant");
+        Steps(window, {"lstMapFields=Lat", "cboMapOption=Map from Source", "txtMapPosition=190", "txtMapWidth=12",
+                       "lstMapFields=User2", "cboMapOption=Map Constant"});
         QTest::keyClicks(Get<QLineEdit>(window, "txtMapConstant"), "W 1");
-        ClickField(window, "Sequence(Required)");
-        Choose(window, "cboMapOption", "Autonumber");
-        ClickField(window, "LstReadingDate");
-        Choose(window, "cboMapFormat", "MM/DD/YYYY");
+        Steps(window, {"lstMapFields=Sequence(Required)", "cboMapOption=Autonumber", "lstMapFields=LstReadingDate",
+                       "cboMapFormat=MM/DD/YYYY"});
       };
       same = [](clsExchMap& m) {
         m.SetMapOption("Lat", kOptionSource);
@@ -377,17 +338,10 @@ class MapEditTest : public QObject {
       };
     } else if (use == kUseReading) {
       editing = [](QWidget* window) {
-        Choose(window, "cboMapFilter", "Readings/Exceptions");
-        Type(window, "txtMapLength", "120");
-        Choose(window, "cboMapTerminator", "<null>");
-        ClickField(window, "ReadingDate");
-        Choose(window, "cboMapFormat", "DD-MM-YYYY");
-        Choose(window, "cboMapAlign", "Right");
-        Choose(window, "cboMapPad", "Zeros");
-        ClickField(window, "Signal");
-        Choose(window, "cboMapOption", "Write to Destination");
-        Type(window, "txtMapPosition", "108");
-        Type(window, "txtMapWidth", "3");
+        Steps(window,
+              {"cboMapFilter=Readings/Exceptions", "txtMapLength=120", "cboMapTerminator=<null>",
+               "lstMapFields=ReadingDate", "cboMapFormat=DD-MM-YYYY", "cboMapAlign=Right", "cboMapPad=Zeros",
+               "lstMapFields=Signal", "cboMapOption=Write to Destination", "txtMapPosition=108", "txtMapWidth=3"});
       };
       same = [](clsExchMap& m) {
         m.SetMapFilter(2);
@@ -402,11 +356,8 @@ class MapEditTest : public QObject {
       };
     } else {
       editing = [](QWidget* window) {
-        Choose(window, "cboMapDelimiter", ";");
-        Choose(window, "cboMapQuote", "\"");
-        Choose(window, "cboMapTerminator", "<lf>");
-        ClickField(window, "TamperCount");
-        Choose(window, "cboMapOption", "Do Not Map");
+        Steps(window, {"cboMapDelimiter=;", "cboMapQuote=\"", "cboMapTerminator=<lf>", "lstMapFields=TamperCount",
+                       "cboMapOption=Do Not Map"});
       };
       same = [](clsExchMap& m) {
         m.SetMapDelimiter(";");

@@ -1,6 +1,7 @@
 // Answers the modal windows a test's action brings up, in the order they are
 // expected: each step waits for a window of its name to be the active modal
 // one, looks at it, and closes it. The texts of every message box are kept.
+// Beside it, short helpers that work a window's controls by name.
 #pragma once
 
 #include <QtCore/QDir>
@@ -10,10 +11,12 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
 #include <QtWidgets/QMessageBox>
-
 #include <deque>
 #include <filesystem>
 #include <functional>
@@ -32,6 +35,67 @@ inline void Shot(QWidget* window, const QString& name) {
 inline const std::filesystem::path kExamples =
     std::filesystem::weakly_canonical(std::filesystem::path(HIFX_TEST_SOURCE_DIR) / ".." / "examples");
 inline QString Q(const std::string& text) { return QString::fromStdString(text); }
+
+// A window's control by name; a name the window lacks stops the test.
+template <typename T = QWidget>
+T* Get(QWidget* window, const QString& name) {
+  T* control = window->findChild<T*>(name);
+  if (control == nullptr) qFatal("no control %s", qPrintable(name));
+  return control;
+}
+template <typename T = QLabel>
+QString Text(QWidget* window, const QString& name) {
+  return Get<T>(window, name)->text();
+}
+inline void Click(QWidget* window, const QString& name) { Get<QAbstractButton>(window, name)->click(); }
+inline void SetText(QWidget* window, const QString& name, const QString& text) {
+  Get<QLineEdit>(window, name)->setText(text);
+}
+inline void Check(QWidget* window, const QString& name, bool on = true) {
+  Get<QAbstractButton>(window, name)->setChecked(on);
+}
+
+inline QString Chosen(QWidget* window, const QString& name) { return Get<QComboBox>(window, name)->currentText(); }
+inline QStringList Entries(QWidget* window, const QString& name) {
+  auto* list = Get<QComboBox>(window, name);
+  QStringList entries;
+  for (int i = 0; i < list->count(); ++i) entries << list->itemText(i);
+  return entries;
+}
+inline void Choose(QWidget* window, const QString& name, const QString& text) {
+  auto* list = Get<QComboBox>(window, name);
+  const int at = list->findText(text);
+  if (at < 0) qFatal("no entry %s in %s", qPrintable(text), qPrintable(name));
+  list->setCurrentIndex(at);
+}
+// Typed over what the box holds, key by key.
+inline void Type(QWidget* window, const QString& name, const QString& text) {
+  auto* box = Get<QLineEdit>(window, name);
+  box->clear();
+  QTest::keyClicks(box, text);
+}
+
+// The map editor's field of the name clicked.
+inline void ClickField(QWidget* window, const QString& text) {
+  auto* list = Get<QListWidget>(window, "lstMapFields");
+  const QList<QListWidgetItem*> found = list->findItems(text, Qt::MatchExactly);
+  if (found.isEmpty()) qFatal("no field %s", qPrintable(text));
+  list->setCurrentItem(found.front());
+}
+// Each "control=text" step in turn: a field of the list clicked, an entry
+// of a list chosen, or a box typed over.
+inline void Steps(QWidget* window, const QStringList& steps) {
+  for (const QString& step : steps) {
+    const QString name = step.section('=', 0, 0), text = step.section('=', 1);
+    if (name == "lstMapFields") {
+      ClickField(window, text);
+    } else if (name.startsWith("cbo")) {
+      Choose(window, name, text);
+    } else {
+      Type(window, name, text);
+    }
+  }
+}
 
 struct SeenBox {
   QString title;
@@ -96,9 +160,9 @@ class ModalScript {
   void Poll() {
     QWidget* modal = QApplication::activeModalWidget();
     if (modal == nullptr) return;
-    const bool fits = modal != last_ && !steps_.empty() && (steps_.front().name.isEmpty()
-                                              ? qobject_cast<QFileDialog*>(modal) != nullptr
-                                              : modal->objectName() == steps_.front().name);
+    const bool fits = modal != last_ && !steps_.empty() &&
+                      (steps_.front().name.isEmpty() ? qobject_cast<QFileDialog*>(modal) != nullptr
+                                                     : modal->objectName() == steps_.front().name);
     if (!fits) {
       // A window nobody expected, or one that its step left open, fails the
       // test instead of hanging it.

@@ -59,7 +59,7 @@ class CancelWhen {
         auto* label = window->findChild<QLabel*>("lReport");
         if (window->objectName() != "Dialog" || !window->isVisible() || label == nullptr) continue;
         if (clicked || !label->text().contains(when)) continue;
-        window->findChild<QPushButton*>("btnAbort")->click();
+        Click(window, "btnAbort");
         seen = label->text();
         Shot(window, "Dialog-cancelling");
         clicked = true;
@@ -97,13 +97,13 @@ class PreviewTest : public QObject {
       }
       QCOMPARE(checked, QStringList({"2", "4"}));
       QCOMPARE(captions, QStringList({"Exceptions", "Readings", "Orphans", "Missed"}));
-      QCOMPARE(window->findChild<QPushButton*>("btnActionCONTINUE")->text(), "Conti&nue");
-      QCOMPARE(window->findChild<QPushButton*>("btnActionCANCEL")->text(), "&Close");
-      QCOMPARE(window->findChild<QPushButton*>("btnActionPRINTER")->text(), "&Printer ...");
+      QCOMPARE(Text<QPushButton>(window, "btnActionCONTINUE"), "Conti&nue");
+      QCOMPARE(Text<QPushButton>(window, "btnActionCANCEL"), "&Close");
+      QCOMPARE(Text<QPushButton>(window, "btnActionPRINTER"), "&Printer ...");
       Shot(window, "frmReports-chooser");
-      window->findChild<QCheckBox*>("chkReports4")->setChecked(false);
-      window->findChild<QCheckBox*>("chkReports16")->setChecked(true);
-      window->findChild<QPushButton*>("btnActionCONTINUE")->click();
+      Check(window, "chkReports4", false);
+      Check(window, "chkReports16");
+      Click(window, "btnActionCONTINUE");
     });
     QCOMPARE(reports.Display(), 18);
     QCOMPARE(Q(settings.GetSetting("hifExchange", "Reports", "Options", "")), "18");
@@ -114,7 +114,7 @@ class PreviewTest : public QObject {
         {"btnPreview2", 3}, {"btnPreview4", 5}, {"btnPreview8", 9}, {"btnPreview16", 17},
         {"btnActionCANCEL", 0}, {"btnActionPRINTER", 0}};
     for (const auto& [name, mask] : buttons) {
-      script.Then("frmReports", [name = name](QWidget* window) { window->findChild<QPushButton*>(name)->click(); });
+      script.Then("frmReports", [name = name](QWidget* window) { Click(window, name); });
       QCOMPARE(reports.Display(), mask);
     }
     QVERIFY(script.Done());
@@ -207,19 +207,17 @@ class PreviewTest : public QObject {
       window->findChild<QAction*>("btnZoomActual")->trigger();
       QApplication::processEvents();
       QVERIFY(v->maximum() > 0 && h->maximum() > 0);
-      QTest::keyClick(window, Qt::Key_End);
-      QCOMPARE(v->value(), v->maximum());
-      QTest::keyClick(window, Qt::Key_Down);
-      QCOMPARE(v->value(), v->maximum());
-      QTest::keyClick(window, Qt::Key_PageUp);
-      QCOMPARE(v->value(), v->maximum() - v->pageStep());
-      QTest::keyClick(window, Qt::Key_Home);
-      QCOMPARE(v->value(), 0);
-      QTest::keyClick(window, Qt::Key_Right);
-      QCOMPARE(h->value(), h->singleStep());
-      QTest::keyClick(window, Qt::Key_Left);
-      QTest::keyClick(window, Qt::Key_Left);
-      QCOMPARE(h->value(), 0);
+      const std::tuple<Qt::Key, QScrollBar*, int> moves[] = {{Qt::Key_End, v, v->maximum()},
+                                                             {Qt::Key_Down, v, v->maximum()},
+                                                             {Qt::Key_PageUp, v, v->maximum() - v->pageStep()},
+                                                             {Qt::Key_Home, v, 0},
+                                                             {Qt::Key_Right, h, h->singleStep()},
+                                                             {Qt::Key_Left, h, 0},
+                                                             {Qt::Key_Left, h, 0}};
+      for (const auto& [key, bar, at] : moves) {
+        QTest::keyClick(window, key);
+        QCOMPARE(bar->value(), at);
+      }
       QTest::mousePress(page, Qt::LeftButton, {}, QPoint(200, 200));
       QMouseEvent move(QEvent::MouseMove, QPointF(150, 170), page->mapToGlobal(QPointF(150, 170)), Qt::NoButton,
                        Qt::LeftButton, {});

@@ -271,7 +271,7 @@ class WidgetTest : public QObject {
     script.Box(QMessageBox::Yes);
     script.Then("frmReports", [](QWidget* window) {
       Shot(window, "frmReports");
-      window->findChild<QPushButton*>("btnActionCANCEL")->click();
+      Click(window, "btnActionCANCEL");
     });
     desk.Control("cmdReading")->click();
     QVERIFY(script.Done());
@@ -303,16 +303,16 @@ class WidgetTest : public QObject {
     ModalScript script;
     script.Box(QMessageBox::Yes);
     // A preview comes back to the choice; Continue prints what is checked.
-    script.Then("frmReports", [](QWidget* window) { window->findChild<QPushButton*>("btnPreview4")->click(); });
+    script.Then("frmReports", [](QWidget* window) { Click(window, "btnPreview4"); });
     script.Box(QMessageBox::Ok);
     script.Then("frmPreview", [](QWidget* window) {
       QCOMPARE(window->windowTitle(), "Reading Report Page 1 of 1");
       window->close();
     });
     script.Then("frmReports", [](QWidget* window) {
-      window->findChild<QCheckBox*>("chkReports2")->setChecked(true);
-      window->findChild<QCheckBox*>("chkReports8")->setChecked(true);
-      window->findChild<QPushButton*>("btnActionCONTINUE")->click();
+      Check(window, "chkReports2");
+      Check(window, "chkReports8");
+      Click(window, "btnActionCONTINUE");
     });
     // This desk has no printer: each report is kept as a PDF, asked for once
     // it is done.
@@ -349,7 +349,7 @@ class WidgetTest : public QObject {
       list->setCurrentItem(list->topLevelItem(0));
       QVERIFY(use->isEnabled());
       Shot(window, "frmFavorites");
-      window->findChild<QPushButton*>("btnClose")->click();
+      Click(window, "btnClose");
     });
     desk.Control("cmdReading")->click();
     QVERIFY(script.Done());
@@ -358,7 +358,7 @@ class WidgetTest : public QObject {
 
     script.Then("frmFavorites", [](QWidget* window) {
       Pick(window, "List1", 0);
-      window->findChild<QPushButton*>("btnUse")->click();
+      Click(window, "btnUse");
     });
     script.Box(QMessageBox::No);  // the re-read question: the run stops there
     script.Box(QMessageBox::Ok);
@@ -379,27 +379,23 @@ class WidgetTest : public QObject {
                                       "PRC/PDB Installation"}));
       QCOMPARE(tips, QStringList({"Specify Source for Creating HIF file", "Input Transponder IDs for Re-Reads",
                                   "Specify Conversions for Meter Readings", "Handling of PRC/PDB files"}));
-      auto* maps = window->findChild<QComboBox*>("cboMapping0");
-      QStringList names;
-      for (int i = 0; i < maps->count(); ++i) names << maps->itemText(i);
-      QCOMPARE(names, QStringList({"Billing", "BillingCsv", "E5000", "Mvrs", "ReRead"}));
-      QCOMPARE(maps->currentText(), "Billing");
-      QCOMPARE(window->findChild<QComboBox*>("cboMapping3")->currentText(), "Orphans");
-      auto* type = window->findChild<QComboBox*>("cboHIFType1");
-      QCOMPARE(type->itemText(2), "Virtual File System (VFS)!");
-      QCOMPARE(window->findChild<QLineEdit*>("txtSource0")->text(), "examples/route-fixed.txt");
+      QCOMPARE(Entries(window, "cboMapping0"), QStringList({"Billing", "BillingCsv", "E5000", "Mvrs", "ReRead"}));
+      QCOMPARE(Chosen(window, "cboMapping0"), "Billing");
+      QCOMPARE(Chosen(window, "cboMapping3"), "Orphans");
+      QCOMPARE(Entries(window, "cboHIFType1").value(2), "Virtual File System (VFS)!");
+      QCOMPARE(Text<QLineEdit>(window, "txtSource0"), "examples/route-fixed.txt");
       QVERIFY(window->findChild<QGroupBox*>("fraOrphans")->isEnabled());
       QCOMPARE(window->findChild<QRadioButton*>("optInstallPRC1")->toolTip(),
                "The file is left in the destination directory.  You must manually install it onto a handheld.");
       QVERIFY(!window->findChild<QCheckBox*>("chkPrompt")->isEnabled());
-      window->findChild<QPushButton*>("cmdApply")->click();
+      Click(window, "cmdApply");
       QVERIFY(!window->findChild<QPushButton*>("cmdApply")->isEnabled());
-      window->findChild<QPushButton*>("btnEditMap2")->click();
+      Click(window, "btnEditMap2");
     });
     // The reading map saved as it stands, and the advanced window closed.
-    script.Then("frmMapEdit", [](QWidget* editor) { editor->findChild<QPushButton*>("btnActionSAVE")->click(); });
-    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("cmdOK")->click(); });
-    script.Then("frmAdvanced", [](QWidget* window) { window->findChild<QPushButton*>("btnClose")->click(); });
+    script.Then("frmMapEdit", [](QWidget* editor) { Click(editor, "btnActionSAVE"); });
+    script.Then("frmOptions", [](QWidget* window) { Click(window, "cmdOK"); });
+    script.Then("frmAdvanced", [](QWidget* window) { Click(window, "btnClose"); });
     desk.Control("cmdSetup")->click();
     desk.Control("btnAdvanced")->click();
     QVERIFY(script.Done());
@@ -408,20 +404,14 @@ class WidgetTest : public QObject {
     QVERIFY(ReadBytes(desk.dir / "after.dst") == ReadBytes(desk.dir / "before.dst"));
 
     // A map changed in the editor is saved where the next route reads it.
-    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("btnEditMap0")->click(); });
+    script.Then("frmOptions", [](QWidget* window) { Click(window, "btnEditMap0"); });
     script.Then("frmMapEdit", [](QWidget* editor) {
-      auto* fields = editor->findChild<QListWidget*>("lstMapFields");
-      fields->setCurrentItem(fields->findItems("User5", Qt::MatchExactly).value(0));
-      auto* option = editor->findChild<QComboBox*>("cboMapOption");
-      option->setCurrentIndex(option->findText("Map Constant"));
-      auto* constant = editor->findChild<QLineEdit*>("txtMapConstant");
-      constant->clear();
-      QTest::keyClicks(constant, "Z9");
-      editor->findChild<QPushButton*>("btnActionSAVE")->click();
+      Steps(editor, {"lstMapFields=User5", "cboMapOption=Map Constant", "txtMapConstant=Z9"});
+      Click(editor, "btnActionSAVE");
     });
     script.Then("frmOptions", [](QWidget* window) {
-      QCOMPARE(window->findChild<QComboBox*>("cboMapping0")->currentText(), "Billing");
-      window->findChild<QPushButton*>("cmdOK")->click();
+      QCOMPARE(Chosen(window, "cboMapping0"), "Billing");
+      Click(window, "cmdOK");
     });
     desk.Control("cmdSetup")->click();
     QVERIFY(script.Done());
@@ -438,15 +428,14 @@ class WidgetTest : public QObject {
     ModalScript script;
     script.Then("frmOptions", [](QWidget* window) {
       QCOMPARE(window->findChild<QComboBox*>("cboHIFType1")->currentIndex(), 0);
-      window->findChild<QRadioButton*>("optInstallPRC0")->click();
-      window->findChild<QCheckBox*>("chkPrompt")->setChecked(true);
+      Click(window, "optInstallPRC0");
+      Check(window, "chkPrompt");
       // Re-read files of the exceptions want a re-read destination.
-      auto* reread = window->findChild<QCheckBox*>("chkAutoReread");
-      reread->setChecked(false);
-      reread->setChecked(true);
+      Check(window, "chkAutoReread", false);
+      Check(window, "chkAutoReread");
     });
     script.Box(QMessageBox::Ok);
-    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("cmdCancel")->click(); });
+    script.Then("frmOptions", [](QWidget* window) { Click(window, "cmdCancel"); });
     desk.Control("cmdSetup")->click();
     QVERIFY(script.Done());
     QCOMPARE(script.boxes.at(0), (SeenBox{"Notice", "Specify the Re-Read destination file in the Re-Read Panel"}));
@@ -456,7 +445,7 @@ class WidgetTest : public QObject {
     const RunResult stored = RunHifx({"--site", desk.site.string(), "settings", "get", "AutoInstallPrompt"}, desk.dir);
     QCOMPARE(Q(stored.out), "N\n");
 
-    script.Then("frmOptions", [](QWidget* window) { window->findChild<QPushButton*>("cmdOK")->click(); });
+    script.Then("frmOptions", [](QWidget* window) { Click(window, "cmdOK"); });
     desk.Control("cmdSetup")->click();
     QCOMPARE(Q(exchange.ReReadHIFType), "PDB");
   }
@@ -464,28 +453,25 @@ class WidgetTest : public QObject {
   void everyRecordDialogAddsEditsAndDeletes() {
     Desk desk;
     clsAdvanced& advanced = desk.session.Exchange().Advanced();
+    // The dialog is "frmAdv" + name and asks "Delete " + name; added holds
+    // "field=text" pairs typed into a new record.
     struct Case {
       SiteList list;
-      const char* type;
-      const char* window;
-      std::vector<std::pair<const char*, const char*>> added;  // field, text
-      const char* changedField;
-      const char* shownAfterEdit;
-      const char* deleteCaption;
+      const char *type, *name, *added, *changedField, *shownAfterEdit;
     };
     const std::vector<Case> cases = {
-        {SiteList::Logins, "", "frmAdvLogin", {{"cLoginID", "ann"}, {"cPassword", "pw"}}, "cPassword", "ann", "Delete Login"},
-        {SiteList::Messages, "Account", "frmAdvMessage", {{"cRouteNbr", "0002"}, {"cMeterID", "77"}, {"cMessage", "a"}},
-         "cMessage", "0002||77\tchanged", "Delete Message"},
-        {SiteList::Changeouts, "MFG", "frmAdvChangeout", {{"cCode", "BD"}, {"cDescription", "Badger"}}, "cDescription",
-         "BD\tchanged", "Delete Changeout"},
-        {SiteList::Skips, "", "frmAdvSkip", {{"cCode", "11"}, {"cPathName", "Flooded"}}, "cPathName", "11\tchanged", "Delete Skip"},
-        {SiteList::Tokens, "Address", "frmAdvToken", {{"cToken", "HWY"}}, nullptr, "HWY", "Delete Token"},
-        {SiteList::Favorites, "", "frmAdvFavorite", {{"cUnitID", "U9"}, {"cPathName", "/r.pdb"}}, "cPathName",
-         "U9\tchanged", "Delete Favorite"},
+        {SiteList::Logins, "", "Login", "cLoginID=ann cPassword=pw", "cPassword", "ann"},
+        {SiteList::Messages, "Account", "Message", "cRouteNbr=0002 cMeterID=77 cMessage=a", "cMessage",
+         "0002||77\tchanged"},
+        {SiteList::Changeouts, "MFG", "Changeout", "cCode=BD cDescription=Badger", "cDescription", "BD\tchanged"},
+        {SiteList::Skips, "", "Skip", "cCode=11 cPathName=Flooded", "cPathName", "11\tchanged"},
+        {SiteList::Tokens, "Address", "Token", "cToken=HWY", nullptr, "HWY"},
+        {SiteList::Favorites, "", "Favorite", "cUnitID=U9 cPathName=/r.pdb", "cPathName", "U9\tchanged"},
     };
     for (const Case& c : cases) {
-      const std::string key = c.list == SiteList::Messages ? "0002||77" : c.added.front().second;
+      const QString window = QString("frmAdv") + c.name;
+      const QStringList added = QString(c.added).split(' ');
+      const std::string key = c.list == SiteList::Messages ? "0002||77" : added.front().section('=', 1).toStdString();
       auto rows = [&] {
         std::vector<std::string> shown;
         for (const ListRow& row : ListRows(advanced, c.list, c.type)) {
@@ -494,25 +480,25 @@ class WidgetTest : public QObject {
         return shown;
       };
       ModalScript script;
-      script.Then(c.window, [&](QWidget* w) {
-        for (const auto& [name, text] : c.added) w->findChild<QLineEdit*>(name)->setText(text);
-        Shot(w, c.window);
-        w->findChild<QPushButton*>("OKButton")->click();
+      script.Then(window, [&](QWidget* w) {
+        for (const QString& pair : added) SetText(w, pair.section('=', 0, 0), pair.section('=', 1));
+        Shot(w, window);
+        Click(w, "OKButton");
       });
       QCOMPARE(Q(frmAdvRecord(advanced, c.list, c.type).Display("", "Add")), "Save");
       QCOMPARE(rows().size(), size_t(1));
-      script.Then(c.window, [&](QWidget* w) {
-        if (c.changedField != nullptr) w->findChild<QLineEdit*>(c.changedField)->setText("changed");
-        w->findChild<QPushButton*>("OKButton")->click();
+      script.Then(window, [&](QWidget* w) {
+        if (c.changedField != nullptr) SetText(w, c.changedField, "changed");
+        Click(w, "OKButton");
       });
       frmAdvRecord(advanced, c.list, c.type).Display(key, "Edit");
-      QVERIFY2(rows() == std::vector<std::string>{c.shownAfterEdit}, c.window);
-      script.Then(c.window, [](QWidget* w) { w->findChild<QPushButton*>("DeleteButton")->click(); });
+      QVERIFY2(rows() == std::vector<std::string>{c.shownAfterEdit}, c.name);
+      script.Then(window, [](QWidget* w) { Click(w, "DeleteButton"); });
       script.Box(QMessageBox::Yes);
       QCOMPARE(Q(frmAdvRecord(advanced, c.list, c.type).Display(key, "Edit")), "Delete");
-      QVERIFY2(rows().empty(), c.window);
+      QVERIFY2(rows().empty(), c.name);
       QVERIFY(script.Done());
-      QCOMPARE(script.boxes.at(0), (SeenBox{c.deleteCaption, "Are you sure?"}));
+      QCOMPARE(script.boxes.at(0), (SeenBox{QString("Delete ") + c.name, "Are you sure?"}));
     }
   }
 
@@ -520,8 +506,6 @@ class WidgetTest : public QObject {
   void advancedWindowAddsAndEditsWhatTheStoreKeeps() {
     Desk desk;
     ModalScript script;
-    auto field = [](QWidget* w, const char* name, const char* text) { w->findChild<QLineEdit*>(name)->setText(text); };
-    auto click = [](QWidget* w, const char* name) { w->findChild<QPushButton*>(name)->click(); };
     script.Then("frmAdvanced", [&](QWidget* window) {
       QCOMPARE(window->windowTitle(), "Advanced");
       const auto [captions, tips] = Tabs(window, "frmAdvanced");
@@ -543,19 +527,19 @@ class WidgetTest : public QObject {
       QCOMPARE(favorite->text(),
                "Use Favorites to select readings file by handheld unit.(Define some paths first)");
       window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(3);
-      click(window, "btnSkipsAdd");
+      Click(window, "btnSkipsAdd");
     });
     // Blank, then a code the list has, then a new one.
     script.Then("frmAdvSkip", [&](QWidget* w) {
       QVERIFY(!w->findChild<QPushButton*>("DeleteButton")->isVisible());
-      field(w, "cCode", "09");
-      click(w, "OKButton");
+      SetText(w, "cCode", "09");
+      Click(w, "OKButton");
     });
     script.Box(QMessageBox::Ok);
     script.Then("frmAdvSkip", [&](QWidget* w) {
-      field(w, "cPathName", "Snow");
-      field(w, "cCode", "09");
-      click(w, "OKButton");
+      SetText(w, "cPathName", "Snow");
+      SetText(w, "cCode", "09");
+      Click(w, "OKButton");
     });
     script.Then("frmAdvanced", [&](QWidget* window) {
       auto* list = window->findChild<QTreeWidget*>("lstSkips");
@@ -563,30 +547,30 @@ class WidgetTest : public QObject {
       window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(0);
       QVERIFY(!window->findChild<QPushButton*>("btnLoginsEdit")->isEnabled());
       Pick(window, "lstLogins", 0);
-      click(window, "btnLoginsEdit");
+      Click(window, "btnLoginsEdit");
     });
     script.Then("frmAdvLogin", [&](QWidget* w) {
       QVERIFY(!w->findChild<QLineEdit*>("cLoginID")->isEnabled());
       QVERIFY(!w->findChild<QCheckBox*>("chkSupervisor")->isChecked());
-      w->findChild<QCheckBox*>("chkSupervisor")->setChecked(true);
-      click(w, "OKButton");
+      Check(w, "chkSupervisor");
+      Click(w, "OKButton");
     });
     script.Then("frmAdvanced", [&](QWidget* window) {
       window->findChild<QTabWidget*>("tbsOptions")->setCurrentIndex(1);
-      window->findChild<QRadioButton*>("optMessageType2")->click();
-      click(window, "btnMessagesAdd");
+      Click(window, "optMessageType2");
+      Click(window, "btnMessagesAdd");
     });
     script.Then("frmAdvMessage", [&](QWidget* w) {
-      w->findChild<QCheckBox*>("chkMessageAnyRoute")->setChecked(true);
-      field(w, "cMessage", "Check seal");
-      click(w, "OKButton");
+      Check(w, "chkMessageAnyRoute");
+      SetText(w, "cMessage", "Check seal");
+      Click(w, "OKButton");
     });
     script.Box(QMessageBox::Ok);
     script.Then("frmAdvMessage", [&](QWidget* w) {
-      field(w, "cMeterID", "1012345");
-      click(w, "OKButton");
+      SetText(w, "cMeterID", "1012345");
+      Click(w, "OKButton");
     });
-    script.Then("frmAdvanced", [&](QWidget* window) { click(window, "btnClose"); });
+    script.Then("frmAdvanced", [&](QWidget* window) { Click(window, "btnClose"); });
     desk.Control("btnAdvanced")->click();
     QVERIFY(script.Done());
     QVERIFY((script.boxes == std::vector<SeenBox>{{"hifExchange", "PathName is required"},
@@ -614,16 +598,16 @@ class WidgetTest : public QObject {
     const std::string storedSource = desk.session.Exchange().RouteSource;
     ModalScript script;
     script.Then("frmCheckRoute", [&](QWidget* window) {
-      QCOMPARE(window->findChild<QLineEdit*>("txtRoute")->text(), Q(storedSource));
-      QCOMPARE(window->findChild<QComboBox*>("cboMap")->currentText(), "Billing");
-      window->findChild<QLineEdit*>("txtRoute")->setText(Q(route.string()));
-      window->findChild<QPushButton*>("cmdCheck")->click();
+      QCOMPARE(Text<QLineEdit>(window, "txtRoute"), Q(storedSource));
+      QCOMPARE(Chosen(window, "cboMap"), "Billing");
+      SetText(window, "txtRoute", Q(route.string()));
+      Click(window, "cmdCheck");
       auto* list = window->findChild<QTableView*>("lstFaults");
       QCOMPARE(Column(list, 0), QStringList({"2", "12"}));
       QCOMPARE(Column(list, 1), QStringList({"Sequence", "Sequence"}));
       QCOMPARE(Column(list, 3), QStringList({"zero", "zero"}));
-      QCOMPARE(window->findChild<QLabel*>("lblSummary")->text(), "12 lines, 3 routes, 12 meters; 2 faults: 2 zero");
-      QCOMPARE(window->findChild<QLabel*>("lblVerdict")->text(), "The route would convert, with warnings.");
+      QCOMPARE(Text(window, "lblSummary"), "12 lines, 3 routes, 12 meters; 2 faults: 2 zero");
+      QCOMPARE(Text(window, "lblVerdict"), "The route would convert, with warnings.");
       // Twice on the header: by line, then by line from the last.
       QTest::mouseClick(list->horizontalHeader()->viewport(), Qt::LeftButton, {},
                         QPoint(list->horizontalHeader()->sectionViewportPosition(0) + 5, 5));
@@ -633,23 +617,23 @@ class WidgetTest : public QObject {
       QCOMPARE(Column(list, 0), QStringList({"12", "2"}));
       QCoreApplication::processEvents();
       Shot(window, "frmCheckRoute");
-      window->findChild<QPushButton*>("cmdSave")->click();
+      Click(window, "cmdSave");
       // A file in a folder that isn't there: the failure names it.
-      window->findChild<QPushButton*>("cmdSave")->click();
+      Click(window, "cmdSave");
       // The change-out trap: a route file made before a meter was changed
       // out, held against the last readings.
-      window->findChild<QLineEdit*>("txtRoute")->setText(Q(changed.string()));
-      window->findChild<QLineEdit*>("txtSince")->setText(Q((kExamples / "reading.pdb").string()));
-      window->findChild<QPushButton*>("cmdCheck")->click();
+      SetText(window, "txtRoute", Q(changed.string()));
+      SetText(window, "txtSince", Q((kExamples / "reading.pdb").string()));
+      Click(window, "cmdCheck");
       auto* changes = window->findChild<QPlainTextEdit*>("txtChanges");
       QVERIFY(changes->isVisible());
       QCOMPARE(changes->toPlainText(),
                "changed out: account 100-002, route 1, sequence 20: meter SN4411 -> SN9911, tag 1012346 -> 1019999\n"
                "Since " + Q((kExamples / "reading.pdb").string()) + ": 1 changed out, 0 new, 0 gone");
-      QCOMPARE(window->findChild<QLabel*>("lblVerdict")->text(), "The route would convert.");
+      QCOMPARE(Text(window, "lblVerdict"), "The route would convert.");
       QCoreApplication::processEvents();
       Shot(window, "frmCheckRoute-changes");
-      window->findChild<QPushButton*>("cmdClose")->click();
+      Click(window, "cmdClose");
     });
     script.File(desk.dir / "faults.csv");
     script.File(desk.dir / "missing" / "faults.csv");
@@ -744,12 +728,12 @@ class WidgetTest : public QObject {
       Shot(window, "frmPromptVariables");
       QCOMPARE(window->windowTitle(), "Runtime Variables");
       QTest::keyClicks(window->findChild<QLineEdit*>("nPrompt"), "12a.5-x ");
-      window->findChild<QPushButton*>("btnActionOK")->click();
+      Click(window, "btnActionOK");
     });
     script.Box(QMessageBox::Ok);
     script.Then("frmPromptVariables", [](QWidget* window) {
       window->findChildren<QLineEdit*>("cPrompt").at(0)->setText("JD");
-      window->findChild<QPushButton*>("btnActionOK")->click();
+      Click(window, "btnActionOK");
     });
     std::vector<std::string> values;
     QVERIFY(shell.PromptVariables(fields, values));
@@ -757,8 +741,8 @@ class WidgetTest : public QObject {
     QVERIFY((values == std::vector<std::string>{"JD", "12.5-", ""}));
 
     script.Then("frmPromptVariables", [](QWidget* window) {
-      QCOMPARE(window->findChild<QPushButton*>("btnActionCancel")->text(), "&Cancel");
-      window->findChild<QPushButton*>("btnActionCancel")->click();
+      QCOMPARE(Text<QPushButton>(window, "btnActionCancel"), "&Cancel");
+      Click(window, "btnActionCancel");
     });
     QVERIFY(!shell.PromptVariables(fields, values));
   }
@@ -799,7 +783,7 @@ class WidgetTest : public QObject {
       install->click();
     });
     QCOMPARE(Q(shell.ChooseUnit({"Alice", "Bob"})), "Bob");
-    script.Then("frmPromptUnit", [](QWidget* window) { window->findChild<QPushButton*>("btnCancel")->click(); });
+    script.Then("frmPromptUnit", [](QWidget* window) { Click(window, "btnCancel"); });
     QVERIFY(shell.ChooseUnit({"Alice", "Bob"}).empty());
   }
 
@@ -838,10 +822,10 @@ class WidgetTest : public QObject {
     ModalScript script;
     auto attempt = [&](const char* name, const char* password) {
       script.Then("frmLogin", [=](QWidget* window) {
-        window->findChild<QLineEdit*>("txtUserName")->setText(name);
-        window->findChild<QLineEdit*>("txtPassword")->setText(password);
+        SetText(window, "txtUserName", name);
+        SetText(window, "txtPassword", password);
         if (std::string(name) == "SUPER") Shot(window, "frmLogin");
-        window->findChild<QPushButton*>("cmdOK")->click();
+        Click(window, "cmdOK");
       });
     };
     attempt("", "x");
@@ -858,7 +842,7 @@ class WidgetTest : public QObject {
                                                  {"Login", "Password Required!"},
                                                  {"hifExchange", "Not a supervisor!"},
                                                  {"hifExchange", "Invalid User ID or Password, try again!"}}));
-    script.Then("frmLogin", [](QWidget* window) { window->findChild<QPushButton*>("cmdCancel")->click(); });
+    script.Then("frmLogin", [](QWidget* window) { Click(window, "cmdCancel"); });
     QVERIFY(!frmLogin(advanced).Display());
   }
 
@@ -900,11 +884,11 @@ class WidgetTest : public QObject {
                                                    "2024-03-09 08:00:00", "2024-03-09 09:00:00", "1:00:00", "1"}));
     QCOMPARE(Figures(&viewer, true), QStringList(15, ""));
     QCOMPARE(viewer.findChild<QLabel*>("lblStatSkipped")->toolTip(), "Locked gate (LCK): 1");
-    QCOMPARE(viewer.findChild<QLabel*>("lblStatNote")->text(), "");
+    QCOMPARE(Text(&viewer, "lblStatNote"), "");
     // A click on route 7 counts it beside the file.
     auto* list = viewer.findChild<QTableView*>("lstRoutes");
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
-    QCOMPARE(viewer.findChild<QLabel*>("lblStatRoute")->text(), "Route 7 NORTH");
+    QCOMPARE(Text(&viewer, "lblStatRoute"), "Route 7 NORTH");
     QCOMPARE(Figures(&viewer, true), QStringList({"3", "2", "1", "0", "1", "1", "0", "1", "0", "0", "0",
                                                   "2024-03-09 08:00:00", "2024-03-09 08:15:00", "0:15:00", ""}));
     QCOMPARE(viewer.Meters().Table().rows.size(), size_t(3));
@@ -925,7 +909,7 @@ class WidgetTest : public QObject {
     QTest::mouseClick(map, Qt::LeftButton, {}, QPoint(qRound(place.first) + 2, qRound(place.second) - 2));
     QCOMPARE(tabs->currentIndex(), 0);
     QCOMPARE(list->selectionModel()->selectedRows().value(0).row(), 1);
-    QCOMPARE(viewer.findChild<QLabel*>("lblStatRoute")->text(), "Route 3 SOUTH");
+    QCOMPARE(Text(&viewer, "lblStatRoute"), "Route 3 SOUTH");
     auto* meters = viewer.findChild<QTableView*>("lstMeters");
     const QModelIndex picked = meters->selectionModel()->selectedRows().value(0);
     QCOMPARE(picked.row(), 1);
@@ -948,7 +932,7 @@ class WidgetTest : public QObject {
     frmHIFView viewer(desk.shell);
     QVERIFY(viewer.Display(desk.dir / "damaged.pdb"));
     QCOMPARE(viewer.Routes().Table().rows.size(), size_t(2));
-    QCOMPARE(viewer.findChild<QLabel*>("lblStatNote")->text(), "No counts: the file is damaged.");
+    QCOMPARE(Text(&viewer, "lblStatNote"), "No counts: the file is damaged.");
     QCOMPARE(Figures(&viewer, false), QStringList(15, ""));
     viewer.lstRoutes_Click(1);
     QCOMPARE(viewer.Meters().Table().rows.size(), size_t(2));
