@@ -64,6 +64,23 @@ class IRegistryStore {
   virtual std::vector<std::string> SubKeys(uint32_t hive, const KeyNames& key) = 0;
   // The values of a key with their data, in the order they were first written.
   virtual std::vector<RegValue> Values(uint32_t hive, const KeyNames& key) = 0;
+  // Reads between these two see the settings as they stood at the first of
+  // them, and a store that locks for each read locks once. Pairs may nest; a
+  // write in between still goes through. See ReadingTogether.
+  virtual void BeginReads() {}
+  virtual void EndReads() {}
+};
+
+// Many settings read in one go, such as a whole group at load.
+class ReadingTogether {
+ public:
+  explicit ReadingTogether(IRegistryStore& store) : store_(store) { store_.BeginReads(); }
+  ~ReadingTogether() { store_.EndReads(); }
+  ReadingTogether(const ReadingTogether&) = delete;
+  ReadingTogether& operator=(const ReadingTogether&) = delete;
+
+ private:
+  IRegistryStore& store_;
 };
 
 }  // namespace hifx

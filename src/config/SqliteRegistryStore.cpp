@@ -164,10 +164,25 @@ bool SqliteRegistryStore::Exec(const char* sql) {
 }
 
 bool SqliteRegistryStore::InTransaction(const std::function<bool()>& work) {
-  if (!Exec("BEGIN IMMEDIATE")) return false;
-  if (work() && Exec("COMMIT")) return true;
-  Exec("ROLLBACK");
-  return false;
+  // A write among reads taken together ends their snapshot, which starts
+  // again after it.
+  const bool reading = readDepth_ > 0 && sqlite3_get_autocommit(db_) == 0;
+  if (reading) Exec("COMMIT");
+  bool done = false;
+  if (Exec("BEGIN IMMEDIATE")) {
+    done = work() && Exec("COMMIT");
+    if (!done) Exec("ROLLBACK");
+  }
+  if (reading) Exec("BEGIN");
+  return done;
+}
+
+void SqliteRegistryStore::BeginReads() {
+  if (readDepth_++ == 0) Exec("BEGIN");
+}
+
+void SqliteRegistryStore::EndReads() {
+  if (readDepth_ > 0 && --readDepth_ == 0 && sqlite3_get_autocommit(db_) == 0) Exec("COMMIT");
 }
 
 sqlite3_stmt* SqliteRegistryStore::Prepared(int which, const char* sql) {

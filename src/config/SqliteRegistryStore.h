@@ -33,6 +33,8 @@ class SqliteRegistryStore : public IRegistryStore {
   bool DeleteValue(uint32_t hive, const KeyNames& key, std::string_view name) override;
   std::vector<std::string> SubKeys(uint32_t hive, const KeyNames& key) override;
   std::vector<RegValue> Values(uint32_t hive, const KeyNames& key) override;
+  void BeginReads() override;
+  void EndReads() override;
 
   const std::filesystem::path& File() const { return file_; }
 
@@ -49,6 +51,7 @@ class SqliteRegistryStore : public IRegistryStore {
   std::filesystem::path file_;
   sqlite3* db_ = nullptr;
   std::vector<sqlite3_stmt*> statements_;
+  int readDepth_ = 0;  // BeginReads not yet ended
 };
 
 }  // namespace hifx

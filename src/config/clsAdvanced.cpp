@@ -410,6 +410,7 @@ void clsAdvanced::LoadList(ListId list) {
 }
 
 void clsAdvanced::LoadValues() {
+  ReadingTogether together(store_);
   clsRegistry registry(store_);
   lists_ = {};
   dirty_ = {};

@@ -125,6 +125,7 @@ bool clsExchange::SaveParm(std::string_view section, std::string_view valueName,
 }
 
 void clsExchange::LoadSettings() {
+  ReadingTogether together(env_.store);
   for (const ExchangeSetting& s : kSettings) {
     Decode(*this, s, TextOf(GetParm(s.key, s.valueName, Value(std::string(s.defaultValue)))));
   }

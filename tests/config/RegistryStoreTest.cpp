@@ -141,6 +141,21 @@ TEST_F(SqliteRegistry, ReadingTheSettingsLeavesTheFileAsItWas) {
   EXPECT_FALSE(std::filesystem::exists(dir / "own.db-wal"));
 }
 
+// Settings read together at load: a write among them still lands and is
+// seen, and once they end another writer is not held up.
+TEST_F(SqliteRegistry, ReadsTakenTogetherLetAWriteThroughAndHoldNothingAfter) {
+  ASSERT_TRUE(registry.SaveValue("a", ValuePath("A")));
+  {
+    ReadingTogether together(store);
+    EXPECT_EQ(registry.GetValue(ValuePath("A")), Value("a"));
+    EXPECT_TRUE(registry.SaveValue("b", ValuePath("B")));
+    EXPECT_EQ(registry.GetValue(ValuePath("B")), Value("b"));
+  }
+  SqliteRegistryStore other(dir / "registry.db", 200);
+  EXPECT_TRUE(clsRegistry(other).SaveValue("c", ValuePath("C")));
+  EXPECT_EQ(registry.GetValue(ValuePath("C")), Value("c"));
+}
+
 // Two processes setting at once lose nothing in the command line's tests;
 // here the second writer waits no longer than it was told.
 TEST_F(SqliteRegistry, AWriterHeldUpLongerThanItsWaitFailsCleanly) {
