@@ -139,10 +139,11 @@ int Dump(const std::string& file) {
   clsHIF hif(quiet);
   OpenToRead(hif, file);
   std::string out;
+  RecordJsonWriter json;
   int record = 0;
   try {
     while (hif.ReadData()) {
-      AppendRecordJson(out, hif);
+      json.Append(out, hif);
       out.push_back('\n');
       ++record;
       if (out.size() > (1u << 16)) {

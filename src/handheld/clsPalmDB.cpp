@@ -69,6 +69,7 @@ int16_t clsPalmDB::OpenDB(const std::filesystem::path& fileName, int32_t fileTyp
 
 void clsPalmDB::ClearSchema() {
   schema_.assign(1, SchemaField{});
+  ++schemaGeneration_;
   byName_.clear();
   byExactName_.clear();
   lastFound_ = 0;
@@ -96,6 +97,7 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
   field.firstOfName = byName_.try_emplace(field.name, index).second;  // the first of equal names wins
   if (FindItem(field.name) == index) byExactName_.try_emplace(field.name, index);
   schema_.push_back(std::move(field));
+  ++schemaGeneration_;
 }
 
 int16_t clsPalmDB::FindItem(std::string_view name) const {
@@ -362,7 +364,7 @@ int16_t clsPalmDB::Position255() { return Container().Position255(); }
 
 KeyedCollection<Value> clsPalmDB::GetValues() {
   KeyedCollection<Value> values;
-  ForEachValue([&values](const std::string& name, Value value) { values.Add(name, std::move(value)); });
+  ForEachValue([&values](const std::string& name, const Value& value) { values.Add(name, value); });
   return values;
 }
 

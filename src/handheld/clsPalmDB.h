@@ -99,15 +99,20 @@ class clsPalmDB {
   // Each field of the record with its value, in the schema's order, as
   // GetValues holds them, without a collection built for the record: a name
   // met twice fails as the collection's add would.
+  // The value passed is reused from one field to the next.
   template <typename Visit>
   void ForEachValue(Visit&& visit) {
+    Value value;
     for (int16_t i = 1; i <= FieldCount(); ++i) {
       const SchemaField& field = schema_[static_cast<size_t>(i)];
-      Value value = ReadField(i);
+      ReadField(i, value);
       if (!field.firstOfName) throw Failure(fail::kDuplicateKey);
-      visit(field.name, std::move(value));
+      visit(field.name, static_cast<const Value&>(value));
     }
   }
+  // Changes whenever a field is added or the fields are cleared, so that
+  // what is worked out from the field list can be kept until then.
+  uint32_t SchemaGeneration() const { return schemaGeneration_; }
   int32_t GetType() const { return fileType_; }
   const std::string& RawData() const { return buffer_; }
   void SetRawData(std::string bytes) {
@@ -130,6 +135,7 @@ class clsPalmDB {
   int16_t textCount_ = 0;
   std::string buffer_;
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
+  uint32_t schemaGeneration_ = 0;
   // First schema index of each name, so a lookup by name needs no scan: the
   // name as written first, then with no regard to case.
   struct ExactHash {

@@ -127,11 +127,11 @@ TextTable HifView::Meters(int32_t route) {
 
 std::string RecordToJson(clsHIF& hif) {
   std::string out;
-  AppendRecordJson(out, hif);
+  RecordJsonWriter().Append(out, hif);
   return out;
 }
 
-void AppendRecordJson(std::string& out, clsHIF& hif) {
+void RecordJsonWriter::Append(std::string& out, clsHIF& hif) {
   const size_t start = out.size();
   out.push_back('{');
   const std::string& raw = hif.RawData();
@@ -177,12 +177,24 @@ void AppendRecordJson(std::string& out, clsHIF& hif) {
       return;
     }
   }
-  bool first = true;
-  hif.DB().ForEachValue([&out, &first](const std::string& name, const Value& value) {
-    if (!first) out.push_back(',');
-    first = false;
-    AppendJsonText(out, name);
-    out.push_back(':');
+  AppendFields(out, hif.DB());
+  out.push_back('}');
+}
+
+void RecordJsonWriter::AppendFields(std::string& out, clsPalmDB& db) {
+  if (db_ != &db || generation_ != db.SchemaGeneration()) {
+    db_ = &db;
+    generation_ = db.SchemaGeneration();
+    keys_.clear();
+    for (int16_t i = 1; i <= db.FieldCount(); ++i) {
+      std::string& key = keys_.emplace_back(i > 1 ? "," : "");
+      AppendJsonText(key, db.Field(i).name);
+      key.push_back(':');
+    }
+  }
+  size_t field = 0;
+  db.ForEachValue([&out, &field, this](const std::string&, const Value& value) {
+    out += keys_[field++];
     if (value.IsEmpty() || value.IsNull()) {
       out += "null";  // past the end of a short record
     } else if (value.IsText()) {
@@ -195,7 +207,6 @@ void AppendRecordJson(std::string& out, clsHIF& hif) {
       out += value.ToText();
     }
   });
-  out.push_back('}');
 }
 
 }  // namespace hifx

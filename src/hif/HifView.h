@@ -45,7 +45,20 @@ void AppendJsonText(std::string& out, const std::string& text);
 // name, code records by group, flag and entries, index records by route,
 // type and entries; one that can't be taken apart by its bytes in hex.
 std::string RecordToJson(clsHIF& hif);
-// The same object added to the end of out.
-void AppendRecordJson(std::string& out, clsHIF& hif);
+
+// The same objects for record after record of one file: each field's quoted
+// name is worked out once for as long as the file's field list stands.
+class RecordJsonWriter {
+ public:
+  // The record's object added to the end of out.
+  void Append(std::string& out, clsHIF& hif);
+
+ private:
+  void AppendFields(std::string& out, clsPalmDB& db);
+
+  const clsPalmDB* db_ = nullptr;
+  uint32_t generation_ = 0;
+  std::vector<std::string> keys_;  // `"Name":`, behind a comma from the second on
+};
 
 }  // namespace hifx

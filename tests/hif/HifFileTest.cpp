@@ -137,5 +137,25 @@ TEST(HifDump, TextsAreEscapedWhereverTheBytesFall) {
   }
 }
 
+// One writer for a whole file names the fields of the field list in force,
+// even when it changes between records.
+TEST(HifDump, AWriterFollowsAChangeOfTheFieldList) {
+  TempDir dir;
+  TestShell shell;
+  WriteSampleHif(shell, dir / "route.pdb", kFilePDB);
+  clsHIF hif(shell);
+  hif.SetVersion(3);
+  ASSERT_FALSE(hif.OpenHIF(dir / "route.pdb"));
+  for (int record = 0; record < 4; ++record) ASSERT_TRUE(hif.ReadData());  // the first meter
+  RecordJsonWriter writer;
+  std::string three, one;
+  writer.Append(three, hif);
+  EXPECT_EQ(three, RecordToJson(hif));
+  hif.SetVersion(1);
+  writer.Append(one, hif);
+  EXPECT_EQ(one, RecordToJson(hif));
+  EXPECT_NE(one, three);
+}
+
 }  // namespace
 }  // namespace hifx::test
