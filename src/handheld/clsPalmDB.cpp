@@ -173,12 +173,18 @@ int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
 
 namespace {
 
+// A number of 1, 2 or 4 bytes, high byte first, as BytesToLong reads it: a
+// 4-byte one past the largest Long reads as 0. Written out here, as every
+// field of every record comes through it.
 int32_t ReadNumber(const std::string& buffer, int16_t offset, size_t width) {
   if (offset < 0 || static_cast<size_t>(offset) + width > buffer.size()) {
     throw Failure(fail::kSubscript);
   }
-  return BytesToLong(
-      std::span(reinterpret_cast<const uint8_t*>(buffer.data()) + offset, width));
+  const auto* b = reinterpret_cast<const uint8_t*>(buffer.data()) + offset;
+  if (width == 1) return b[0];
+  if (width == 2) return b[0] << 8 | b[1];
+  const uint32_t value = uint32_t{b[0]} << 24 | uint32_t{b[1]} << 16 | uint32_t{b[2]} << 8 | b[3];
+  return value > 0x7FFFFFFFu ? 0 : static_cast<int32_t>(value);
 }
 
 }  // namespace
