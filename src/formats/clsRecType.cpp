@@ -78,6 +78,7 @@ void clsRecType::ClearFields() {
   signatures_.clear();
   table_.fill(0);
   hits_.fill(NameHit{});
+  hitCount_ = 0;
   values_.clear();
   pending_.clear();
 }
@@ -106,15 +107,34 @@ size_t clsRecType::SlotOf(uint32_t signature) {
   return static_cast<size_t>((signature * 2654435761u) >> (32 - kTableBits));
 }
 
+clsRecType::NameHit* clsRecType::HitFor(const char* address) const {
+  const auto key = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(address));
+  for (size_t at = static_cast<size_t>((key * 0x9E3779B97F4A7C15ull) >> (64 - kHitCacheBits));;
+       at = (at + 1) & (kHitCacheSize - 1)) {
+    NameHit& hit = hits_[at];
+    if (hit.name == address) return &hit;
+    if (hit.name == nullptr) {
+      if (hitCount_ >= kHitCacheSize / 2) return nullptr;
+      ++hitCount_;
+      hit.name = address;
+      hit.slot = SIZE_MAX;  // not found yet
+      return &hit;
+    }
+  }
+}
+
 const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const {
   // Conversions name fields by the same literal texts line after line: where
-  // a text was last found is remembered by its address, and checked.
-  const auto address = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(name.data()));
-  NameHit& hit = hits_[static_cast<size_t>((address * 0x9E3779B97F4A7C15ull) >> (64 - kHitCacheBits))];
-  if (hit.name == name.data() && hit.slot < fields_.size() && SameText(fields_[hit.slot].FieldName, name)) {
-    slot = hit.slot;
+  // a text was found is remembered by its address, and checked.
+  NameHit* hit = name.data() != nullptr ? HitFor(name.data()) : nullptr;
+  if (hit != nullptr && hit->slot < fields_.size() && SameText(fields_[hit->slot].FieldName, name)) {
+    slot = hit->slot;
     return &fields_[slot];
   }
+  return FindFieldByName(name, slot, hit);
+}
+
+const clsField* clsRecType::FindFieldByName(std::string_view name, size_t& slot, NameHit* hit) const {
   const uint32_t signature = Signature(name);
   for (size_t at = SlotOf(signature);; at = (at + 1) & (kTableSize - 1)) {
     const uint16_t entry = table_[at];
@@ -123,7 +143,7 @@ const clsField* clsRecType::FindField(std::string_view name, size_t& slot) const
     const std::string& fieldName = fields_[i].FieldName;
     if (signatures_[i] == signature && (fieldName == name || EqualsCaseBlind(fieldName, name))) {
       slot = i;
-      hit = NameHit{name.data(), i};
+      if (hit != nullptr) hit->slot = i;
       return &fields_[i];
     }
   }

@@ -72,9 +72,16 @@ class clsRecType {
     const char* name = nullptr;
     size_t slot = 0;
   };
+  // Where a name's text was found, by the text's address: an open table
+  // filled to half at most, so that names met line after line stay found.
   static constexpr size_t kHitCacheBits = 7;
   static constexpr size_t kHitCacheSize = size_t{1} << kHitCacheBits;
   mutable std::array<NameHit, kHitCacheSize> hits_{};
+  mutable size_t hitCount_ = 0;
+  NameHit* HitFor(const char* address) const;
+  // The search behind FindField when the address isn't remembered, kept
+  // apart so that the remembered case stays short.
+  [[gnu::noinline]] const clsField* FindFieldByName(std::string_view name, size_t& slot, NameHit* hit) const;
   // Values of a parsed line are taken from it when first asked for.
   void Materialize(size_t slot) const {
     if (pending_[slot] != 0) TakeFromLine(slot);

@@ -2,6 +2,9 @@
 // how a record type parses and builds whole lines.
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <vector>
+
 #include "base/DateSerial.h"
 #include "base/Failure.h"
 #include "formats/clsRecType.h"
@@ -150,6 +153,22 @@ TEST(RecordEngine, RecordTypeParsesAndBuildsByName) {
   type.Parse("RHDROUTE-020042");
   EXPECT_EQ(type.GetValue("Count"), Value::Long(42));
   EXPECT_EQ(type.GetValue("Other"), Value());
+}
+
+// A name is remembered by where its text lies, and checked: a buffer that
+// holds one name and then another finds each, and names from more places
+// than are remembered are still found.
+TEST(RecordEngine, NamesAreFoundWhateverBufferTheyComeIn) {
+  clsRecType type = Sample();
+  type.Parse("RHDROUTE-010042");
+  char name[16] = "RouteNumber";
+  EXPECT_EQ(type.GetValue(name), Value("ROUTE-01"));
+  std::strcpy(name, "Count");
+  EXPECT_EQ(type.GetValue(name), Value::Long(42));
+  const std::vector<std::string> copies(200, "RecID");
+  for (const std::string& copy : copies) EXPECT_EQ(type.GetValue(copy), Value("RHD"));
+  std::strcpy(name, "routenumber");
+  EXPECT_EQ(type.GetValue(name), Value("ROUTE-01"));
 }
 
 TEST(RecordEngine, FailureWhileBuildingIsShownAndGivesNothing) {

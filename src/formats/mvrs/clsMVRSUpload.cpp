@@ -17,7 +17,16 @@ constexpr std::array<std::string_view, 18> kWritable = {"FHD", "FTR", "RHD", "RT
 
 }  // namespace
 
-clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MVRSUploadCatalogue(), shell)) {}
+clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MVRSUploadCatalogue(), shell)) {
+  for (const std::string_view kind : kWritable) {
+    for (const auto& type : types_) {
+      if (type->IDText == kind) {
+        writable_.emplace_back(kind, type.get());
+        break;
+      }
+    }
+  }
+}
 
 bool clsMVRSUpload::CreateFile(const std::string& path) {
   try {
@@ -29,14 +38,11 @@ bool clsMVRSUpload::CreateFile(const std::string& path) {
   }
 }
 
-clsRecType* clsMVRSUpload::SetupRecord(const std::string& id) {
-  for (const std::string_view kind : kWritable) {
-    if (kind != id) continue;
-    for (const auto& type : types_) {
-      if (type->IDText == kind) {
-        type->Init();
-        return type.get();
-      }
+clsRecType* clsMVRSUpload::SetupRecord(std::string_view id) {
+  for (const auto& [kind, type] : writable_) {
+    if (kind == id) {
+      type->Init();
+      return type;
     }
   }
   return nullptr;

@@ -4,6 +4,8 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/Shell.h"
@@ -23,7 +25,7 @@ class clsMVRSUpload {
   void Finish() { file_.Finish(); }
   // The record type of the kind, its values cleared; nothing for a kind the
   // reading file doesn't write.
-  clsRecType* SetupRecord(const std::string& id);
+  clsRecType* SetupRecord(std::string_view id);
   // Writes the record as one line; always false. Writing with no file open
   // is failure 52.
   bool WriteRecord(clsRecType& record);
@@ -31,6 +33,8 @@ class clsMVRSUpload {
  private:
   IShell* shell_;
   std::vector<std::unique_ptr<clsRecType>> types_;
+  // The kinds that can be set up, each with the first type of its kind.
+  std::vector<std::pair<std::string_view, clsRecType*>> writable_;
   RecordLineWriter file_;
 };
 
