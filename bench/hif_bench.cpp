@@ -2,7 +2,10 @@
 // Palm::PDB module writing the same records, for comparison.
 //
 //   write/meters:N      a schema-3 PDB HIF of a file header, a route header
-//                       and N meter records, filled field by field by name
+//                       and N meter records, filled field by field as a
+//                       route conversion fills them: by the meter fields
+//                       found once in the schema, and by name for the
+//                       three fields a conversion never writes
 //   read/meters:N       that file read back, every field of every record by
 //                       name
 //   perl_startup        perl loading Palm::PDB and doing nothing
@@ -39,6 +42,7 @@ namespace {
 namespace fs = std::filesystem;
 using hifx::clsHIF;
 using hifx::Failure;
+using hifx::MeterField;
 using hifx::Value;
 
 // The file and route headers take two records of the file besides the meters.
@@ -179,46 +183,46 @@ class RouteSource {
     const int32_t previous = (i * 7919 + 1234) % 900000;
     const int32_t day = i % 28 + 1;
     hif.AddNew();
-    hif.SetItem("RecType", Value::Long(hifx::kRecMeter));
-    hif.SetItem("RouteNbr", Value::Long(1));
-    hif.SetItem("Sequence", Value::Long((i + 1) * 10));
-    hif.SetItem("MeterTagNbr", Value::Long(500000 + i * 7));
-    hif.SetItem("MeterType", Value::Long(1 + i % 4));
-    hif.SetItem("Digits", Value::Long(4 + i % 5));
-    hif.SetItem("Decimals", Value::Long(i % 3));
+    hif.SetItem(MeterField::RecType, Value::Long(hifx::kRecMeter));
+    hif.SetItem(MeterField::RouteNbr, Value::Long(1));
+    hif.SetItem(MeterField::Sequence, Value::Long((i + 1) * 10));
+    hif.SetItem(MeterField::MeterTagNbr, Value::Long(500000 + i * 7));
+    hif.SetItem(MeterField::MeterType, Value::Long(1 + i % 4));
+    hif.SetItem(MeterField::Digits, Value::Long(4 + i % 5));
+    hif.SetItem(MeterField::Decimals, Value::Long(i % 3));
     hif.SetItem("Reserved1", Value::Long(0));
-    hif.SetItem("PrvReading", Value::Long(previous));
-    hif.SetItem("MaxReading", Value::Long(previous + 2000 + i % 500));
-    hif.SetItem("MinReading", Value::Long(previous + i % 10));
-    hif.SetItem("CurReading", Value::Long(i % 9 == 0 ? previous + 117 : 0));
-    hif.SetItem("ReadingDate", Value::Long(i % 9 == 0 ? 20240300 + day : 0));
-    hif.SetItem("ReadingTime", Value::Long(i % 9 == 0 ? 80000 + (i % 36) * 100 : 0));
-    hif.SetItem("Status", Value::Long(i % 4));
-    hif.SetItem("ReadType", Value::Long(i % 3));
-    hif.SetItem("ResponseCode", Value::Long(i % 9 == 0 ? 0 : 10 + i % 40));
-    hif.SetItem("LstReadingDate", Value::Long(20240200 + day));
+    hif.SetItem(MeterField::PrvReading, Value::Long(previous));
+    hif.SetItem(MeterField::MaxReading, Value::Long(previous + 2000 + i % 500));
+    hif.SetItem(MeterField::MinReading, Value::Long(previous + i % 10));
+    hif.SetItem(MeterField::CurReading, Value::Long(i % 9 == 0 ? previous + 117 : 0));
+    hif.SetItem(MeterField::ReadingDate, Value::Long(i % 9 == 0 ? 20240300 + day : 0));
+    hif.SetItem(MeterField::ReadingTime, Value::Long(i % 9 == 0 ? 80000 + (i % 36) * 100 : 0));
+    hif.SetItem(MeterField::Status, Value::Long(i % 4));
+    hif.SetItem(MeterField::ReadType, Value::Long(i % 3));
+    hif.SetItem(MeterField::ResponseCode, Value::Long(i % 9 == 0 ? 0 : 10 + i % 40));
+    hif.SetItem(MeterField::LstReadingDate, Value::Long(20240200 + day));
     hif.SetItem("TamperCount", Value::Long(i % 7));
-    hif.SetItem("UtilityCode", Value::Long(1 + i % 3));
+    hif.SetItem(MeterField::UtilityCode, Value::Long(1 + i % 3));
     hif.SetItem("Signal", Value::Long(40 + i % 60));
     // Microdegrees, north and east: a 4-byte field takes no value below
     // -16777215.
-    hif.SetItem("Lat", Value::Long(45000000 + (i * 37) % 400000));
-    hif.SetItem("Lng", Value::Long(7600000 + (i * 53) % 400000));
-    hif.SetItem("ScaleFactor", Value::Long(i % 5 == 0 ? 10 : 1));
-    hif.SetItem("InitReading", Value::Long(previous - previous % 1000));
-    hif.SetItem("InitPulseCount", Value::Long((i * 131) % 65536));
-    hif.SetItem("InitTamperCount", Value::Long(i % 3));
-    hif.SetItem("Message", t.message);
-    hif.SetItem("ServiceAddress", t.serviceAddress);
-    hif.SetItem("BillingName", t.billingName);
-    hif.SetItem("ServiceUniqueID", t.serviceUniqueId);
-    hif.SetItem("MeterSerialNbr", t.meterSerialNbr);
-    hif.SetItem("ReceiverData", t.receiverData);
-    hif.SetItem("User1", t.user1);
-    hif.SetItem("User2", t.user2);
-    hif.SetItem("User3", t.user3);
-    hif.SetItem("User4", t.user4);
-    hif.SetItem("User5", t.user5);
+    hif.SetItem(MeterField::Lat, Value::Long(45000000 + (i * 37) % 400000));
+    hif.SetItem(MeterField::Lng, Value::Long(7600000 + (i * 53) % 400000));
+    hif.SetItem(MeterField::ScaleFactor, Value::Long(i % 5 == 0 ? 10 : 1));
+    hif.SetItem(MeterField::InitReading, Value::Long(previous - previous % 1000));
+    hif.SetItem(MeterField::InitPulseCount, Value::Long((i * 131) % 65536));
+    hif.SetItem(MeterField::InitTamperCount, Value::Long(i % 3));
+    hif.SetItem(MeterField::Message, t.message);
+    hif.SetItem(MeterField::ServiceAddress, t.serviceAddress);
+    hif.SetItem(MeterField::BillingName, t.billingName);
+    hif.SetItem(MeterField::ServiceUniqueID, t.serviceUniqueId);
+    hif.SetItem(MeterField::MeterSerialNbr, t.meterSerialNbr);
+    hif.SetItem(MeterField::ReceiverData, t.receiverData);
+    hif.SetItem(MeterField::User1, t.user1);
+    hif.SetItem(MeterField::User2, t.user2);
+    hif.SetItem(MeterField::User3, t.user3);
+    hif.SetItem(MeterField::User4, t.user4);
+    hif.SetItem(MeterField::User5, t.user5);
   }
 
  private:

@@ -34,10 +34,7 @@ void Value::SetText(std::string_view text) {
   }
 }
 
-const std::string& Value::Text() const {
-  if (const auto* s = std::get_if<std::string>(&data_)) return *s;
-  throw Failure(fail::kTypeMismatch);
-}
+void Value::ThrowNotText() { throw Failure(fail::kTypeMismatch); }
 
 double Value::ToDouble() const {
   switch (Kind()) {
@@ -58,9 +55,7 @@ double Value::ToDouble() const {
 }
 
 int16_t Value::ToInt16() const { return hifx::ToInt16(ToDouble()); }
-int32_t Value::ToInt32() const {
-  // A whole number is itself; only the others are rounded.
-  if (Kind() == ValueKind::Long) return std::get<int32_t>(data_);
+int32_t Value::RoundedToInt32() const {
   if (Kind() == ValueKind::Integer) return std::get<int16_t>(data_);
   return hifx::ToInt32(ToDouble());
 }

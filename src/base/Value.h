@@ -30,7 +30,10 @@ class Value {
   bool IsText() const { return Kind() == ValueKind::Text; }
 
   // The text of a text value; any other kind is a type mismatch.
-  const std::string& Text() const;
+  const std::string& Text() const {
+    if (const auto* text = std::get_if<std::string>(&data_)) return *text;
+    ThrowNotText();
+  }
   // Makes the value the text, reusing the room of a text it holds.
   void SetText(std::string_view text);
 
@@ -39,7 +42,11 @@ class Value {
   double ToDouble() const;
   // As ToDouble, rounded half to even, with an overflow failure out of range.
   int16_t ToInt16() const;
-  int32_t ToInt32() const;
+  int32_t ToInt32() const {
+    // A whole number is itself; only the others are rounded.
+    if (const auto* whole = std::get_if<int32_t>(&data_)) return *whole;
+    return RoundedToInt32();
+  }
 
   // The value as a text: numbers in their shortest decimal form, dates as
   // yyyy-mm-dd with the time when it is not midnight, empty as "".
@@ -57,6 +64,8 @@ class Value {
   };
   template <typename T>
   explicit Value(T v) : data_(v) {}
+  int32_t RoundedToInt32() const;
+  [[noreturn]] static void ThrowNotText();
 
   std::variant<std::monostate, NullTag, int16_t, int32_t, float, double, DateTag, std::string> data_;
 };

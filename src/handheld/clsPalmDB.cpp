@@ -164,6 +164,10 @@ int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
   if (offset + 4 > fixedLength_) BufferChanged();
   uint8_t bytes[4] = {};
   PutBytes(bytes, value);
+  if (offset >= 0 && static_cast<size_t>(offset) + 4 <= buffer_.size()) {
+    std::memcpy(buffer_.data() + offset, bytes, 4);
+    return ToOffset(static_cast<size_t>(offset) + 4);
+  }
   for (size_t k = 0; k < 4; ++k) {
     const size_t at = static_cast<size_t>(offset) + k;
     if (offset >= 0 && at < buffer_.size()) buffer_[at] = static_cast<char>(bytes[k]);
@@ -193,6 +197,22 @@ int32_t clsPalmDB::GetInt8(int16_t offset) const { return ReadNumber(buffer_, of
 int32_t clsPalmDB::GetInt16(int16_t offset) const { return ReadNumber(buffer_, offset, 2); }
 int32_t clsPalmDB::GetInt32(int16_t offset) const { return ReadNumber(buffer_, offset, 4); }
 
+namespace {
+
+// Puts text in place of buffer[start, end): the bytes behind move once, and
+// the text, which never lies in the buffer, is copied in. Written out, as
+// every text of every record written comes through here.
+void ReplaceSpan(std::string& buffer, size_t start, size_t end, std::string_view text) {
+  const size_t tail = buffer.size() - end;
+  if (text.size() > end - start) buffer.append(text.size() - (end - start), '\0');
+  char* at = buffer.data() + start;
+  std::memmove(at + text.size(), buffer.data() + end, tail);
+  if (text.size() < end - start) buffer.resize(start + text.size() + tail);
+  std::memcpy(at, text.data(), text.size());
+}
+
+}  // namespace
+
 void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
   std::string converted;
   if (!value.IsText()) converted = value.ToText();
@@ -206,14 +226,15 @@ void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
   if (element > nuls.size()) throw Failure(fail::kSubscript);
   const size_t start = element == 0 ? fixed : nuls[element - 1] + 1;
   const size_t end = element < nuls.size() ? nuls[element] : buffer_.size();
-  buffer_.replace(start, end - start, text);
-  if (text.find('\0') != std::string::npos) {
+  if (std::memchr(text.data(), 0, text.size()) != nullptr) {
+    buffer_.replace(start, end - start, text);
     BufferChanged();  // a NUL in a value shifts every later text
     return;
   }
+  ReplaceSpan(buffer_, start, end, text);
   // The NULs behind the element move by the change in its length.
-  const int64_t delta = static_cast<int64_t>(text.size()) - static_cast<int64_t>(end - start);
-  for (size_t k = element; k < nuls.size(); ++k) nuls[k] = static_cast<uint32_t>(nuls[k] + delta);
+  const auto delta = static_cast<uint32_t>(text.size() - (end - start));  // wraps for a shorter text, as wanted
+  for (size_t k = element; k < nuls.size(); ++k) nuls[k] += delta;
 }
 
 int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad) {
@@ -228,18 +249,15 @@ int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad)
   return ToOffset(buffer_.size());
 }
 
-std::vector<uint32_t>& clsPalmDB::TextNuls() const {
-  if (!nulsKnown_) {
-    nuls_.clear();
-    for (size_t at = static_cast<size_t>(fixedLength_); at < buffer_.size(); ++at) {
-      const void* nul = std::memchr(buffer_.data() + at, 0, buffer_.size() - at);
-      if (nul == nullptr) break;
-      at = static_cast<size_t>(static_cast<const char*>(nul) - buffer_.data());
-      nuls_.push_back(static_cast<uint32_t>(at));
-    }
-    nulsKnown_ = true;
+void clsPalmDB::FindTextNuls() const {
+  nuls_.clear();
+  for (size_t at = static_cast<size_t>(fixedLength_); at < buffer_.size(); ++at) {
+    const void* nul = std::memchr(buffer_.data() + at, 0, buffer_.size() - at);
+    if (nul == nullptr) break;
+    at = static_cast<size_t>(static_cast<const char*>(nul) - buffer_.data());
+    nuls_.push_back(static_cast<uint32_t>(at));
   }
-  return nuls_;
+  nulsKnown_ = true;
 }
 
 std::string clsPalmDB::GetString(int16_t& ordinal) const { return std::string(TextAt(ordinal)); }
@@ -305,8 +323,22 @@ void clsPalmDB::ReadField(int16_t index, Value& value) {
   }
 }
 
+bool clsPalmDB::StoreWholeNumber(int16_t offset, size_t width, int32_t number) {
+  const size_t end = static_cast<size_t>(offset) + width;
+  if (width == 0 || offset < 0 || end > static_cast<size_t>(fixedLength_) || end > buffer_.size()) return false;
+  if (width == 4 && number < 0) return false;  // SetInt32 has its own rule for these
+  auto* bytes = reinterpret_cast<uint8_t*>(buffer_.data()) + offset;
+  for (size_t k = width; k-- > 0; number >>= 8) bytes[k] = static_cast<uint8_t>(number & 0xFF);
+  return true;
+}
+
 void clsPalmDB::WriteField(int16_t index, const Value& value) {
   const SchemaField& field = schema_[static_cast<size_t>(index)];
+  const ValueKind kind = value.Kind();
+  if ((kind == ValueKind::Long || kind == ValueKind::Integer) &&
+      StoreWholeNumber(field.position, static_cast<size_t>(WidthOf(field.type)), value.ToInt32())) {
+    return;
+  }
   switch (field.type) {
     case kFieldText: SetString(field.position, value); break;
     case kFieldInt8: SetInt8(field.position, value); break;
@@ -323,21 +355,11 @@ void clsPalmDB::ReadItem(int32_t index, Value& value) { ReadField(FindItem(index
 
 void clsPalmDB::SetItem(std::string_view name, const Value& value) {
   const int16_t index = FindItem(name);
-  if (index == 0) {
-    shell_.MsgBox(std::string(name) + " not valid field in Record");
-    return;
-  }
+  if (index == 0) return ReportNoField(name);
   WriteField(index, value);
 }
 
-void clsPalmDB::SetItem(int32_t index, const Value& value) {
-  const int16_t found = FindItem(index);
-  if (found == 0) {
-    shell_.MsgBox(std::to_string(index) + " not valid field in Record");
-    return;
-  }
-  WriteField(found, value);
-}
+void clsPalmDB::ReportNoField(std::string_view name) { shell_.MsgBox(std::string(name) + " not valid field in Record"); }
 
 void clsPalmDB::AddNew() {
   buffer_.assign(static_cast<size_t>(fixedLength_ + textCount_), '\0');

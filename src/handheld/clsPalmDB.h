@@ -73,7 +73,10 @@ class clsPalmDB {
   void ReadItem(int32_t index, Value& value);
   // An unknown field is reported and nothing changes.
   void SetItem(std::string_view name, const Value& value);
-  void SetItem(int32_t index, const Value& value);
+  void SetItem(int32_t index, const Value& value) {
+    if (index > 0 && index <= FieldCount()) return WriteField(static_cast<int16_t>(index), value);
+    ReportNoField(std::to_string(index));
+  }
 
   void AddNew();
   void Rewind();
@@ -127,6 +130,11 @@ class clsPalmDB {
   // Text `ordinal` of the buffer, as GetString reads it.
   std::string_view TextAt(int16_t& ordinal) const;
   void WriteField(int16_t index, const Value& value);
+  // A whole number into a number field of `width` bytes within the fixed
+  // part, high byte first, as the setters write it. False, with nothing
+  // written, for a text (width 0) and what the setters treat on their own.
+  bool StoreWholeNumber(int16_t offset, size_t width, int32_t number);
+  void ReportNoField(std::string_view name);
 
   IShell& shell_;
   std::unique_ptr<IPalmFile> file_;
@@ -152,7 +160,11 @@ class clsPalmDB {
   mutable bool nulsKnown_ = false;
   void BufferChanged() { nulsKnown_ = false; }
   // The NULs of the text part, found once and kept up to date by SetString.
-  std::vector<uint32_t>& TextNuls() const;
+  std::vector<uint32_t>& TextNuls() const {
+    if (!nulsKnown_) FindTextNuls();
+    return nuls_;
+  }
+  void FindTextNuls() const;
 };
 
 }  // namespace hifx

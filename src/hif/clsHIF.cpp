@@ -94,7 +94,7 @@ Value clsHIF::Item(MeterField field) {
 void clsHIF::SetItem(MeterField field, const Value& value) {
   const int16_t index = meterFields_[IndexOf(field)];
   if (index == 0) return SetItem(NameOf(field), value);
-  DB().SetItem(int32_t{index}, value);
+  db_->SetItem(int32_t{index}, value);  // a schema index means the schema is built
 }
 
 void clsHIF::AddNew() { DB().AddNew(); }
