@@ -74,6 +74,9 @@ int16_t clsPalmFilePDB::CreateFile(const std::filesystem::path& fileName, std::s
   // The count and the table are then rewritten in place after each batch.
   head_ = writer_.MapHead(kTableStart + static_cast<uint64_t>(recordCount) * kSlotSize);
   pending_.clear();
+  // A batch is sent once it reaches its size, so it never holds more than
+  // that and one record: room for both from the start, never copied to grow.
+  pending_.reserve(kWriteBatchBytes + 65536);
   onDisk_ = 0;
   return 0;
 }
