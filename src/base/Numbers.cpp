@@ -110,6 +110,21 @@ double NumericPrefix(std::string_view text) {
   return value;
 }
 
+bool LeadingNumberIsShort(std::string_view text, size_t digits) {
+  size_t i = 0;
+  while (i < text.size() && IsBlank(text[i])) ++i;
+  if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
+  while (i < text.size() && text[i] == '0') ++i;
+  const size_t first = i;
+  while (i < text.size() && IsDigit(text[i])) ++i;
+  if (i - first > digits) return false;
+  if (i < text.size() && text[i] == '.') {
+    ++i;
+    while (i < text.size() && IsDigit(text[i])) ++i;
+  }
+  return i == text.size() || (text[i] != 'e' && text[i] != 'E');
+}
+
 bool ParseWholeNumber(std::string_view text, double& out) {
   size_t start = 0;
   while (start < text.size() && IsBlank(text[start])) ++start;

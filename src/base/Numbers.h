@@ -23,6 +23,12 @@ int32_t ToInt32(double value);
 // number gives 0. A sign, a decimal point and an exponent are understood.
 double NumericPrefix(std::string_view text);
 
+// Whether the leading number of text, as NumericPrefix reads it, surely has
+// at most `digits` digits before its point (leading zeros not counted) and no
+// exponent: then it fits a field of that many digits without being read. A
+// text with no number is short; false means only that it must be read.
+bool LeadingNumberIsShort(std::string_view text, size_t digits);
+
 // 10 to the power n, exact where a double holds it (n from 0 to 22) and the
 // nearest double down to -22, so that scaling by it gives the same bits with
 // every platform's maths library (pow of Windows' runtime is not exact).

@@ -36,9 +36,10 @@ void clsExchange::AddValue(size_t position, const MapField& field, std::string_v
                            bool keep) {
   if (!keep && !routeLine_.Is(position, MeterField::RouteNbr)) {
     // Nothing is kept, but a number that doesn't fit its field still fails
-    // here as it would in the second pass.
-    if (field.DataType == kTypeInteger) ToInt16(NumericPrefix(raw));
-    if (field.DataType == kTypeLong) ToInt32(NumericPrefix(raw));
+    // here as it would in the second pass. One too short to overflow isn't
+    // read.
+    if (field.DataType == kTypeInteger && !LeadingNumberIsShort(raw, 4)) ToInt16(NumericPrefix(raw));
+    if (field.DataType == kTypeLong && !LeadingNumberIsShort(raw, 9)) ToInt32(NumericPrefix(raw));
     return;
   }
   switch (field.DataType) {
@@ -183,7 +184,7 @@ bool clsExchange::ConvertRouteFlat() {
   // A slot for each meter, route header and the file header, and a margin
   // for the code and index records.
   if (!RecordsFit(lines)) return false;
-  SeenTags.reserve(static_cast<size_t>(lines));
+  SeenTags.Reserve(static_cast<size_t>(lines));
   const int32_t records = lines + static_cast<int32_t>(RouteNames.size() - 1) + 2 + 2100;
   const int32_t fileType = (RouteHIFType == "PRC" || RouteHIFType == "PDB") ? kFilePDB : kFileVFS;
   if (ActiveHIF->CreateHIF(RouteFile.Written(), fileType, records) != 0) {

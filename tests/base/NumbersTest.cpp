@@ -47,6 +47,20 @@ TEST(NumericPrefix, DecimalsAreTheNearestDouble) {
   EXPECT_EQ(PowerOfTen(-7), 1e-7);
 }
 
+// A short number needs no reading to know it fits: each text said short has
+// a leading number below 10^4, and an exponent always sends it to be read.
+TEST(NumericPrefix, AShortNumberIsKnownWithoutReadingIt) {
+  const std::pair<const char*, bool> cases[] = {
+      {"", true},        {"abc", true},     {"  0000009999", true}, {"9999.99", true}, {"-9999", true},
+      {"+0009999x", true}, {"12345", false}, {"  -12345", false},    {"12e9", false},   {"1.5E3", false},
+      {".5e9", false},   {"00012345", false}, {"1e", false}};
+  for (const auto& [text, isShort] : cases) {
+    EXPECT_EQ(LeadingNumberIsShort(text, 4), isShort) << '"' << text << '"';
+    if (isShort) EXPECT_LT(std::fabs(NumericPrefix(text)), 1e4) << '"' << text << '"';
+  }
+  EXPECT_TRUE(LeadingNumberIsShort("0000012345", 5));
+}
+
 TEST(WholeNumber, AcceptsOnlyATextThatIsOneNumber) {
   double v = -1;
   EXPECT_TRUE(ParseWholeNumber(" 12 ", v));
