@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace hifx {
 
@@ -39,6 +41,31 @@ struct CaseBlindEqual {
   bool operator()(std::string_view a, std::string_view b) const noexcept {
     return EqualsCaseBlind(a, b);
   }
+};
+
+// A set of names compared with no regard to case, held in one open table of
+// small slots and one run of text rather than a node a name: the tags of a
+// route, where every meter adds one.
+class CaseBlindSet {
+ public:
+  // Adds the name; false, with nothing added, when an equal one is there.
+  bool Insert(std::string_view name);
+  void Reserve(size_t names);
+  void Clear();
+  size_t Size() const { return size_; }
+
+ private:
+  struct Slot {
+    uint32_t hash = 0;
+    uint32_t at = 0;  // where the name's length lies in names_, from 1; 0 for a free slot
+  };
+  std::string_view NameAt(uint32_t at) const;
+  size_t SlotOf(std::string_view name, uint32_t hash) const;
+  void Rehash(size_t slots);
+
+  std::vector<Slot> slots_;
+  std::string names_;  // each name behind its length in 4 bytes
+  size_t size_ = 0;
 };
 
 }  // namespace hifx

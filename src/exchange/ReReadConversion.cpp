@@ -89,7 +89,7 @@ void clsExchange::StartReReadRun(ReReadRun& run) {
   AutoNumber = 0;
   run.route = AddRoute("REREAD");
   LineNumber = 0;
-  SeenTags.clear();
+  SeenTags.Clear();
 }
 
 void clsExchange::CountReReadLines(ReReadRun& run) {
@@ -149,10 +149,10 @@ bool clsExchange::FinishReRead() {
   if (HadProblems) {
     Log("Problems encountered; Route file unusable");
   } else if (MetersWritten > 0) {
-    Log(std::to_string(SeenTags.size()) + " meters written to ReRead HIF File");
+    Log(std::to_string(SeenTags.Size()) + " meters written to ReRead HIF File");
     if (!KeepRouteFile()) return false;
     if ((ReReadHIFType == "PRC" || ReReadHIFType == "PDB") && AutoInstall) InstallPRC(ReReadDestination);
-    SeenTags.clear();
+    SeenTags.Clear();
     Log(HadWarnings ? "ReRead Conversion Finished with Warnings" : "ReRead Conversion Finished");
     Log("");
   } else {

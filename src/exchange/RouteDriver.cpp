@@ -162,7 +162,7 @@ void clsExchange::StartRouteRun(const std::string& destination) {
   SourceFile.reset();
   ClearRoute();
   LineNumber = 0;
-  SeenTags.clear();
+  SeenTags.Clear();
   UntaggedMeters = 0;
   MetersWritten = 0;
   HadWarnings = false;
@@ -241,7 +241,7 @@ bool clsExchange::ConvertRoute() {
     ShowRouteFailure(Describe(failure));
   }
   if (closingLine) LogRouteClosing();
-  SeenTags.clear();
+  SeenTags.Clear();
   KeepRouteFile();
   SourceFile.reset();
   return result;

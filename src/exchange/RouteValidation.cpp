@@ -64,7 +64,7 @@ int16_t clsExchange::ValidateRoute(const RouteLine& values) {
   if (untagged) {
     UntaggedMeters = ToInt16(UntaggedMeters + 1.0);
   } else if (std::string tag = TextOf(values[MeterField::MeterTagNbr]);
-             !SeenTags.insert(tag).second &&
+             !SeenTags.Insert(tag) &&
              ReportDuplicateTag(tag,
                                 TextOf(values[MeterField::ServiceAddress]) + " " +
                                     TextOf(values[MeterField::BillingName]),
@@ -79,7 +79,7 @@ bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& i
 }
 
 bool clsExchange::CheckDuplicateTag(const std::string& tag, const std::string& info, std::string_view line) {
-  return !SeenTags.insert(tag).second && ReportDuplicateTag(tag, info, line);
+  return !SeenTags.Insert(tag) && ReportDuplicateTag(tag, info, line);
 }
 
 bool clsExchange::ReportDuplicateTag(const std::string& tag, const std::string& info, std::string_view line) {

@@ -10,7 +10,6 @@
 #include <string_view>
 
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "base/AtomicFile.h"
@@ -158,7 +157,7 @@ class clsExchange {
   std::vector<int16_t> RouteCounts{0};
   int32_t LineNumber = 0;
   // The tags of the meters so far, with no regard to case.
-  std::unordered_set<std::string, CaseBlindHash, CaseBlindEqual> SeenTags;
+  CaseBlindSet SeenTags;
   int32_t MetersWritten = 0;
   int16_t UntaggedMeters = 0;
   bool HadWarnings = false;

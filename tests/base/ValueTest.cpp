@@ -2,6 +2,7 @@
 
 #include <tuple>
 
+#include "base/CaseBlind.h"
 #include "base/DateSerial.h"
 #include "base/Failure.h"
 #include "support/FailureNumber.h"
@@ -64,6 +65,23 @@ TEST(KeyedCollection, KeysIgnoreCaseAndKeepTheirOrder) {
   EXPECT_EQ(c.Count(), 1u);
   EXPECT_EQ(c.Item("Sequence"), 2);
   EXPECT_FALSE(c.Contains("RouteNbr"));
+}
+
+// Tags are kept case-blind in an open table that grows as they come: every
+// name stays found through the growth, and a cleared set takes them again.
+TEST(CaseBlindSet, ANameIsAddedOnceInAnyCaseThroughGrowth) {
+  CaseBlindSet set;
+  EXPECT_TRUE(set.Insert("ab12"));
+  EXPECT_FALSE(set.Insert("AB12"));
+  EXPECT_TRUE(set.Insert(""));
+  EXPECT_FALSE(set.Insert(""));
+  for (int i = 0; i < 3000; ++i) EXPECT_TRUE(set.Insert("t" + std::to_string(i))) << i;
+  for (int i = 0; i < 3000; ++i) EXPECT_FALSE(set.Insert("T" + std::to_string(i))) << i;
+  EXPECT_EQ(set.Size(), 3002u);
+  set.Clear();
+  EXPECT_EQ(set.Size(), 0u);
+  set.Reserve(10);
+  EXPECT_TRUE(set.Insert("ab12"));
 }
 
 }  // namespace
