@@ -67,12 +67,21 @@ int16_t AdvancedList::Add(std::string key, std::string detail, std::string value
   item.Value = std::move(value);
   item.Dirty = dirty;
   byKey_[item.Key].push_back(item.Index);
+  keyShapes_ |= ShapeOf(item.Key);
   items_.push_back(std::move(item));
   return static_cast<int16_t>(position);
 }
 
+uint64_t AdvancedList::ShapeOf(std::string_view key) {
+  const uint64_t length = uint64_t{1} << std::min<size_t>(key.size(), 31);
+  const uint64_t last = key.empty() ? 1 : uint64_t{1} << (FoldCase(key.back()) & 31);
+  return length | last << 32;
+}
+
 int16_t AdvancedList::FindKey(std::string_view key) const {
   if (lower_ == 0) return key.empty() ? 0 : -1;  // only the empty element
+  const uint64_t shape = ShapeOf(key);
+  if ((keyShapes_ & shape) != shape) return -1;
   const auto it = byKey_.find(key);
   return it == byKey_.end() || it->second.empty() ? -1 : it->second.front();
 }

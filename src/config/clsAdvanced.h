@@ -50,6 +50,11 @@ class AdvancedList {
   // Live positions of each upper-cased key, ascending, so that a lookup by key
   // needs no scan and still finds the first match.
   std::unordered_map<std::string, std::vector<int16_t>, CaseBlindHash, CaseBlindEqual> byKey_;
+  // The length and last letter of every key ever added, a bit each, so that
+  // most keys the list lacks are turned away without hashing them: a message
+  // is looked up twice for each kind on every meter.
+  static uint64_t ShapeOf(std::string_view key);
+  uint64_t keyShapes_ = 0;
 };
 
 class clsAdvanced {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "base/CaseBlind.h"
 #include "config/RegistryRoot.h"
 #include "support/TestRegistryStore.h"
 #include "config/clsAdvanced.h"
@@ -122,6 +123,12 @@ TEST_F(Advanced, KeyLookupsFindTheFirstLiveRecord) {
   advanced.DeleteSkip("A");
   EXPECT_EQ(advanced.GetSkip(Value("A"), code, reason), 2);
   EXPECT_EQ(reason, "second");
+  // Long keys, past what the list tells apart by length, in any case.
+  const std::string longKey(40, 'k');
+  advanced.AddSkip(longKey + "z", "long");
+  EXPECT_EQ(advanced.GetSkip(Value(UpperCase(longKey) + "Z"), code, reason), 3);
+  EXPECT_EQ(advanced.GetSkip(Value(longKey + "zz"), code, reason), -1);
+  EXPECT_EQ(advanced.GetSkip(Value("B"), code, reason), -1);
 }
 
 struct LookupCase {
