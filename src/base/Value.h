@@ -36,6 +36,10 @@ class Value {
   }
   // Makes the value the text, reusing the room of a text it holds.
   void SetText(std::string_view text);
+  // Makes the value the number; one that holds a number of its kind is
+  // simply overwritten, as a value kept from record to record mostly is.
+  void SetInteger(int16_t v) { SetNumber(v); }
+  void SetLong(int32_t v) { SetNumber(v); }
 
   // The value as a number. Empty is 0; a text must be one whole number;
   // null is an invalid use of null.
@@ -64,6 +68,14 @@ class Value {
   };
   template <typename T>
   explicit Value(T v) : data_(v) {}
+  template <typename T>
+  void SetNumber(T v) {
+    if (auto* held = std::get_if<T>(&data_)) {
+      *held = v;
+    } else {
+      data_.template emplace<T>(v);
+    }
+  }
   int32_t RoundedToInt32() const;
   [[noreturn]] static void ThrowNotText();
 

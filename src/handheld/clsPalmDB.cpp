@@ -312,9 +312,9 @@ void clsPalmDB::ReadField(int16_t index, Value& value) {
         value.SetText(TextAt(ordinal));  // in the room the value had
         return;
       }
-      case kFieldInt8: value = Value::Integer(static_cast<int16_t>(GetInt8(field.position))); return;
-      case kFieldInt16: value = Value::Long(GetInt16(field.position)); return;
-      case kFieldInt32: value = Value::Long(GetInt32(field.position)); return;
+      case kFieldInt8: value.SetInteger(static_cast<int16_t>(GetInt8(field.position))); return;
+      case kFieldInt16: value.SetLong(GetInt16(field.position)); return;
+      case kFieldInt32: value.SetLong(GetInt32(field.position)); return;
       default: value = Value(); return;
     }
   } catch (const Failure& failure) {

@@ -26,6 +26,21 @@ TEST(Value, KindsAndConversions) {
   EXPECT_EQ(FailureNumber([] { Value::Long(1).Text(); }), fail::kTypeMismatch);
 }
 
+// A value kept from record to record takes each record's number in place,
+// whatever kind it held before.
+TEST(Value, ANumberIsSetOverAnyKind) {
+  Value value("a text longer than any room kept inside the value itself");
+  value.SetLong(7);
+  EXPECT_EQ(value, Value::Long(7));
+  value.SetLong(-8);
+  EXPECT_EQ(value, Value::Long(-8));
+  value.SetInteger(9);
+  EXPECT_EQ(value, Value::Integer(9));
+  value.SetText("x");
+  value.SetInteger(-1);
+  EXPECT_EQ(value, Value::Integer(-1));
+}
+
 TEST(Value, TextForms) {
   EXPECT_EQ(Value().ToText(), "");
   EXPECT_EQ(Value::Long(-42).ToText(), "-42");
