@@ -173,6 +173,7 @@ std::string clsExchange::OutputValue(const Value* given, const MapField& field) 
 std::string clsExchange::AssembleFixed(const MappedRecord& values) {
   const std::vector<MapField>& fields = ActiveMap->Fields();
   std::string line;
+  line.reserve(lineRoom_);
   try {
     for (size_t i = 0; i < fields.size(); ++i) {
       const MapField& field = fields[i];
@@ -210,6 +211,7 @@ std::string clsExchange::AssembleFixed(const MappedRecord& values) {
     Log("Error: " + failure.Description());
     return {};
   }
+  lineRoom_ = std::max(lineRoom_, line.size() + 2);
   return line;
 }
 

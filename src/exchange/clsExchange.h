@@ -258,6 +258,9 @@ class clsExchange {
   // The value of the map's field at position in routeLine_.
   void AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds, bool keep);
   RouteLine routeLine_;
+  // The longest output line so far and its end of line: a fixed line takes
+  // its room at once rather than growing field by field.
+  size_t lineRoom_ = 0;
   // One fault of a line's validation: logged while fewer than fifty are,
   // or, in a check, kept with the rest.
   void Report(const std::string& message, int16_t& result, RouteFault fault);
