@@ -82,6 +82,7 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
   SchemaField field;
   field.type = type;
   field.name = std::string(Trim(name));
+  field.width = static_cast<size_t>(width);
   if (type == kFieldText) {
     ++textCount_;
     field.position = textCount_;
@@ -298,7 +299,7 @@ void clsPalmDB::ReadField(int16_t index, Value& value) {
   // A number past the record's end is said as the read's failure would say
   // it, without raising one: a damaged file of many short records costs a
   // message a field, not an unwinding.
-  const size_t width = field.type == kFieldInt8 ? 1 : field.type == kFieldInt16 ? 2 : field.type == kFieldInt32 ? 4 : 0;
+  const size_t width = field.width;
   if (width > 0 && (field.position < 0 || static_cast<size_t>(field.position) + width > buffer_.size())) {
     static const std::string kPastTheEnd = StandardDescription(fail::kSubscript);
     shell_.MsgBox(kPastTheEnd);
@@ -328,15 +329,27 @@ bool clsPalmDB::StoreWholeNumber(int16_t offset, size_t width, int32_t number) {
   if (width == 0 || offset < 0 || end > static_cast<size_t>(fixedLength_) || end > buffer_.size()) return false;
   if (width == 4 && number < 0) return false;  // SetInt32 has its own rule for these
   auto* bytes = reinterpret_cast<uint8_t*>(buffer_.data()) + offset;
-  for (size_t k = width; k-- > 0; number >>= 8) bytes[k] = static_cast<uint8_t>(number & 0xFF);
-  return true;
+  const auto word = static_cast<uint32_t>(number);
+  switch (width) {
+    case 4:
+      bytes[0] = static_cast<uint8_t>(word >> 24);
+      bytes[1] = static_cast<uint8_t>(word >> 16);
+      bytes[2] = static_cast<uint8_t>(word >> 8);
+      bytes[3] = static_cast<uint8_t>(word);
+      return true;
+    case 2:
+      bytes[0] = static_cast<uint8_t>(word >> 8);
+      bytes[1] = static_cast<uint8_t>(word);
+      return true;
+    default: bytes[0] = static_cast<uint8_t>(word); return true;
+  }
 }
 
 void clsPalmDB::WriteField(int16_t index, const Value& value) {
   const SchemaField& field = schema_[static_cast<size_t>(index)];
   const ValueKind kind = value.Kind();
   if ((kind == ValueKind::Long || kind == ValueKind::Integer) &&
-      StoreWholeNumber(field.position, static_cast<size_t>(WidthOf(field.type)), value.ToInt32())) {
+      StoreWholeNumber(field.position, field.width, value.ToInt32())) {
     return;
   }
   switch (field.type) {

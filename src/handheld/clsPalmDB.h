@@ -33,6 +33,7 @@ class clsPalmDB {
     int16_t position = 0;  // byte offset of a number; ordinal from 1 of a text
     std::string name;
     bool firstOfName = true;  // no earlier field has this name in any case
+    size_t width = 0;         // bytes of a number, 0 for a text
   };
 
   explicit clsPalmDB(IShell& shell);

@@ -91,11 +91,6 @@ Value clsHIF::Item(MeterField field) {
   return index == 0 ? Item(NameOf(field)) : DB().Item(int32_t{index});
 }
 
-void clsHIF::SetItem(MeterField field, const Value& value) {
-  const int16_t index = meterFields_[IndexOf(field)];
-  if (index == 0) return SetItem(NameOf(field), value);
-  db_->SetItem(int32_t{index}, value);  // a schema index means the schema is built
-}
 
 void clsHIF::AddNew() { DB().AddNew(); }
 bool clsHIF::WriteData() { return DB().WriteData(); }

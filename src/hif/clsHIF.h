@@ -54,7 +54,11 @@ class clsHIF {
   // A meter field by the place the schema gave it when it was built; one the
   // schema lacks reads and writes as by its name.
   Value Item(MeterField field);
-  void SetItem(MeterField field, const Value& value);
+  void SetItem(MeterField field, const Value& value) {
+    const int16_t index = meterFields_[IndexOf(field)];
+    if (index == 0) return SetItem(NameOf(field), value);
+    db_->SetItem(int32_t{index}, value);  // a schema index means the schema is built
+  }
   void AddNew();
   bool WriteData();
   void Rewind();
