@@ -215,9 +215,11 @@ void ReplaceSpan(std::string& buffer, size_t start, size_t end, std::string_view
 }  // namespace
 
 void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
-  std::string converted;
-  if (!value.IsText()) converted = value.ToText();
-  const std::string_view text = value.IsText() ? std::string_view(value.Text()) : std::string_view(converted);
+  if (value.IsText()) return SetText(ordinal, value.Text());
+  SetText(ordinal, value.ToText());
+}
+
+void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
   // The texts behind the fixed part are split at NULs, one element replaced,
   // and joined again; an empty text part has no elements at all.
   const size_t fixed = std::min(buffer_.size(), static_cast<size_t>(fixedLength_));

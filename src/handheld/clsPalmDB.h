@@ -131,6 +131,8 @@ class clsPalmDB {
   // Text `ordinal` of the buffer, as GetString reads it.
   std::string_view TextAt(int16_t& ordinal) const;
   void WriteField(int16_t index, const Value& value);
+  // SetString of a value's text.
+  void SetText(int16_t ordinal, std::string_view text);
   // A whole number into a number field of `width` bytes within the fixed
   // part, high byte first, as the setters write it. False, with nothing
   // written, for a text (width 0) and what the setters treat on their own.
