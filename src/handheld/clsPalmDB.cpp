@@ -165,10 +165,6 @@ int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
   if (offset + 4 > fixedLength_) BufferChanged();
   uint8_t bytes[4] = {};
   PutBytes(bytes, value);
-  if (offset >= 0 && static_cast<size_t>(offset) + 4 <= buffer_.size()) {
-    std::memcpy(buffer_.data() + offset, bytes, 4);
-    return ToOffset(static_cast<size_t>(offset) + 4);
-  }
   for (size_t k = 0; k < 4; ++k) {
     const size_t at = static_cast<size_t>(offset) + k;
     if (offset >= 0 && at < buffer_.size()) buffer_[at] = static_cast<char>(bytes[k]);
