@@ -41,11 +41,14 @@ std::string PdbDamage(const std::string& head, uint64_t size) {
   uint32_t previous = 0;
   for (uint32_t record = 0; record < count; ++record) {
     const uint32_t offset = BigEndianAt(head, kTable + kSlot * record, 4);
+    if (offset >= tableEnd && offset <= size && offset >= previous) {
+      previous = offset;
+      continue;
+    }
     const std::string which = "record " + std::to_string(record) + " starts at offset " + std::to_string(offset);
     if (offset < tableEnd) return which + ", inside the header or the record list";
     if (offset > size) return which + ", past the end of the file (" + std::to_string(size) + " bytes)";
-    if (offset < previous) return which + ", before the record ahead of it (" + std::to_string(previous) + ")";
-    previous = offset;
+    return which + ", before the record ahead of it (" + std::to_string(previous) + ")";
   }
   return {};
 }

@@ -1,5 +1,6 @@
 #include "handheld/clsPalmDB.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/Failure.h"
@@ -75,6 +76,7 @@ void clsPalmDB::ClearSchema() {
   lastFound_ = 0;
   fixedLength_ = 0;
   textCount_ = 0;
+  numbersEnd_ = 0;
 }
 
 void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) {
@@ -94,6 +96,7 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
     field.position = position;
     if (position + width > fixedLength_) fixedLength_ = static_cast<int16_t>(position + width);
   }
+  if (width > 0) numbersEnd_ = std::max(numbersEnd_, static_cast<size_t>(field.position) + field.width);
   const auto index = static_cast<int16_t>(schema_.size());
   field.firstOfName = byName_.try_emplace(field.name, index).second;  // the first of equal names wins
   if (FindItem(field.name) == index) byExactName_.try_emplace(field.name, index);
@@ -172,27 +175,10 @@ int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
   return ToOffset(static_cast<size_t>(offset) + 4);
 }
 
-namespace {
-
-// A number of 1, 2 or 4 bytes, high byte first, as BytesToLong reads it: a
-// 4-byte one past the largest Long reads as 0. Written out here, as every
-// field of every record comes through it.
-int32_t ReadNumber(const std::string& buffer, int16_t offset, size_t width) {
-  if (offset < 0 || static_cast<size_t>(offset) + width > buffer.size()) {
-    throw Failure(fail::kSubscript);
-  }
-  const auto* b = reinterpret_cast<const uint8_t*>(buffer.data()) + offset;
-  if (width == 1) return b[0];
-  if (width == 2) return b[0] << 8 | b[1];
-  const uint32_t value = uint32_t{b[0]} << 24 | uint32_t{b[1]} << 16 | uint32_t{b[2]} << 8 | b[3];
-  return value > 0x7FFFFFFFu ? 0 : static_cast<int32_t>(value);
-}
-
-}  // namespace
-
-int32_t clsPalmDB::GetInt8(int16_t offset) const { return ReadNumber(buffer_, offset, 1); }
-int32_t clsPalmDB::GetInt16(int16_t offset) const { return ReadNumber(buffer_, offset, 2); }
-int32_t clsPalmDB::GetInt32(int16_t offset) const { return ReadNumber(buffer_, offset, 4); }
+int32_t clsPalmDB::GetInt8(int16_t offset) const { return NumberAt(offset, 1); }
+int32_t clsPalmDB::GetInt16(int16_t offset) const { return NumberAt(offset, 2); }
+int32_t clsPalmDB::GetInt32(int16_t offset) const { return NumberAt(offset, 4); }
+void clsPalmDB::ThrowPastTheEnd() { throw Failure(fail::kSubscript); }
 
 namespace {
 

@@ -119,6 +119,21 @@ class clsPalmDB {
   uint32_t SchemaGeneration() const { return schemaGeneration_; }
   int32_t GetType() const { return fileType_; }
   const std::string& RawData() const { return buffer_; }
+  // The record is long enough for every number field, so that no field of
+  // it fails to read.
+  bool HoldsEveryNumber() const { return buffer_.size() >= numbersEnd_; }
+  // The number of `width` (1, 2 or 4) bytes at `offset` of the record, read
+  // in place, high byte first, as BytesToLong reads it: a 4-byte one past the
+  // largest Long reads as 0. Inline, as every number field of every record
+  // read comes through here; one past the record's end fails.
+  int32_t NumberAt(int16_t offset, size_t width) const {
+    if (offset < 0 || static_cast<size_t>(offset) + width > buffer_.size()) ThrowPastTheEnd();
+    const auto* b = reinterpret_cast<const uint8_t*>(buffer_.data()) + offset;
+    if (width == 1) return b[0];
+    if (width == 2) return b[0] << 8 | b[1];
+    const uint32_t value = uint32_t{b[0]} << 24 | uint32_t{b[1]} << 16 | uint32_t{b[2]} << 8 | b[3];
+    return value > 0x7FFFFFFFu ? 0 : static_cast<int32_t>(value);
+  }
   void SetRawData(std::string bytes) {
     buffer_ = std::move(bytes);
     BufferChanged();
@@ -138,12 +153,14 @@ class clsPalmDB {
   // written, for a text (width 0) and what the setters treat on their own.
   bool StoreWholeNumber(int16_t offset, size_t width, int32_t number);
   void ReportNoField(std::string_view name);
+  [[noreturn]] static void ThrowPastTheEnd();
 
   IShell& shell_;
   std::unique_ptr<IPalmFile> file_;
   int32_t fileType_ = kFileNone;
   int16_t fixedLength_ = 0;
   int16_t textCount_ = 0;
+  size_t numbersEnd_ = 0;  // the length that holds every number field
   std::string buffer_;
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
   uint32_t schemaGeneration_ = 0;

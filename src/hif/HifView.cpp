@@ -1,6 +1,8 @@
 #include "hif/HifView.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstring>
 #include <cstdio>
@@ -37,49 +39,64 @@ bool IsHandBuilt(int32_t recType) {
 
 // Where the first byte from `at` on that JSON can't show as it is lies: a
 // control byte, one above 0x7E, a quote or a backslash. Eight bytes are
-// looked at in one go.
-size_t NextToEscape(const std::string& text, size_t at) {
+// looked at in one go, the last few with harmless letters behind them; the
+// lowest byte that matches is the first, as a borrow only runs upwards.
+size_t NextToEscape(std::string_view text, size_t at) {
+  static_assert(std::endian::native == std::endian::little, "the first byte is the lowest");
   constexpr uint64_t kOnes = 0x0101010101010101ull;
   constexpr uint64_t kHighs = 0x8080808080808080ull;
   const auto hasZeroByte = [](uint64_t x) { return (x - kOnes) & ~x & kHighs; };
-  for (; at + 8 <= text.size(); at += 8) {
-    uint64_t x = 0;
-    std::memcpy(&x, text.data() + at, 8);
+  while (at < text.size()) {
+    const size_t bytes = std::min<size_t>(8, text.size() - at);
+    uint64_t x = kOnes * 'a';
+    std::memcpy(&x, text.data() + at, bytes);
     const uint64_t found = (x & kHighs) | ((x - kOnes * 0x20) & ~x & kHighs) | hasZeroByte(x ^ (kOnes * 0x7F)) |
                            hasZeroByte(x ^ (kOnes * '"')) | hasZeroByte(x ^ (kOnes * '\\'));
-    if (found != 0) break;
+    if (found != 0) return at + static_cast<size_t>(std::countr_zero(found)) / 8;
+    at += bytes;
   }
-  for (; at < text.size(); ++at) {
-    const auto c = static_cast<unsigned char>(text[at]);
-    if (c < 0x20 || c >= 0x7F || c == '"' || c == '\\') break;
+  return text.size();
+}
+
+// The most a text takes as a quoted JSON string: every byte escaped.
+constexpr size_t JsonTextRoom(size_t bytes) { return 6 * bytes + 2; }
+
+// Text as a quoted JSON string written at `at`, which has its room; returns
+// where it ends.
+char* PutJsonText(char* at, std::string_view text) {
+  *at++ = '"';
+  // Plain stretches are copied whole; only the bytes between them are
+  // escaped one by one.
+  size_t plain = 0;
+  for (size_t next = NextToEscape(text, 0); next < text.size(); next = NextToEscape(text, next + 1)) {
+    const auto c = static_cast<unsigned char>(text[next]);
+    std::memcpy(at, text.data() + plain, next - plain);
+    at += next - plain;
+    plain = next + 1;
+    *at++ = '\\';
+    if (c == '"' || c == '\\') {
+      *at++ = static_cast<char>(c);
+    } else {
+      // Bytes are shown as the Latin-1 characters of the same codes.
+      static constexpr char kHex[] = "0123456789abcdef";
+      std::memcpy(at, "u00", 3);
+      at[3] = kHex[c >> 4];
+      at[4] = kHex[c & 15];
+      at += 5;
+    }
   }
+  std::memcpy(at, text.data() + plain, text.size() - plain);
+  at += text.size() - plain;
+  *at++ = '"';
   return at;
 }
 
 }  // namespace
 
-void AppendJsonText(std::string& out, const std::string& text) {
-  out.push_back('"');
-  // Plain stretches are copied whole; only the bytes between them are
-  // escaped one by one.
-  size_t plain = 0;
-  for (size_t at = NextToEscape(text, 0); at < text.size(); at = NextToEscape(text, at + 1)) {
-    const auto c = static_cast<unsigned char>(text[at]);
-    out.append(text, plain, at - plain);
-    plain = at + 1;
-    if (c == '"' || c == '\\') {
-      out.push_back('\\');
-      out.push_back(static_cast<char>(c));
-    } else {
-      // Bytes are shown as the Latin-1 characters of the same codes.
-      static constexpr char kHex[] = "0123456789abcdef";
-      out.append("\\u00");
-      out.push_back(kHex[c >> 4]);
-      out.push_back(kHex[c & 15]);
-    }
-  }
-  out.append(text, plain, std::string::npos);
-  out.push_back('"');
+void AppendJsonText(std::string& out, std::string_view text) {
+  const size_t start = out.size();
+  out.resize(start + JsonTextRoom(text.size()));
+  out.resize(static_cast<size_t>(PutJsonText(out.data() + start, text) - out.data()));
 }
 
 HifView::HifView(IShell& shell) : shell_(shell), hif_(shell) {}
@@ -132,8 +149,13 @@ std::string RecordToJson(clsHIF& hif) {
 }
 
 void RecordJsonWriter::Append(std::string& out, clsHIF& hif) {
+  Plan(hif.DB());
   const size_t start = out.size();
   out.push_back('{');
+  if (AppendInPlace(out, hif.DB())) {
+    out.push_back('}');
+    return;
+  }
   const std::string& raw = hif.RawData();
   const Value recType = raw.size() >= 2 ? hif.Item("RecType") : Value();
   if (!recType.IsEmpty() && IsHandBuilt(recType.ToInt32())) {
@@ -181,20 +203,67 @@ void RecordJsonWriter::Append(std::string& out, clsHIF& hif) {
   out.push_back('}');
 }
 
-void RecordJsonWriter::AppendFields(std::string& out, clsPalmDB& db) {
-  if (db_ != &db || generation_ != db.SchemaGeneration()) {
-    db_ = &db;
-    generation_ = db.SchemaGeneration();
-    keys_.clear();
-    for (int16_t i = 1; i <= db.FieldCount(); ++i) {
-      std::string& key = keys_.emplace_back(i > 1 ? "," : "");
-      AppendJsonText(key, db.Field(i).name);
-      key.push_back(':');
+void RecordJsonWriter::Plan(const clsPalmDB& db) {
+  if (db_ == &db && generation_ == db.SchemaGeneration()) return;
+  db_ = &db;
+  generation_ = db.SchemaGeneration();
+  fields_.clear();
+  inPlace_ = true;
+  room_ = kKeyRoom;
+  for (int16_t i = 1; i <= db.FieldCount(); ++i) {
+    const clsPalmDB::SchemaField& field = db.Field(i);
+    PlannedField& planned = fields_.emplace_back(PlannedField{i > 1 ? "," : "", {}, field.position, field.width});
+    AppendJsonText(planned.key, field.name);
+    planned.key.push_back(':');
+    planned.key.copy(planned.shortKey.data(), kKeyRoom);
+    room_ += planned.key.size() + (field.width > 0 ? kNumberRoom : JsonTextRoom(0));
+    const bool known = field.type >= kFieldText && field.type <= kFieldInt32;
+    if (!field.firstOfName || !known) inPlace_ = false;
+  }
+  const int16_t recType = db.FindItem("RecType");
+  recType_ = recType > 0 && db.Field(recType).width > 0 ? &fields_[static_cast<size_t>(recType - 1)] : nullptr;
+  if (recType_ == nullptr) inPlace_ = false;
+}
+
+bool RecordJsonWriter::AppendInPlace(std::string& out, const clsPalmDB& db) const {
+  const std::string& raw = db.RawData();
+  if (!inPlace_ || !db.HoldsEveryNumber()) return false;
+  if (IsHandBuilt(db.NumberAt(recType_->position, recType_->width))) return false;
+  const size_t start = out.size();
+  out.resize(start + room_ + JsonTextRoom(raw.size()));
+  char* at = out.data() + start;
+  // The texts lie in the record in the order of their fields, each up to its
+  // NUL, or to the record's end; those past the end are empty.
+  size_t nextText = static_cast<size_t>(std::max<int16_t>(db.FixedLength(), 0));
+  for (const PlannedField& field : fields_) {
+    const size_t keyLength = field.key.size();
+    if (keyLength <= kKeyRoom) {
+      std::memcpy(at, field.shortKey.data(), kKeyRoom);  // one fixed move; the tail is written over
+    } else {
+      std::memcpy(at, field.key.data(), keyLength);
+    }
+    at += keyLength;
+    if (field.width > 0) {
+      at = std::to_chars(at, at + kNumberRoom, db.NumberAt(field.position, field.width)).ptr;
+    } else {
+      std::string_view text;
+      if (nextText < raw.size()) {
+        const void* nul = std::memchr(raw.data() + nextText, 0, raw.size() - nextText);
+        const size_t end = nul != nullptr ? static_cast<size_t>(static_cast<const char*>(nul) - raw.data()) : raw.size();
+        text = std::string_view(raw).substr(nextText, end - nextText);
+        nextText = end + 1;
+      }
+      at = PutJsonText(at, text);
     }
   }
+  out.resize(static_cast<size_t>(at - out.data()));
+  return true;
+}
+
+void RecordJsonWriter::AppendFields(std::string& out, clsPalmDB& db) {
   size_t field = 0;
   db.ForEachValue([&out, &field, this](const std::string&, const Value& value) {
-    out += keys_[field++];
+    out += fields_[field++].key;
     if (value.IsEmpty() || value.IsNull()) {
       out += "null";  // past the end of a short record
     } else if (value.IsText()) {

@@ -157,5 +157,38 @@ TEST(HifDump, AWriterFollowsAChangeOfTheFieldList) {
   EXPECT_NE(one, three);
 }
 
+// A record is written straight from its bytes: numbers where the field list
+// puts them, texts one after another up to each NUL or the record's end.
+// One too short for its numbers is read field by field, its missing numbers
+// as null.
+TEST(HifDump, FieldsAreReadWhereTheyLieInTheRecord) {
+  TestShell shell;
+  clsHIF hif(shell);
+  clsPalmDB& db = hif.DB();
+  db.ClearSchema();
+  db.AddField(kFieldInt16, "RecType");
+  db.AddField(kFieldInt32, "Reading");
+  db.AddField(kFieldText, "Name");
+  db.AddField(kFieldInt8, "Flag", 6);  // placed by hand behind the texts' field
+  db.AddField(kFieldText, "Note");
+  const std::string numbers = Hex("0002 0000002A 07");
+  const std::pair<std::string, std::string> cases[] = {
+      {numbers + std::string("AB\0C\"D\0", 7), R"({"RecType":2,"Reading":42,"Name":"AB","Flag":7,"Note":"C\"D"})"},
+      {numbers + "AB" + std::string(1, '\0') + "CD", R"({"RecType":2,"Reading":42,"Name":"AB","Flag":7,"Note":"CD"})"},
+      {numbers + std::string("\0\xE9\0", 3), R"({"RecType":2,"Reading":42,"Name":"","Flag":7,"Note":"\u00e9"})"},
+      {numbers, R"({"RecType":2,"Reading":42,"Name":"","Flag":7,"Note":""})"},
+      {Hex("0002 FFFFFFFF 00"), R"({"RecType":2,"Reading":0,"Name":"","Flag":0,"Note":""})"},
+      {Hex("0002 0000"), R"({"RecType":2,"Reading":null,"Name":"","Flag":null,"Note":""})"},
+  };
+  RecordJsonWriter writer;
+  for (const auto& [bytes, json] : cases) {
+    db.SetRawData(bytes);
+    std::string out;
+    writer.Append(out, hif);
+    EXPECT_EQ(out, json);
+  }
+  EXPECT_EQ(shell.Asked(), std::vector<std::string>(2, "Subscript out of range"));  // the short record only
+}
+
 }  // namespace
 }  // namespace hifx::test
