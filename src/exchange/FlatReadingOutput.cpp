@@ -1,5 +1,6 @@
 // Billing and orphan files of fixed columns or delimited fields, written from
 // the records of a reading HIF through an output map.
+#include <array>
 #include <cmath>
 
 #include "base/Failure.h"
@@ -62,9 +63,9 @@ std::string ReadTypeLetter(const Value& v) {
   }
 }
 
-}  // namespace
-
-std::string clsExchange::FormatDate(const std::string& value, int32_t code) {
+// The mask of a date format code: its tens give the order, its units the
+// separators (1 a dash, 2 a slash, both for 3) and, with 4, a four-digit year.
+std::string DateMask(int32_t code) {
   const int32_t units = code % 10;
   std::string mask;
   switch (code - units) {
@@ -81,13 +82,25 @@ std::string clsExchange::FormatDate(const std::string& value, int32_t code) {
     const size_t yy = mask.find("YY");
     if (yy != std::string::npos) mask.replace(yy, 2, "YYYY");
   }
-  const std::string blank = BlankForm(mask);
-  if (NumericPrefix(value) == 0) return blank;
+  return mask;
+}
+
+}  // namespace
+
+std::string clsExchange::FormatDate(const std::string& value, int32_t code) {
+  // The masks of the codes in use are made once.
+  static const std::array<std::string, 100> kMasks = [] {
+    std::array<std::string, 100> masks;
+    for (int32_t c = 0; c < 100; ++c) masks[static_cast<size_t>(c)] = DateMask(c);
+    return masks;
+  }();
+  const std::string mask = code >= 0 && code < 100 ? kMasks[static_cast<size_t>(code)] : DateMask(code);
+  if (NumericPrefix(value) == 0) return BlankForm(mask);
   // The stored form is yyyymmdd.
   const int year = DigitsAt(value, 0, 4);
   const int month = DigitsAt(value, 4, 2);
   const int day = DigitsAt(value, 6, 2);
-  if (!IsValidDate(year, month, day)) return blank;
+  if (!IsValidDate(year, month, day)) return BlankForm(mask);
   std::string out;
   for (size_t i = 0; i < mask.size();) {
     if (mask.compare(i, 4, "YYYY") == 0) {
@@ -170,7 +183,7 @@ std::string clsExchange::OutputValue(const Value* given, const MapField& field) 
   return value;
 }
 
-std::string clsExchange::AssembleFixed(const MappedRecord& values) {
+std::string clsExchange::AssembleFixed(MappedRecord& values) {
   const std::vector<MapField>& fields = ActiveMap->Fields();
   std::string line;
   line.reserve(lineRoom_);
@@ -181,30 +194,29 @@ std::string clsExchange::AssembleFixed(const MappedRecord& values) {
       const auto position = static_cast<size_t>(std::max<int32_t>(field.DataPosition, 1));
       const auto width = static_cast<size_t>(std::max<int32_t>(field.DataWidth, 0));
       if (line.size() < position - 1) line.resize(position - 1, ' ');
-      std::string value = OutputValue(values.ForMapField(i), field);
-      if (field.MapAlign == 1) value = std::string(Trim(value));
-      if (value.size() > width) {
+      const std::string value = OutputValue(values.ForMapField(i), field);
+      std::string_view shown = value;
+      if (field.MapAlign == 1) shown = Trim(shown);
+      if (shown.size() > width) {
         // Texts, dates and times keep their left end, numbers their right.
         const bool text = field.DataType == kTypeText || field.DataType == kTypeDate || field.DataType == kTypeTime;
-        if (text) {
-          value.resize(width);
-        } else {
-          value.erase(0, value.size() - width);
-        }
-      } else if (value.size() < width) {
-        const char pad = field.MapPad == 2 ? ' ' : '0';
-        if (field.MapAlign == 2) {
-          value.insert(0, width - value.size(), pad);
-        } else {
-          value.append(width - value.size(), pad);
-        }
+        shown = text ? shown.substr(0, width) : shown.substr(shown.size() - width);
       }
+      const auto appendPadded = [&field, &shown, width](std::string& to) {
+        const size_t padding = width - shown.size();
+        const char pad = field.MapPad == 2 ? ' ' : '0';
+        if (field.MapAlign == 2) to.append(padding, pad);
+        to.append(shown);
+        if (field.MapAlign != 2) to.append(padding, pad);
+      };
       // A line exactly DataPosition long is appended to, so the field lands
       // one column late; that is how the files have always come out.
       if (line.size() <= position) {
-        line += value;
+        appendPadded(line);
       } else {
-        line.replace(position - 1, std::min(width, line.size() - (position - 1)), value);
+        std::string padded;
+        appendPadded(padded);
+        line.replace(position - 1, std::min(width, line.size() - (position - 1)), padded);
       }
     }
   } catch (const Failure& failure) {
@@ -215,7 +227,7 @@ std::string clsExchange::AssembleFixed(const MappedRecord& values) {
   return line;
 }
 
-std::string clsExchange::AssembleDelimited(const MappedRecord& values) {
+std::string clsExchange::AssembleDelimited(MappedRecord& values) {
   const clsExchMap& map = *ActiveMap;
   const std::string& quote = map.MapQuote();
   const std::vector<MapField>& fields = map.Fields();

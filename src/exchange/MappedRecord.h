@@ -17,18 +17,28 @@ class MappedRecord {
  public:
   // Matches each of the map's fields with the schema's field of its name.
   void Plan(const clsExchMap& map, const clsPalmDB& db);
-  // Takes every field of the record in db's buffer.
+  // Takes the record in db's buffer: a short one, or one of a schema that
+  // names a field twice, field by field at once, so that its messages and
+  // failure come in that order; any other a field at a time as each is
+  // first asked for. The buffer must hold the record until the next Read: a
+  // field written to it before it is asked for reads as written.
   void Read(clsPalmDB& db);
   // The value of the map's field at position (from 0); none when the
   // schema has no field of its name.
-  const Value* ForMapField(size_t position) const;
+  const Value* ForMapField(size_t position);
   // The value of the schema's field at index; failure 5 for index 0, a
   // field the schema lacks, as a look-up of a missing name is.
   Value& At(int16_t index);
 
  private:
+  Value& Take(size_t index);
+
   std::vector<int16_t> schemaIndex_;  // by map field, 0 for none
-  std::vector<Value> values_;         // by schema index, from 1
+  bool namesOnce_ = true;             // no name of the schema comes twice
+  clsPalmDB* db_ = nullptr;
+  std::vector<Value> values_;    // by schema index, from 1
+  std::vector<uint64_t> readIn_;  // the record each value was read from
+  uint64_t record_ = 0;           // the records read so far
 };
 
 }  // namespace hifx

@@ -137,8 +137,8 @@ class clsExchange {
   // The exceptions of the open reading HIF as a new route HIF; count gives
   // the meters written.
   void BuildReReadFile(clsHIF& source, const std::string& destination, int32_t& count);
-  std::string AssembleFixed(const MappedRecord& values);
-  std::string AssembleDelimited(const MappedRecord& values);
+  std::string AssembleFixed(MappedRecord& values);
+  std::string AssembleDelimited(MappedRecord& values);
   static std::string FormatDate(const std::string& value, int32_t code);
   static std::string FormatTime(const std::string& value, int32_t code);
   static std::vector<std::string> ExtractUser(const std::string& text);

@@ -4,13 +4,6 @@
 
 namespace hifx {
 
-int32_t BytesToLong(std::span<const uint8_t> bytes) {
-  uint64_t value = 0;
-  for (const uint8_t b : bytes) value = (value << 8) | b;
-  if (bytes.size() > 4 || value > 0x7FFFFFFFull) return 0;
-  return static_cast<int32_t>(value);
-}
-
 void PutBytes(std::span<uint8_t> bytes, const Value& value) {
   if (value.IsText()) {
     const std::string& text = value.Text();

@@ -12,7 +12,13 @@ namespace hifx {
 
 // Decodes 1, 2 or 4 bytes, first byte most significant. A value that does not
 // fit a signed 32-bit integer (a 4-byte value with its top bit set) gives 0.
-int32_t BytesToLong(std::span<const uint8_t> bytes);
+// Inline, as every record read looks up its place through it.
+inline int32_t BytesToLong(std::span<const uint8_t> bytes) {
+  uint64_t value = 0;
+  for (const uint8_t b : bytes) value = (value << 8) | b;
+  if (bytes.size() > 4 || value > 0x7FFFFFFFull) return 0;
+  return static_cast<int32_t>(value);
+}
 
 // Fills bytes from a value. A text goes character by character, NUL padded
 // and cut at the width, whatever the width; a number goes big-endian, with

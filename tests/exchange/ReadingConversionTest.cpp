@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "exchange/MappedRecord.h"
 #include "support/HifImage.h"
 #include "support/RouteSite.h"
 
@@ -269,6 +270,41 @@ TEST(ReadingDriver, NoExceptionsLeaveAHeaderOnlyFileAndTheQuestionIsAlwaysPut) {
   EXPECT_TRUE(site.Exchange().ConvertReading());
   EXPECT_EQ(site.shell.Logged("Notice: No exceptions found in reading.  Not creating re-read file"), 1u);
   EXPECT_EQ(site.Records("reread.pdb").size(), 1u);
+}
+
+// A whole record is read a field at a time as each is first asked for, so a
+// field written before it is asked for reads as written; a short one is read
+// at once, its missing numbers said in the order of the fields, and keeps
+// what it read.
+TEST(MappedRecord, AWholeRecordIsReadAsAskedAndAShortOneAtOnce) {
+  TempDir dir;
+  TestShell shell;
+  clsPalmDB db(shell);
+  db.AddField(kFieldInt16, "RecType");
+  db.AddField(kFieldInt32, "Reading");
+  db.AddField(kFieldText, "Name");
+  db.AddField(kFieldInt8, "Flag");
+  clsExchMap map(dir.path());
+  map.AddField(kTypeText, "Name", false, 0, 0, "Name");
+  MappedRecord record;
+  record.Plan(map, db);
+
+  db.SetRawData(Hex("0002 0000002A 07") + "AB" + std::string(1, '\0'));
+  record.Read(db);
+  db.SetItem("Reading", Value::Long(43));
+  EXPECT_EQ(record.At(2), Value::Long(43));
+  EXPECT_EQ(*record.ForMapField(0), Value("AB"));
+  EXPECT_EQ(record.At(4), Value::Integer(7));
+  EXPECT_TRUE(shell.Asked().empty());
+
+  db.SetRawData(Hex("0003 0000"));
+  record.Read(db);
+  EXPECT_EQ(shell.Asked(), std::vector<std::string>(2, "Subscript out of range"));
+  db.SetRawData(Hex("0004 0000002A 07"));
+  EXPECT_EQ(record.At(1), Value::Long(3));
+  EXPECT_TRUE(record.At(2).IsEmpty());
+  EXPECT_TRUE(record.At(4).IsEmpty());
+  EXPECT_EQ(*record.ForMapField(0), Value(""));
 }
 
 }  // namespace
