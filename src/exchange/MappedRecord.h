@@ -36,7 +36,7 @@ class MappedRecord {
   std::vector<int16_t> schemaIndex_;  // by map field, 0 for none
   bool namesOnce_ = true;             // no name of the schema comes twice
   clsPalmDB* db_ = nullptr;
-  std::vector<Value> values_;    // by schema index, from 1
+  std::vector<Value> values_;     // by schema index, from 1
   std::vector<uint64_t> readIn_;  // the record each value was read from
   uint64_t record_ = 0;           // the records read so far
 };

@@ -4,8 +4,8 @@
 #include <array>
 #include <bit>
 #include <charconv>
-#include <cstring>
 #include <cstdio>
+#include <cstring>
 
 #include "base/Failure.h"
 
@@ -249,7 +249,8 @@ bool RecordJsonWriter::AppendInPlace(std::string& out, const clsPalmDB& db) cons
       std::string_view text;
       if (nextText < raw.size()) {
         const void* nul = std::memchr(raw.data() + nextText, 0, raw.size() - nextText);
-        const size_t end = nul != nullptr ? static_cast<size_t>(static_cast<const char*>(nul) - raw.data()) : raw.size();
+        const size_t end =
+            nul != nullptr ? static_cast<size_t>(static_cast<const char*>(nul) - raw.data()) : raw.size();
         text = std::string_view(raw).substr(nextText, end - nextText);
         nextText = end + 1;
       }

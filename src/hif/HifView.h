@@ -77,7 +77,7 @@ class RecordJsonWriter {
   uint32_t generation_ = 0;
   std::vector<PlannedField> fields_;
   bool inPlace_ = false;  // every name once, every type known, RecType a number
-  size_t room_ = 0;            // the most a record's object takes beyond its texts' bytes
+  size_t room_ = 0;       // the most a record's object takes beyond its texts' bytes
   const PlannedField* recType_ = nullptr;
 };
 
