@@ -25,6 +25,9 @@ measure() {
   local times=() peak=0 kb start end
   for _ in $(seq "$runs"); do
     $prepare
+    # The last run's output goes first: cutting a file of 22 MB down is the
+    # kernel's work, not the road's.
+    rm -f "$work/out.txt"
     start=$(date +%s%N)
     if ! /usr/bin/time -o "$work/time.txt" -f "%M" "$@" > "$work/out.txt" 2>&1; then
       echo "bench/table.sh: failed: $*" >&2
