@@ -122,10 +122,6 @@ int16_t clsPalmDB::FindItem(std::string_view name) const {
   return lastFound_;
 }
 
-int16_t clsPalmDB::FindItem(int32_t index) const {
-  return (index >= 0 && index <= FieldCount()) ? static_cast<int16_t>(index) : 0;
-}
-
 std::string clsPalmDB::FieldName(int16_t index) const {
   if (index < 0 || index > FieldCount()) throw Failure(fail::kSubscript);
   return schema_[static_cast<size_t>(index)].name;
@@ -274,7 +270,7 @@ Value clsPalmDB::ReadField(int16_t index) {
   return value;
 }
 
-void clsPalmDB::ReadField(int16_t index, Value& value) {
+void clsPalmDB::ReadOtherField(int16_t index, Value& value) {
   if (index == 0) {
     value = Value::Null();
     return;
@@ -346,9 +342,6 @@ void clsPalmDB::WriteField(int16_t index, const Value& value) {
 }
 
 Value clsPalmDB::Item(std::string_view name) { return ReadField(FindItem(name)); }
-Value clsPalmDB::Item(int32_t index) { return ReadField(FindItem(index)); }
-
-void clsPalmDB::ReadItem(int32_t index, Value& value) { ReadField(FindItem(index), value); }
 
 void clsPalmDB::SetItem(std::string_view name, const Value& value) {
   const int16_t index = FindItem(name);

@@ -48,7 +48,9 @@ class clsPalmDB {
   void ClearSchema();
   void AddField(int32_t type, std::string_view name, int16_t position = -1);
   int16_t FindItem(std::string_view name) const;
-  int16_t FindItem(int32_t index) const;
+  int16_t FindItem(int32_t index) const {
+    return (index >= 0 && index <= FieldCount()) ? static_cast<int16_t>(index) : int16_t{0};
+  }
   int16_t FieldCount() const { return static_cast<int16_t>(schema_.size() - 1); }
   std::string FieldName(int16_t index) const;
   const SchemaField& Field(int16_t index) const { return schema_.at(static_cast<size_t>(index)); }
@@ -69,9 +71,13 @@ class clsPalmDB {
   // Field access by name or schema index. A read failure is shown and gives
   // the empty value; an unknown field reads as null.
   Value Item(std::string_view name);
-  Value Item(int32_t index);
+  Value Item(int32_t index) {
+    Value value;
+    ReadField(FindItem(index), value);
+    return value;
+  }
   // The same into a value kept from record to record: a text reuses its room.
-  void ReadItem(int32_t index, Value& value);
+  void ReadItem(int32_t index, Value& value) { ReadField(FindItem(index), value); }
   // An unknown field is reported and nothing changes.
   void SetItem(std::string_view name, const Value& value);
   void SetItem(int32_t index, const Value& value) {
@@ -142,7 +148,19 @@ class clsPalmDB {
  private:
   IPalmFile& Container();
   Value ReadField(int16_t index);
-  void ReadField(int16_t index, Value& value);
+  // A number wholly within the record is read here; every other field, and
+  // what a read has to say, out of line. Inline, as every number field of
+  // every record read comes through here.
+  void ReadField(int16_t index, Value& value) {
+    const SchemaField& field = schema_[static_cast<size_t>(index)];  // index 0 is an empty text
+    if (field.width == 0 || static_cast<size_t>(field.position) + field.width > buffer_.size()) {
+      return ReadOtherField(index, value);
+    }
+    const int32_t number = NumberAt(field.position, field.width);
+    if (field.type == kFieldInt8) return value.SetInteger(static_cast<int16_t>(number));
+    value.SetLong(number);
+  }
+  void ReadOtherField(int16_t index, Value& value);
   // Text `ordinal` of the buffer, as GetString reads it.
   std::string_view TextAt(int16_t& ordinal) const;
   void WriteField(int16_t index, const Value& value);
