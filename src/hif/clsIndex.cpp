@@ -1,7 +1,7 @@
 #include "hif/clsIndex.h"
 
 #include <algorithm>
-#include <numeric>
+#include <cstdint>
 
 namespace hifx {
 
@@ -10,19 +10,41 @@ void clsIndex::Insert(std::string key, int16_t number) {
   numbers_.push_back(number);
 }
 
+namespace {
+
+// A key's first eight bytes as one number that orders as the bytes do, a
+// short key padded with zeros: two keys whose heads differ are in the order
+// of their heads; only equal heads need the whole keys compared.
+uint64_t HeadOf(const std::string& key) {
+  uint64_t head = 0;
+  for (size_t i = 0; i < 8; ++i) head = head << 8 | (i < key.size() ? static_cast<uint8_t>(key[i]) : 0u);
+  return head;
+}
+
+}  // namespace
+
 void clsIndex::Sort() {
   // The result of a stable bubble sort on the keys' bytes, in n log n.
-  std::vector<size_t> order(keys_.size());
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(),
-                   [&](size_t a, size_t b) { return keys_[a] < keys_[b]; });
+  struct Entry {
+    uint64_t head;
+    size_t size;
+    size_t at;
+  };
+  std::vector<Entry> order(keys_.size());
+  for (size_t i = 0; i < keys_.size(); ++i) order[i] = {HeadOf(keys_[i]), keys_[i].size(), i};
+  std::stable_sort(order.begin(), order.end(), [&](const Entry& a, const Entry& b) {
+    if (a.head != b.head) return a.head < b.head;
+    // Two keys no longer than their heads differ only in trailing NULs.
+    if (a.size <= 8 && b.size <= 8) return a.size < b.size;
+    return keys_[a.at] < keys_[b.at];
+  });
   std::vector<std::string> keys;
   std::vector<int16_t> numbers;
   keys.reserve(order.size());
   numbers.reserve(order.size());
-  for (const size_t i : order) {
-    keys.push_back(std::move(keys_[i]));
-    numbers.push_back(numbers_[i]);
+  for (const Entry& entry : order) {
+    keys.push_back(std::move(keys_[entry.at]));
+    numbers.push_back(numbers_[entry.at]);
   }
   keys_ = std::move(keys);
   numbers_ = std::move(numbers);

@@ -42,6 +42,23 @@ TEST_F(CodeRecords, AnIndexRecordGroupsKeysAndPacksThemEven) {
   EXPECT_EQ(hif.RecordCount(), 1);
 }
 
+// Keys are in the order of their bytes, high ones last, however long the
+// part they share; equal keys keep the order they came in.
+TEST_F(CodeRecords, IndexKeysSortByTheirBytesPastAnyCommonHead) {
+  clsIndex index;
+  index.Route = 1;
+  for (const auto& [key, number] : {std::pair{"ABCDEFGHJ", 1}, {"ABCDEFGHI", 2}, {"ABCDEFGH", 3}, {"\xC9TAGE", 4},
+                                    {"ABCDEFGHI", 5}, {"Z", 6}, {"ABCDEFGHIJKLMNOQ", 7}, {"ABCDEFGHIJKLMNOP", 8}}) {
+    index.Insert(key, static_cast<int16_t>(number));
+  }
+  index.WriteRecord(hif);
+  int32_t route = 0, type = 0, count = 0;
+  std::vector<std::string> entries;
+  hif.GetIndexRecord(route, type, count, entries);
+  EXPECT_EQ(entries, (std::vector<std::string>{"ABCDEFGH:3", "ABCDEFGHI:2:5", "ABCDEFGHIJKLMNOP:8",
+                                               "ABCDEFGHIJKLMNOQ:7", "ABCDEFGHJ:1", "Z:6", "\xC9TAGE:4"}));
+}
+
 TEST_F(CodeRecords, ACodeRecordReadsBack) {
   hif.AddCodeRecord(kRecCodes, 2, 0, 2, {"W", "GAS"}, {"Water", "Gas meter"}, {"", ""});
   const CodeRecord record = ReadCodeRecord(hif.RawData());
