@@ -47,8 +47,14 @@ TEST_F(CodeRecords, AnIndexRecordGroupsKeysAndPacksThemEven) {
 TEST_F(CodeRecords, IndexKeysSortByTheirBytesPastAnyCommonHead) {
   clsIndex index;
   index.Route = 1;
-  for (const auto& [key, number] : {std::pair{"ABCDEFGHJ", 1}, {"ABCDEFGHI", 2}, {"ABCDEFGH", 3}, {"\xC9TAGE", 4},
-                                    {"ABCDEFGHI", 5}, {"Z", 6}, {"ABCDEFGHIJKLMNOQ", 7}, {"ABCDEFGHIJKLMNOP", 8}}) {
+  for (const auto& [key, number] : {std::pair{"ABCDEFGHJ", 1},
+                                    {"ABCDEFGHI", 2},
+                                    {"ABCDEFGH", 3},
+                                    {"\xC9TAGE", 4},
+                                    {"ABCDEFGHI", 5},
+                                    {"Z", 6},
+                                    {"ABCDEFGHIJKLMNOQ", 7},
+                                    {"ABCDEFGHIJKLMNOP", 8}}) {
     index.Insert(key, static_cast<int16_t>(number));
   }
   index.WriteRecord(hif);
