@@ -2,6 +2,7 @@
 // a 16- or 32-bit integer, a single or double float, a date or a text.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -50,6 +51,25 @@ class Value {
     // A whole number is itself; only the others are rounded.
     if (const auto* whole = std::get_if<int32_t>(&data_)) return *whole;
     return RoundedToInt32();
+  }
+
+  // A Long, an Integer, or a Double with no fraction within the Long's
+  // range: that whole number, which ToInt32 gives without rounding.
+  bool IsWholeNumber(int32_t& number) const {
+    if (const auto* whole = std::get_if<int32_t>(&data_)) {
+      number = *whole;
+      return true;
+    }
+    if (const auto* small = std::get_if<int16_t>(&data_)) {
+      number = *small;
+      return true;
+    }
+    const auto* real = std::get_if<double>(&data_);
+    if (real == nullptr || !(*real >= -2147483648.0 && *real <= 2147483647.0) || *real != std::trunc(*real)) {
+      return false;
+    }
+    number = static_cast<int32_t>(*real);
+    return true;
   }
 
   // The value as a text: numbers in their shortest decimal form, dates as

@@ -327,11 +327,8 @@ bool clsPalmDB::StoreWholeNumber(int16_t offset, size_t width, int32_t number) {
 
 void clsPalmDB::WriteField(int16_t index, const Value& value) {
   const SchemaField& field = schema_[static_cast<size_t>(index)];
-  const ValueKind kind = value.Kind();
-  if ((kind == ValueKind::Long || kind == ValueKind::Integer) &&
-      StoreWholeNumber(field.position, field.width, value.ToInt32())) {
-    return;
-  }
+  int32_t whole = 0;
+  if (value.IsWholeNumber(whole) && StoreWholeNumber(field.position, field.width, whole)) return;
   switch (field.type) {
     case kFieldText: SetString(field.position, value); break;
     case kFieldInt8: SetInt8(field.position, value); break;

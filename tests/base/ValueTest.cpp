@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <cmath>
+#include <optional>
 #include <tuple>
 
 #include "base/CaseBlind.h"
 #include "base/DateSerial.h"
 #include "base/Failure.h"
-#include "support/FailureNumber.h"
 #include "base/KeyedCollection.h"
 #include "base/Value.h"
+#include "support/FailureNumber.h"
 
 namespace hifx::test {
 namespace {
@@ -39,6 +42,33 @@ TEST(Value, ANumberIsSetOverAnyKind) {
   value.SetText("x");
   value.SetInteger(-1);
   EXPECT_EQ(value, Value::Integer(-1));
+}
+
+// Only what ToInt32 gives exactly, with no rounding and no overflow, is a
+// whole number.
+TEST(Value, AWholeNumberIsOneToInt32GivesWithoutRounding) {
+  const std::pair<Value, std::optional<int32_t>> cases[] = {
+      {Value::Long(-7), -7},
+      {Value::Integer(-3), -3},
+      {Value::Double(1734.0), 1734},
+      {Value::Double(-0.0), 0},
+      {Value::Double(-2147483648.0), INT32_MIN},
+      {Value::Double(2147483647.0), INT32_MAX},
+      {Value::Double(2.5), {}},
+      {Value::Double(2147483648.0), {}},
+      {Value::Double(std::nan("")), {}},
+      {Value::Single(3.0f), {}},
+      {Value("12"), {}},
+      {Value(), {}},
+  };
+  for (const auto& [value, expected] : cases) {
+    int32_t number = 99;
+    EXPECT_EQ(value.IsWholeNumber(number), expected.has_value()) << value.ToText();
+    if (expected) {
+      EXPECT_EQ(number, *expected);
+      EXPECT_EQ(number, value.ToInt32());
+    }
+  }
 }
 
 TEST(Value, TextForms) {
