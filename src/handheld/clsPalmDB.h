@@ -153,7 +153,7 @@ class clsPalmDB {
   // every record read comes through here.
   void ReadField(int16_t index, Value& value) {
     const SchemaField& field = schema_[static_cast<size_t>(index)];  // index 0 is an empty text
-    if (field.width == 0 || static_cast<size_t>(field.position) + field.width > buffer_.size()) {
+    if (field.width == 0 || field.position < 0 || static_cast<size_t>(field.position) + field.width > buffer_.size()) {
       return ReadOtherField(index, value);
     }
     const int32_t number = NumberAt(field.position, field.width);

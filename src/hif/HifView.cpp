@@ -70,8 +70,7 @@ char* PutJsonText(char* at, std::string_view text) {
   size_t plain = 0;
   for (size_t next = NextToEscape(text, 0); next < text.size(); next = NextToEscape(text, next + 1)) {
     const auto c = static_cast<unsigned char>(text[next]);
-    std::memcpy(at, text.data() + plain, next - plain);
-    at += next - plain;
+    at = std::copy_n(text.data() + plain, next - plain, at);
     plain = next + 1;
     *at++ = '\\';
     if (c == '"' || c == '\\') {
@@ -85,8 +84,7 @@ char* PutJsonText(char* at, std::string_view text) {
       at += 5;
     }
   }
-  std::memcpy(at, text.data() + plain, text.size() - plain);
-  at += text.size() - plain;
+  at = std::copy_n(text.data() + plain, text.size() - plain, at);  // no move at all for an empty text
   *at++ = '"';
   return at;
 }
