@@ -47,8 +47,7 @@ struct E5KMeter {
 };
 
 std::string TextField(const clsRecType& record, std::string_view name) {
-  const Value value = record.GetValue(name);
-  return std::string(value.IsText() ? Trim(value.Text()) : Trim(TextOf(value)));
+  return std::string(Trim(record.GetText(name)));
 }
 
 // The parts joined by single blanks and trimmed as a whole: an empty part

@@ -2,6 +2,8 @@
 // their reading and device lines, folded into one HIF record a meter. What
 // the handheld doesn't use but the reading file must give back travels in
 // the five user fields.
+#include <algorithm>
+
 #include "base/Failure.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
@@ -66,11 +68,8 @@ struct MVRSMeter {
   int32_t ConstantFlag = 0, HHFPosition = 0, NumberDecimals = 0, High1 = 0, Low1 = 0;
 };
 
-std::string Text(const clsRecType& record, const char* name) {
-  const Value& value = record.GetValue(name);
-  return value.IsText() ? value.Text() : TextOf(value);
-}
-int32_t Number(const clsRecType& record, const char* name) { return NumberOf(record.GetValue(name)); }
+std::string Text(const clsRecType& record, const char* name) { return record.GetText(name); }
+int32_t Number(const clsRecType& record, const char* name) { return record.GetNumber(name); }
 std::string Str(int32_t number) { return std::to_string(number); }
 
 int16_t Add16(int16_t total, int32_t more) { return ToInt16(static_cast<double>(total) + more); }
@@ -397,15 +396,16 @@ void FoldMeters(clsExchange& exchange, clsMVRSDownload& reader, const std::vecto
 
 }  // namespace
 
-std::string clsExchange::CombineUser(const std::vector<std::string>& values) {
+std::string clsExchange::CombineUser(std::initializer_list<std::string_view> values) {
+  size_t length = values.size();
+  for (const std::string_view value : values) length += value.size();
   std::string joined;
-  for (size_t i = 0; i < values.size(); ++i) {
-    if (i > 0) joined += '~';
-    joined += values[i];
+  joined.reserve(length);
+  for (const std::string_view& value : values) {
+    if (&value != values.begin()) joined += '~';
+    joined += value;
   }
-  for (char& c : joined) {
-    if (c == '\0') c = '\x01';
-  }
+  std::replace(joined.begin(), joined.end(), '\0', '\x01');
   return joined;
 }
 

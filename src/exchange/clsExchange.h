@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
-
 #include <unordered_map>
 #include <vector>
 
@@ -84,7 +84,7 @@ class clsExchange {
   // lines as one record; true when all converted with no duplicate tag.
   bool ConvertRouteMVRS();
   // Values joined with "~" for a user field, NULs made code 1.
-  static std::string CombineUser(const std::vector<std::string>& values);
+  static std::string CombineUser(std::initializer_list<std::string_view> values);
   // An E5000 download file through the fixed E5000 layout.
   bool ConvertRouteE5K();
   // True when every character of the trimmed text is a digit.

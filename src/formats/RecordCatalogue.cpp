@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "base/Failure.h"
+
 namespace hifx {
 
 std::vector<std::unique_ptr<clsRecType>> BuildRecordTypes(const std::vector<RecordLayout>& layouts, IShell* shell) {
@@ -14,6 +16,11 @@ std::vector<std::unique_ptr<clsRecType>> BuildRecordTypes(const std::vector<Reco
     types.push_back(std::move(type));
   }
   return types;
+}
+
+void RecordKinds::Add(clsRecType* type) {
+  if (type->IDStart != 1 || type->IDText.empty()) throw Failure(fail::kInvalidCall);
+  byFirstByte_[static_cast<unsigned char>(type->IDText.front())].push_back(type);
 }
 
 }  // namespace hifx

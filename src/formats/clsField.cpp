@@ -52,10 +52,16 @@ bool IsZero(const Value& value) {
 
 }  // namespace
 
+int32_t clsField::LeadingNumber(std::string_view columns) {
+  try {
+    return ToInt32(NumericPrefix(columns));
+  } catch (const Failure&) {
+    return 0;
+  }
+}
+
 Value clsField::Extract(std::string_view buffer, IShell* shell) const {
-  const std::string_view text = (Start < 1 || Length < 0 || static_cast<size_t>(Start - 1) >= buffer.size())
-                                    ? std::string_view()
-                                    : buffer.substr(static_cast<size_t>(Start - 1), static_cast<size_t>(Length));
+  const std::string_view text = Columns(buffer);
   double number = 0.0;
   double serial = 0.0;
   switch (FieldType) {
@@ -89,11 +95,7 @@ Value clsField::Extract(std::string_view buffer, IShell* shell) const {
       return ReadDateText(stamp, serial) ? Value::Date(serial) : Value();
     }
     case fldZeroNumber:
-      try {
-        return Value::Long(ToInt32(NumericPrefix(text)));
-      } catch (const Failure&) {
-        return Value::Long(0);
-      }
+      return Value::Long(LeadingNumber(text));
     case fldTime:
       if (Length == 4) {
         return ReadDateText(Piece(text, 0, 2) + ":" + Piece(text, 2, 2), serial) ? Value::Date(serial) : Value();

@@ -34,6 +34,14 @@ class clsField {
   // type's zero; nothing is raised. An unknown type is shown to the person
   // (when there is a shell) and reads as empty.
   Value Extract(std::string_view buffer, IShell* shell = nullptr) const;
+  // The number that the columns of a zero-filled number field hold: their
+  // leading number, or 0 when it is too large.
+  static int32_t LeadingNumber(std::string_view columns);
+  // The field's columns of a line, as far as the line reaches.
+  std::string_view Columns(std::string_view buffer) const {
+    if (Start < 1 || Length < 0 || static_cast<size_t>(Start - 1) >= buffer.size()) return {};
+    return buffer.substr(static_cast<size_t>(Start - 1), static_cast<size_t>(Length));
+  }
   // Writes the value into its columns of the line, lengthening the line with
   // blanks as needed. Failures reach the caller.
   void Insert(std::string& buffer, const Value& value, IShell* shell = nullptr) const;

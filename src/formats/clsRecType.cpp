@@ -66,13 +66,6 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   pending_.push_back(0);
 }
 
-bool clsRecType::TestID(std::string_view line) const {
-  if (IDStart < 1 || IDLength < 0) return false;
-  const auto start = static_cast<size_t>(IDStart - 1);
-  const std::string_view id = start < line.size() ? line.substr(start, static_cast<size_t>(IDLength)) : std::string_view();
-  return id == IDText;
-}
-
 void clsRecType::ClearFields() {
   fields_.clear();
   signatures_.clear();
@@ -162,6 +155,25 @@ const Value& clsRecType::GetValue(std::string_view name) const {
     return values_[slot] ? *values_[slot] : kNone;
   }
   return otherValues_.Contains(name) ? otherValues_.Item(name) : kNone;
+}
+
+std::string clsRecType::GetText(std::string_view name) const {
+  size_t slot = 0;
+  const clsField* field = FindField(name, slot);
+  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldText) {
+    return std::string(field->Columns(parsedLine_));
+  }
+  const Value& value = GetValue(name);
+  return value.IsText() ? value.Text() : TextOf(value);
+}
+
+int32_t clsRecType::GetNumber(std::string_view name) const {
+  size_t slot = 0;
+  const clsField* field = FindField(name, slot);
+  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldZeroNumber) {
+    return clsField::LeadingNumber(field->Columns(parsedLine_));
+  }
+  return NumberOf(GetValue(name));
 }
 
 void clsRecType::SetValue(std::string_view name, Value value) {

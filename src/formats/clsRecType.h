@@ -36,7 +36,14 @@ class clsRecType {
   // The sum of the widths of all fields ever added.
   int16_t RecLen() const { return recLen_; }
   // True when the identifying columns of the line hold IDText, case and all.
-  bool TestID(std::string_view line) const;
+  // Inline: a reader tries every kind it knows on every line.
+  bool TestID(std::string_view line) const {
+    if (IDStart < 1 || IDLength < 0) return false;
+    const auto start = static_cast<size_t>(IDStart - 1);
+    if (start >= line.size()) return IDText.empty();
+    const std::string_view id = line.substr(start, static_cast<size_t>(IDLength));
+    return id.size() == IDText.size() && (id.empty() || (id[0] == IDText[0] && id == IDText));
+  }
   void ClearFields();
   void ClearValues();
   // Every field's value from the line; fields past its end read as zeros.
@@ -45,6 +52,12 @@ class clsRecType {
   std::string Dump() const;
   // The value of a field, or empty when it has none.
   const Value& GetValue(std::string_view name) const;
+  // The value as TextOf gives it. A text field still lying in the parsed
+  // line is read from it as it stands, without keeping a value.
+  std::string GetText(std::string_view name) const;
+  // The value as NumberOf gives it, a zero-filled number field read from
+  // the parsed line in the same way.
+  int32_t GetNumber(std::string_view name) const;
   void SetValue(std::string_view name, Value value);
   // Clears the values; always false.
   bool Init();

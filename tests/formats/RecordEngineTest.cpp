@@ -155,6 +155,25 @@ TEST(RecordEngine, RecordTypeParsesAndBuildsByName) {
   EXPECT_EQ(type.GetValue("Other"), Value());
 }
 
+// Texts and numbers read straight from the parsed line agree with the
+// values a field gives, before and after they are taken, and a value set
+// over a parsed field stands.
+TEST(RecordEngine, TextsAndNumbersAreAsTheValuesGiveThem) {
+  clsRecType type = Sample();
+  type.Parse("RHD ROUTE-1 12x4");
+  EXPECT_EQ(type.GetText("RouteNumber"), " ROUTE-1");
+  EXPECT_EQ(type.GetNumber("Count"), 12);
+  EXPECT_EQ(type.GetNumber("count"), NumberOf(type.GetValue("Count")));
+  EXPECT_EQ(type.GetText("Count"), "12");
+  EXPECT_EQ(type.GetText("When"), TextOf(type.GetValue("When")));  // past the end of the line
+  EXPECT_EQ(type.GetText("Nothing"), "");
+  type.Parse("RHD");
+  EXPECT_EQ(type.GetNumber("Count"), 0);
+  type.SetValue("RouteNumber", Value::Long(5));
+  EXPECT_EQ(type.GetText("RouteNumber"), "5");
+  EXPECT_EQ(type.GetNumber("RouteNumber"), 5);
+}
+
 // A name is remembered by where its text lies, and checked: a buffer that
 // holds one name and then another finds each, and names from more places
 // than are remembered are still found.

@@ -7,9 +7,7 @@ namespace hifx {
 
 clsE5KDownload::clsE5KDownload(IShell* shell)
     : shell_(shell), types_(BuildRecordTypes(E5KDownloadCatalogue(), shell)) {
-  for (size_t i = 0; i + 1 < types_.size(); ++i) {
-    byFirstByte_[static_cast<unsigned char>(types_[i]->IDText.front())].push_back(types_[i].get());
-  }
+  for (size_t i = 0; i + 1 < types_.size(); ++i) kinds_.Add(types_[i].get());
 }
 
 bool clsE5KDownload::OpenFile(const std::string& path) { return file_.Open(path); }
@@ -18,15 +16,8 @@ clsRecType* clsE5KDownload::ReadNext() {
   try {
     if (!file_.Next(line_)) return nullptr;
     // The catch-all is never tested: it takes what the others leave.
-    clsRecType* record = types_.back().get();
-    if (!line_.empty()) {
-      for (clsRecType* type : byFirstByte_[static_cast<unsigned char>(line_.front())]) {
-        if (type->TestID(line_)) {
-          record = type;
-          break;
-        }
-      }
-    }
+    clsRecType* record = kinds_.Find(line_);
+    if (record == nullptr) record = types_.back().get();
     record->Parse(line_);
     return record;
   } catch (const Failure& failure) {

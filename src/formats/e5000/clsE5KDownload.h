@@ -2,13 +2,13 @@
 // the record type of its kind; a line of no known kind is the "?" record.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "base/Shell.h"
+#include "formats/RecordCatalogue.h"
 #include "formats/RecordFile.h"
 #include "formats/clsRecType.h"
 
@@ -32,9 +32,7 @@ class clsE5KDownload {
  private:
   IShell* shell_;
   std::vector<std::unique_ptr<clsRecType>> types_;  // the "?" record last
-  // Every kind is told by the line's leading columns: the kinds a line may
-  // be, by its first byte, in catalogue order.
-  std::array<std::vector<clsRecType*>, 256> byFirstByte_;
+  RecordKinds kinds_;                               // all but the "?" record
   RecordLineReader file_;
   std::string line_;
 };

@@ -6,18 +6,18 @@
 namespace hifx {
 
 clsMVRSDownload::clsMVRSDownload(IShell* shell)
-    : shell_(shell), types_(BuildRecordTypes(MVRSDownloadCatalogue(), shell)) {}
+    : shell_(shell), types_(BuildRecordTypes(MVRSDownloadCatalogue(), shell)) {
+  for (const auto& type : types_) kinds_.Add(type.get());
+}
 
 bool clsMVRSDownload::OpenFile(const std::string& path) { return file_.Open(path); }
 
 clsRecType* clsMVRSDownload::ReadNext() {
   try {
     if (!file_.Next(line_)) return nullptr;
-    for (const auto& type : types_) {
-      if (type->TestID(line_)) {
-        type->Parse(line_);
-        return type.get();
-      }
+    if (clsRecType* type = kinds_.Find(line_)) {
+      type->Parse(line_);
+      return type;
     }
   } catch (const Failure& failure) {
     if (shell_ != nullptr) shell_->MsgBox("Error in Readnext: " + failure.Description());

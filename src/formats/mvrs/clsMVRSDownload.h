@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Shell.h"
+#include "formats/RecordCatalogue.h"
 #include "formats/RecordFile.h"
 #include "formats/clsRecType.h"
 
@@ -31,6 +32,7 @@ class clsMVRSDownload {
  private:
   IShell* shell_;
   std::vector<std::unique_ptr<clsRecType>> types_;
+  RecordKinds kinds_;
   RecordLineReader file_;
   std::string line_;
 };
