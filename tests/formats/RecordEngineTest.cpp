@@ -169,6 +169,18 @@ TEST(RecordEngine, TextsAndNumbersAreAsTheValuesGiveThem) {
   EXPECT_EQ(type.GetText("Nothing"), "");
   type.Parse("RHD");
   EXPECT_EQ(type.GetNumber("Count"), 0);
+  // A zero-filled number reads as its leading number, and as 0 past the
+  // largest Long.
+  for (const auto& [columns, number] : std::vector<std::pair<std::string, int32_t>>{{"0000012345", 12345},
+                                                                                    {"", 0},
+                                                                                    {"2147483647", 2147483647},
+                                                                                    {"2147483648", 0},
+                                                                                    {"999999999999999999", 0},
+                                                                                    {"9999999999999999999", 0},
+                                                                                    {" -12x", -12},
+                                                                                    {"12 3", 12}}) {
+    EXPECT_EQ(clsField::LeadingNumber(columns), number) << columns;
+  }
   type.SetValue("RouteNumber", Value::Long(5));
   EXPECT_EQ(type.GetText("RouteNumber"), "5");
   EXPECT_EQ(type.GetNumber("RouteNumber"), 5);
