@@ -1,5 +1,6 @@
 #include "base/Numbers.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -105,6 +106,14 @@ size_t ScanNumber(std::string_view text, double& out) {
 double NumericPrefix(std::string_view text) {
   size_t start = 0;
   while (start < text.size() && IsBlank(text[start])) ++start;
+  // Digits alone to the end, as most number columns hold them, are read
+  // here: up to fifteen of them the sum is exact, as the scan's is.
+  const std::string_view digits = text.substr(start);
+  if (digits.size() <= 15 && std::all_of(digits.begin(), digits.end(), IsDigit)) {
+    uint64_t number = 0;
+    for (const char c : digits) number = number * 10 + static_cast<uint64_t>(c - '0');
+    return static_cast<double>(number);
+  }
   double value = 0.0;
   if (ScanNumber(text.substr(start), value) == 0) return 0.0;
   return value;

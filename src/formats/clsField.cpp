@@ -53,14 +53,6 @@ bool IsZero(const Value& value) {
 }  // namespace
 
 int32_t clsField::LeadingNumber(std::string_view columns) {
-  // Digits alone, the usual case, are read here: short enough that no sum
-  // overflows, and anything past the largest Long reads as zero, as below.
-  if (columns.size() <= 18 &&
-      std::all_of(columns.begin(), columns.end(), [](char c) { return c >= '0' && c <= '9'; })) {
-    int64_t number = 0;
-    for (const char c : columns) number = number * 10 + (c - '0');
-    return number <= INT32_MAX ? static_cast<int32_t>(number) : 0;
-  }
   try {
     return ToInt32(NumericPrefix(columns));
   } catch (const Failure&) {

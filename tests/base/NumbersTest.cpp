@@ -29,9 +29,26 @@ TEST(Rounding, SixteenAndThirtyTwoBitLimitsOverflow) {
 }
 
 TEST(NumericPrefix, ReadsTheLeadingNumber) {
-  const std::pair<const char*, double> cases[] = {
-      {"", 0},      {"abc", 0},   {"  12abc", 12}, {"\t7", 7},     {"-3.5e2x", -350}, {"1e", 1},   {"1E+3", 1000},
-      {".5", 0.5},  {"+7", 7},    {"1.2.3", 1.2},  {"12 34", 12},  {"-", 0},          {"0042", 42}, {"5.", 5}};
+  const std::pair<const char*, double> cases[] = {{"", 0},
+                                                  {"abc", 0},
+                                                  {"  12abc", 12},
+                                                  {"\t7", 7},
+                                                  {"-3.5e2x", -350},
+                                                  {"1e", 1},
+                                                  {"1E+3", 1000},
+                                                  {".5", 0.5},
+                                                  {"+7", 7},
+                                                  {"1.2.3", 1.2},
+                                                  {"12 34", 12},
+                                                  {"-", 0},
+                                                  {"0042", 42},
+                                                  {"5.", 5},
+                                                  {"   000000000000123", 123},
+                                                  {"999999999999999", 999999999999999},
+                                                  {"1234567890123456", 1234567890123456},
+                                                  {"0000000000000000042", 42},
+                                                  {"42 ", 42},
+                                                  {"42e1", 420}};
   for (const auto& [text, value] : cases) EXPECT_DOUBLE_EQ(NumericPrefix(text), value) << '"' << text << '"';
 }
 
@@ -56,7 +73,9 @@ TEST(NumericPrefix, AShortNumberIsKnownWithoutReadingIt) {
       {".5e9", false},   {"00012345", false}, {"1e", false}};
   for (const auto& [text, isShort] : cases) {
     EXPECT_EQ(LeadingNumberIsShort(text, 4), isShort) << '"' << text << '"';
-    if (isShort) EXPECT_LT(std::fabs(NumericPrefix(text)), 1e4) << '"' << text << '"';
+    if (isShort) {
+      EXPECT_LT(std::fabs(NumericPrefix(text)), 1e4) << '"' << text << '"';
+    }
   }
   EXPECT_TRUE(LeadingNumberIsShort("0000012345", 5));
 }
