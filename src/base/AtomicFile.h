@@ -67,7 +67,10 @@ class OutputFile {
  private:
   void Flush();
 
-  static constexpr size_t kBufferSize = 1 << 20;
+  // Small enough that the same few pages are written over and over: each
+  // fresh page costs the process a fault, and a write call of 64 KB costs
+  // less than sixteen of them.
+  static constexpr size_t kBufferSize = 1 << 16;
   FileReplacement replacement_;
   BinaryFile file_;
   std::string buffer_;
