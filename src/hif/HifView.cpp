@@ -61,6 +61,21 @@ size_t NextToEscape(std::string_view text, size_t at) {
 // The most a text takes as a quoted JSON string: every byte escaped.
 constexpr size_t JsonTextRoom(size_t bytes) { return 6 * bytes + 2; }
 
+// A byte JSON can't show as it is, escaped at `at`; returns where it ends.
+char* PutEscaped(char* at, unsigned char c) {
+  *at++ = '\\';
+  if (c == '"' || c == '\\') {
+    *at++ = static_cast<char>(c);
+    return at;
+  }
+  // Bytes are shown as the Latin-1 characters of the same codes.
+  static constexpr char kHex[] = "0123456789abcdef";
+  std::memcpy(at, "u00", 3);
+  at[3] = kHex[c >> 4];
+  at[4] = kHex[c & 15];
+  return at + 5;
+}
+
 // Text as a quoted JSON string written at `at`, which has its room; returns
 // where it ends.
 char* PutJsonText(char* at, std::string_view text) {
@@ -72,19 +87,39 @@ char* PutJsonText(char* at, std::string_view text) {
     const auto c = static_cast<unsigned char>(text[next]);
     at = std::copy_n(text.data() + plain, next - plain, at);
     plain = next + 1;
-    *at++ = '\\';
-    if (c == '"' || c == '\\') {
-      *at++ = static_cast<char>(c);
-    } else {
-      // Bytes are shown as the Latin-1 characters of the same codes.
-      static constexpr char kHex[] = "0123456789abcdef";
-      std::memcpy(at, "u00", 3);
-      at[3] = kHex[c >> 4];
-      at[4] = kHex[c & 15];
-      at += 5;
-    }
+    at = PutEscaped(at, c);
   }
   at = std::copy_n(text.data() + plain, text.size() - plain, at);  // no move at all for an empty text
+  *at++ = '"';
+  return at;
+}
+
+// The bytes JSON shows as they are: from the blank to the tilde, but for a
+// quote and a backslash.
+constexpr std::array<bool, 256> kShownAsItIs = [] {
+  std::array<bool, 256> shown{};
+  for (int c = ' '; c <= '~'; ++c) shown[static_cast<size_t>(c)] = c != '"' && c != '\\';
+  return shown;
+}();
+
+// The text of a record that starts at `from`, up to its NUL or `end`, as a
+// quoted JSON string written at `at`, which has its room; `from` moves past
+// the NUL. The texts of a record are short, so they are taken a byte at a
+// time in one pass, without looking for the NUL first.
+char* PutRecordText(char* at, const char*& from, const char* end) {
+  *at++ = '"';
+  const char* next = from;
+  while (next < end) {
+    const auto c = static_cast<unsigned char>(*next++);
+    if (kShownAsItIs[c]) {
+      *at++ = static_cast<char>(c);
+    } else if (c == 0) {
+      break;
+    } else {
+      at = PutEscaped(at, c);
+    }
+  }
+  from = next;
   *at++ = '"';
   return at;
 }
@@ -232,7 +267,8 @@ bool RecordJsonWriter::AppendInPlace(std::string& out, const clsPalmDB& db) cons
   char* at = out.data() + start;
   // The texts lie in the record in the order of their fields, each up to its
   // NUL, or to the record's end; those past the end are empty.
-  size_t nextText = static_cast<size_t>(std::max<int16_t>(db.FixedLength(), 0));
+  const char* const rawEnd = raw.data() + raw.size();
+  const char* nextText = raw.data() + std::min(static_cast<size_t>(std::max<int16_t>(db.FixedLength(), 0)), raw.size());
   for (const PlannedField& field : fields_) {
     const size_t keyLength = field.key.size();
     if (keyLength <= kKeyRoom) {
@@ -244,15 +280,7 @@ bool RecordJsonWriter::AppendInPlace(std::string& out, const clsPalmDB& db) cons
     if (field.width > 0) {
       at = std::to_chars(at, at + kNumberRoom, db.NumberAt(field.position, field.width)).ptr;
     } else {
-      std::string_view text;
-      if (nextText < raw.size()) {
-        const void* nul = std::memchr(raw.data() + nextText, 0, raw.size() - nextText);
-        const size_t end =
-            nul != nullptr ? static_cast<size_t>(static_cast<const char*>(nul) - raw.data()) : raw.size();
-        text = std::string_view(raw).substr(nextText, end - nextText);
-        nextText = end + 1;
-      }
-      at = PutJsonText(at, text);
+      at = PutRecordText(at, nextText, rawEnd);
     }
   }
   out.resize(static_cast<size_t>(at - out.data()));

@@ -173,7 +173,8 @@ TEST(HifDump, FieldsAreReadWhereTheyLieInTheRecord) {
   db.AddField(kFieldText, "Note");
   const std::string numbers = Hex("0002 0000002A 07");
   const std::pair<std::string, std::string> cases[] = {
-      {numbers + std::string("AB\0C\"D\0", 7), R"({"RecType":2,"Reading":42,"Name":"AB","Flag":7,"Note":"C\"D"})"},
+      {numbers + std::string("AB\0C\"D\\\x01\0", 9),
+       R"({"RecType":2,"Reading":42,"Name":"AB","Flag":7,"Note":"C\"D\\\u0001"})"},
       {numbers + "AB" + std::string(1, '\0') + "CD", R"({"RecType":2,"Reading":42,"Name":"AB","Flag":7,"Note":"CD"})"},
       {numbers + std::string("\0\xE9\0", 3), R"({"RecType":2,"Reading":42,"Name":"","Flag":7,"Note":"\u00e9"})"},
       {numbers, R"({"RecType":2,"Reading":42,"Name":"","Flag":7,"Note":""})"},
