@@ -1,6 +1,8 @@
 // Billing and orphan files of fixed columns or delimited fields, written from
 // the records of a reading HIF through an output map.
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 
 #include "base/Failure.h"
@@ -22,7 +24,7 @@ bool IsValidDate(int year, int month, int day) {
   return day <= kDays[month - 1] + (month == 2 && leap ? 1 : 0);
 }
 
-int DigitsAt(const std::string& text, size_t at, size_t count) {
+int DigitsAt(std::string_view text, size_t at, size_t count) {
   int n = 0;
   for (size_t i = at; i < at + count; ++i) {
     if (i >= text.size() || text[i] < '0' || text[i] > '9') return -1;
@@ -31,9 +33,9 @@ int DigitsAt(const std::string& text, size_t at, size_t count) {
   return n;
 }
 
-std::string TwoDigits(int n) {
-  const char digits[3] = {static_cast<char>('0' + n / 10 % 10), static_cast<char>('0' + n % 10), '\0'};
-  return digits;
+void AppendTwoDigits(std::string& out, int n) {
+  out.push_back(static_cast<char>('0' + n / 10 % 10));
+  out.push_back(static_cast<char>('0' + n % 10));
 }
 
 // Puts the separators after the first and second pairs of a six-letter mask.
@@ -94,7 +96,8 @@ std::string clsExchange::FormatDate(const std::string& value, int32_t code) {
     for (int32_t c = 0; c < 100; ++c) masks[static_cast<size_t>(c)] = DateMask(c);
     return masks;
   }();
-  const std::string mask = code >= 0 && code < 100 ? kMasks[static_cast<size_t>(code)] : DateMask(code);
+  std::string other;
+  const std::string& mask = code >= 0 && code < 100 ? kMasks[static_cast<size_t>(code)] : (other = DateMask(code));
   if (NumericPrefix(value) == 0) return BlankForm(mask);
   // The stored form is yyyymmdd.
   const int year = DigitsAt(value, 0, 4);
@@ -102,18 +105,20 @@ std::string clsExchange::FormatDate(const std::string& value, int32_t code) {
   const int day = DigitsAt(value, 6, 2);
   if (!IsValidDate(year, month, day)) return BlankForm(mask);
   std::string out;
+  out.reserve(mask.size());
   for (size_t i = 0; i < mask.size();) {
     if (mask.compare(i, 4, "YYYY") == 0) {
-      out += std::to_string(year);
+      char digits[8];
+      out.append(digits, std::to_chars(digits, digits + sizeof digits, year).ptr);
       i += 4;
     } else if (mask.compare(i, 2, "YY") == 0) {
-      out += TwoDigits(year % 100);
+      AppendTwoDigits(out, year % 100);
       i += 2;
     } else if (mask.compare(i, 2, "MM") == 0) {
-      out += TwoDigits(month);
+      AppendTwoDigits(out, month);
       i += 2;
     } else if (mask.compare(i, 2, "DD") == 0) {
-      out += TwoDigits(day);
+      AppendTwoDigits(out, day);
       i += 2;
     } else {
       out += mask[i++];
@@ -126,12 +131,15 @@ std::string clsExchange::FormatTime(const std::string& value, int32_t code) {
   const int32_t units = code % 10;
   // Only the tens of 40 have a mask: the six-digit form would need tens of
   // 41, which no code has, so seconds are never written.
-  std::string mask = code - units == 40 ? "HHNN" : "";
-  if ((units & 2) && mask.size() >= 4) mask.insert(2, ":");
-  const std::string blank = BlankForm(mask);
-  if (NumericPrefix(value) == 0) return blank;
-  std::string digits = "000000" + std::string(Trim(value));
-  digits = digits.substr(digits.size() - 6);
+  static const std::string kNone, kHoursMinutes = "HHNN", kHoursColonMinutes = "HH:NN";
+  const std::string& mask = code - units != 40 ? kNone : (units & 2) ? kHoursColonMinutes : kHoursMinutes;
+  if (NumericPrefix(value) == 0) return BlankForm(mask);
+  // The last six digits of the value, zeros in front of a shorter one.
+  const std::string_view given = Trim(value);
+  const size_t kept = std::min<size_t>(given.size(), 6);
+  char sixDigits[6] = {'0', '0', '0', '0', '0', '0'};
+  std::copy_n(given.end() - kept, kept, std::end(sixDigits) - kept);
+  const std::string_view digits(sixDigits, 6);
   const int hours = DigitsAt(digits, 0, 2);
   const int minutes = DigitsAt(digits, 2, 2);
   const int seconds = DigitsAt(digits, 4, 2);
@@ -139,12 +147,13 @@ std::string clsExchange::FormatTime(const std::string& value, int32_t code) {
     throw Failure(fail::kTypeMismatch);
   }
   std::string out;
+  out.reserve(mask.size());
   for (size_t i = 0; i < mask.size();) {
     if (mask.compare(i, 2, "HH") == 0) {
-      out += TwoDigits(hours);
+      AppendTwoDigits(out, hours);
       i += 2;
     } else if (mask.compare(i, 2, "NN") == 0) {
-      out += TwoDigits(minutes);
+      AppendTwoDigits(out, minutes);
       i += 2;
     } else {
       out += mask[i++];
@@ -183,6 +192,19 @@ std::string clsExchange::OutputValue(const Value* given, const MapField& field) 
   return value;
 }
 
+std::string_view clsExchange::OutputText(const Value* given, const MapField& field, std::string& scratch) {
+  if (given != nullptr && field.DataType != kTypeDate && field.DataType != kTypeTime) {
+    if (given->IsText()) return given->Text();
+    if (given->Kind() == ValueKind::Long || given->Kind() == ValueKind::Integer) {
+      char digits[16];
+      scratch.assign(digits, std::to_chars(digits, digits + sizeof digits, given->ToInt32()).ptr);
+      return scratch;
+    }
+  }
+  scratch = OutputValue(given, field);
+  return scratch;
+}
+
 std::string clsExchange::AssembleFixed(MappedRecord& values) {
   const std::vector<MapField>& fields = ActiveMap->Fields();
   std::string line;
@@ -194,8 +216,7 @@ std::string clsExchange::AssembleFixed(MappedRecord& values) {
       const auto position = static_cast<size_t>(std::max<int32_t>(field.DataPosition, 1));
       const auto width = static_cast<size_t>(std::max<int32_t>(field.DataWidth, 0));
       if (line.size() < position - 1) line.resize(position - 1, ' ');
-      const std::string value = OutputValue(values.ForMapField(i), field);
-      std::string_view shown = value;
+      std::string_view shown = OutputText(values.ForMapField(i), field, fieldText_);
       if (field.MapAlign == 1) shown = Trim(shown);
       if (shown.size() > width) {
         // Texts, dates and times keep their left end, numbers their right.

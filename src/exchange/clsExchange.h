@@ -261,6 +261,7 @@ class clsExchange {
   // The longest output line so far and its end of line: a fixed line takes
   // its room at once rather than growing field by field.
   size_t lineRoom_ = 0;
+  std::string fieldText_;  // AssembleFixed's room for the text of one field
   // One fault of a line's validation: logged while fewer than fifty are,
   // or, in a check, kept with the rest.
   void Report(const std::string& message, int16_t& result, RouteFault fault);
@@ -287,6 +288,9 @@ class clsExchange {
   // The value of a field for an output line, with the default and its
   // warning for a field the file's version doesn't have.
   std::string OutputValue(const Value* value, const MapField& field);
+  // OutputValue, seen in place where the value already is its text, or
+  // written into `scratch`; valid until the value or `scratch` changes.
+  std::string_view OutputText(const Value* value, const MapField& field, std::string& scratch);
   void WriteOutputLine(std::string line);
   // What a conversion that stopped on the data wrote so far put in place of
   // the old file, as the run has always kept it; an output whose writing

@@ -163,6 +163,7 @@ TEST(ReadingOutput, EveryDateAndTimeCodeWithItsBlankForm) {
   }
   EXPECT_EQ(clsExchange::FormatDate("20240230", 21), "00-00-00");
   EXPECT_EQ(clsExchange::FormatDate("20240229", 21), "02-29-24");
+  EXPECT_EQ(clsExchange::FormatDate("01000305", 15), "100-03-05");  // a year is as many digits as it has
   // Seconds never show: 41 and 43 give what 40 and 42 give.
   for (const auto& [code, time, blank] : {std::tuple{40, "0830", "0000"}, std::tuple{41, "0830", "0000"},
                                           std::tuple{42, "08:30", "00:00"}, std::tuple{43, "08:30", "00:00"}}) {
@@ -170,6 +171,7 @@ TEST(ReadingOutput, EveryDateAndTimeCodeWithItsBlankForm) {
     EXPECT_EQ(clsExchange::FormatTime("0", code), blank) << code;
   }
   EXPECT_EQ(clsExchange::FormatTime("1530", 42), "00:15");  // filled on the left: 00:15:30
+  EXPECT_EQ(clsExchange::FormatTime(" 20231530 ", 42), "23:15");  // the last six digits of a longer one
   EXPECT_EQ(clsExchange::FormatTime("83015", 50), "");
   EXPECT_THROW(clsExchange::FormatTime("256000", 42), Failure);
   EXPECT_EQ(clsExchange::ExtractUser(std::string("a~b\x01~")), (std::vector<std::string>{"a", std::string("b\0", 2), ""}));
