@@ -74,24 +74,24 @@ void SummariseRecord(E5KUploadRun& run, clsHIF& hif, int32_t recType, size_t rou
 // The "A" line that opens a route, with the counts of the first pass.
 void WriteRouteStart(E5KUploadRun& run, const std::string& routeText, const E5KRouteSummary& summary) {
   clsRecType& a = *run.upload.SetupRecord("A");
-  a.SetValue("Route", Value(routeText));
-  a.SetValue("NoofAccounts", Value::Long(summary.accounts));
-  a.SetValue("NoofMeters", Value::Long(summary.meters));
-  a.SetValue("ProcessorNumber", Value(run.processor));
-  a.SetValue("ReadDate", Value(summary.readDate));
-  a.SetValue("SurveyQuestionNumber", Value(""));
-  a.SetValue("BeginningSequenceNumber", Value::Long(summary.firstSequence));
-  a.SetValue("EndingSequenceNumber", Value::Long(summary.lastSequence));
-  a.SetValue("ResequenceFlag", Value("0"));
+  a.SetText("Route", routeText);
+  a.SetLong("NoofAccounts", summary.accounts);
+  a.SetLong("NoofMeters", summary.meters);
+  a.SetText("ProcessorNumber", run.processor);
+  a.SetText("ReadDate", summary.readDate);
+  a.SetText("SurveyQuestionNumber", "");
+  a.SetLong("BeginningSequenceNumber", summary.firstSequence);
+  a.SetLong("EndingSequenceNumber", summary.lastSequence);
+  a.SetText("ResequenceFlag", "0");
   run.upload.WriteRecord(a);
 }
 
 // The "Z" line that closes a route.
 void WriteRouteEnd(E5KUploadRun& run, const std::string& routeText) {
   clsRecType& z = *run.upload.SetupRecord("Z");
-  z.SetValue("Route", Value(routeText));
-  z.SetValue("ProcessorNumber", Value(run.processor));
-  z.SetValue("EmployerNumber", Value(run.employer));
+  z.SetText("Route", routeText);
+  z.SetText("ProcessorNumber", run.processor);
+  z.SetText("EmployerNumber", run.employer);
   run.upload.WriteRecord(z);
 }
 
@@ -100,16 +100,16 @@ void WriteRouteEnd(E5KUploadRun& run, const std::string& routeText) {
 void WriteAccountLines(E5KUploadRun& run, clsHIF& hif, const std::string& routeText, const std::string& account,
                        const std::string& user1) {
   clsRecType& c = *run.upload.SetupRecord("C");
-  c.SetValue("Route", Value(routeText));
-  c.SetValue("AccountNumber", Value(account));
-  c.SetValue("ReadingStatus", Value("2"));
-  c.SetValue("ResequenceFlag", Value("0"));
-  c.SetValue("ReadDate", Value(From(TextOf(hif.Item(MeterField::ReadingDate)), 4)));
+  c.SetText("Route", routeText);
+  c.SetText("AccountNumber", account);
+  c.SetText("ReadingStatus", "2");
+  c.SetText("ResequenceFlag", "0");
+  c.SetText("ReadDate", From(TextOf(hif.Item(MeterField::ReadingDate)), 4));
   run.upload.WriteRecord(c);
   if (!user1.empty()) {
     clsRecType& s = *run.upload.SetupRecord("S");
-    s.SetValue("RecordCategory", Value("02"));
-    s.SetValue("PropertyVGKey", Value(user1));
+    s.SetText("RecordCategory", "02");
+    s.SetText("PropertyVGKey", user1);
     run.upload.WriteRecord(s);
   }
 }
@@ -119,22 +119,22 @@ void WriteMeterLines(E5KUploadRun& run, clsHIF& hif, const std::string& user1) {
   clsRecType& d = *run.upload.SetupRecord("D");
   d.SetValue("RelativeMeterNumber", hif.Item(MeterField::User2));
   d.SetValue("MeterNumber", hif.Item(MeterField::MeterSerialNbr));
-  d.SetValue("SpecialInstructionsCode2", Value(""));
-  d.SetValue("MeterConditionCode1", Value(""));
-  d.SetValue("MeterConditionCode2", Value(""));
-  d.SetValue("MeterSize", Value(user1));
-  d.SetValue("MeterChangedFlags", Value(""));
+  d.SetText("SpecialInstructionsCode2", "");
+  d.SetText("MeterConditionCode1", "");
+  d.SetText("MeterConditionCode2", "");
+  d.SetText("MeterSize", user1);
+  d.SetText("MeterChangedFlags", "");
   run.upload.WriteRecord(d);
   clsRecType& e = *run.upload.SetupRecord("E");
-  e.SetValue("NumberofDials", Value::Long(0));
+  e.SetLong("NumberofDials", 0);
   e.SetValue("CurrentReading", hif.Item(MeterField::CurReading));
-  e.SetValue("Decimals", Value::Long(0));
+  e.SetLong("Decimals", 0);
   e.SetValue("ReadTime", hif.Item(MeterField::ReadingTime));
-  e.SetValue("ReadChangeFlags", Value(""));
-  e.SetValue("DisplayCode", Value(""));
-  e.SetValue("ReadCount", Value::Long(1));
-  e.SetValue("ReadVerifyFlag", Value::Long(0));
-  e.SetValue("NoReadCode", Value("00"));
+  e.SetText("ReadChangeFlags", "");
+  e.SetText("DisplayCode", "");
+  e.SetLong("ReadCount", 1);
+  e.SetLong("ReadVerifyFlag", 0);
+  e.SetText("NoReadCode", "00");
   run.upload.WriteRecord(e);
 }
 

@@ -232,14 +232,14 @@ void CountRoutes(MVRSReadingRun& run) {
 // "FHD" or "FTR": the two carry the same values.
 void WriteFileLine(MVRSReadingRun& run, const char* kind) {
   clsRecType& line = *run.upload.SetupRecord(kind);
-  line.SetValue("NewServiceIndicator", Value("N"));
-  line.SetValue("ChangeMeterIndicator", Value("N"));
-  line.SetValue("ExtendedIndicator", Value("N"));
-  line.SetValue("NumberRoutes", Value::Long(run.routeTotal));
-  line.SetValue("NumberCustomerRecords", Value::Long(run.customerTotal));
-  line.SetValue("NumberMeterRecords", Value::Long(run.meterTotal));
-  line.SetValue("NumberReadRecords", Value::Long(run.readTotal));
-  line.SetValue("FileTrailerLineNumber", Value::Long(0));
+  line.SetText("NewServiceIndicator", "N");
+  line.SetText("ChangeMeterIndicator", "N");
+  line.SetText("ExtendedIndicator", "N");
+  line.SetLong("NumberRoutes", run.routeTotal);
+  line.SetLong("NumberCustomerRecords", run.customerTotal);
+  line.SetLong("NumberMeterRecords", run.meterTotal);
+  line.SetLong("NumberReadRecords", run.readTotal);
+  line.SetLong("FileTrailerLineNumber", 0);
   run.upload.WriteRecord(line);
 }
 
@@ -247,36 +247,36 @@ void WriteFileLine(MVRSReadingRun& run, const char* kind) {
 void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
   const MVRSRouteTotals& route = run.Entry(index);
   clsRecType& line = *run.upload.SetupRecord(kind);
-  line.SetValue("RouteNumber", Value(route.RouteNumber));
-  line.SetValue("Region", Value(route.Region));
-  line.SetValue("Zone", Value(route.Zone));
-  line.SetValue("Office", Value(route.Office));
+  line.SetText("RouteNumber", route.RouteNumber);
+  line.SetText("Region", route.Region);
+  line.SetText("Zone", route.Zone);
+  line.SetText("Office", route.Office);
   line.SetValue("ScheduledReadDate", Value::Date(route.ScheduledReadDate));
-  line.SetValue("NumberRemoteWandReads", Value::Long(route.NumberRemoteWandReads));
+  line.SetLong("NumberRemoteWandReads", route.NumberRemoteWandReads);
   for (const char* name : {"NumberCustomerRecords", "TotalCustomerRecords", "NumberMeterRecords",
                            "TotalMeterRecords", "NumberReadingRecords", "TotalNumberReadingRecords"}) {
-    line.SetValue(name, Value::Long(route.Meters));
+    line.SetLong(name, route.Meters);
   }
-  line.SetValue("NumberWaterMeters", Value::Long(route.Water));
-  line.SetValue("NumberGasMeters", Value::Long(route.Gas));
-  line.SetValue("NumberElectricMeters", Value::Long(route.Electric));
-  line.SetValue("NumberMissedReadings", Value::Long(route.Missed));
-  line.SetValue("TotalNumberOffsiteRadioReadings", Value::Long(route.Radio));
-  line.SetValue("TotalNumberKeyedReadings", Value::Long(route.Keyed));
-  line.SetValue("TotalNumberOpticalProbeReadings", Value::Long(route.Probe));
-  line.SetValue("NumberSkippedReadings", Value::Long(route.Skipped));
+  line.SetLong("NumberWaterMeters", route.Water);
+  line.SetLong("NumberGasMeters", route.Gas);
+  line.SetLong("NumberElectricMeters", route.Electric);
+  line.SetLong("NumberMissedReadings", route.Missed);
+  line.SetLong("TotalNumberOffsiteRadioReadings", route.Radio);
+  line.SetLong("TotalNumberKeyedReadings", route.Keyed);
+  line.SetLong("TotalNumberOpticalProbeReadings", route.Probe);
+  line.SetLong("NumberSkippedReadings", route.Skipped);
   for (const char* name : {"TotalNumberKeys", "NumberLocationMeters", "NumberExtraMeters",
                            "TotalNumberDemandMeters"}) {
-    line.SetValue(name, Value::Long(0));
+    line.SetLong(name, 0);
   }
   for (const char* name : {"SurveyIndicator", "RouteMessageIndicator", "ResequenceFlag",
                            "MeterReaderStatisticsRecord", "ForceCompleteFlag", "TypeResequenceFlag"}) {
-    line.SetValue(name, Value("N"));
+    line.SetText(name, "N");
   }
-  line.SetValue("OriginalSequenceFlag", Value("Y"));
-  line.SetValue("TimeUsedtoReadRoute", Value::Long(0));
-  line.SetValue("ForceCompleteCode", Value("00"));
-  line.SetValue("TypeRoute", Value(" "));
+  line.SetText("OriginalSequenceFlag", "Y");
+  line.SetLong("TimeUsedtoReadRoute", 0);
+  line.SetText("ForceCompleteCode", "00");
+  line.SetText("TypeRoute", " ");
   run.upload.WriteRecord(line);
 }
 
@@ -382,31 +382,31 @@ void FillMeter(MVRSReadRecord& record, clsHIF& hif) {
 // "CUS", the meter's customer.
 void WriteCustomerLine(MVRSReadingRun& run, const MVRSReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CUS");
-  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
-  line.SetValue("NumberMeters", Value::Long(1));
-  line.SetValue("Account", Value(customer.Account));
-  line.SetValue("Name", Value(customer.Name));
-  line.SetValue("Address1", Value(customer.Address1));
-  line.SetValue("Address2", Value(customer.Address2));
-  line.SetValue("GroupCode", Value(customer.GroupCode));
-  line.SetValue("ExtraIndicator", Value(customer.ExtraIndicator));
-  line.SetValue("SegmentCode", Value(customer.SegmentCode));
-  line.SetValue("UtilityID", Value(customer.UtilityID));
-  line.SetValue("PassThru", Value(customer.PassThru));
-  line.SetValue("CustomerInfo", Value(customer.CustomerInfo));
-  line.SetValue("ExceptionCode", Value(" "));
-  line.SetValue("Reserved", Value("00"));
+  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
+  line.SetLong("NumberMeters", 1);
+  line.SetText("Account", customer.Account);
+  line.SetText("Name", customer.Name);
+  line.SetText("Address1", customer.Address1);
+  line.SetText("Address2", customer.Address2);
+  line.SetText("GroupCode", customer.GroupCode);
+  line.SetText("ExtraIndicator", customer.ExtraIndicator);
+  line.SetText("SegmentCode", customer.SegmentCode);
+  line.SetText("UtilityID", customer.UtilityID);
+  line.SetText("PassThru", customer.PassThru);
+  line.SetText("CustomerInfo", customer.CustomerInfo);
+  line.SetText("ExceptionCode", " ");
+  line.SetText("Reserved", "00");
   run.upload.WriteRecord(line);
 }
 
 // "CSX", the customer's second name and third address line.
 void WriteExtraCustomerLine(MVRSReadingRun& run, const MVRSReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CSX");
-  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
-  line.SetValue("Account", Value(customer.Account));
-  line.SetValue("Name", Value(customer.Name2));
-  line.SetValue("NewCustomerInfo", Value(customer.CustomerInfo));
-  line.SetValue("Address3", Value(customer.Address3));
+  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
+  line.SetText("Account", customer.Account);
+  line.SetText("Name", customer.Name2);
+  line.SetText("NewCustomerInfo", customer.CustomerInfo);
+  line.SetText("Address3", customer.Address3);
   run.upload.WriteRecord(line);
 }
 
@@ -423,46 +423,46 @@ std::string LocationCode(const std::string& location) {
 void WriteMeterLine(MVRSReadingRun& run, const MVRSReadRecord& record, const std::string& meterNumber) {
   const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("MTR");
-  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
-  line.SetValue("NumberReadings", Value::Long(1));
-  line.SetValue("GroupCode", Value(meter.GroupCode));
-  line.SetValue("SurveyCode1DisplayIndicator", Value(meter.SurveyCode1DisplayIndicator));
-  line.SetValue("SurveyCode2DisplayIndicator", Value(meter.SurveyCode2DisplayIndicator));
-  line.SetValue("BillCode", Value(meter.BillCode));
-  line.SetValue("MeterStatus", Value(meter.MeterStatus));
-  line.SetValue("OpticalProbeID", Value(meter.OpticalProbeID));
-  line.SetValue("MeterType", Value(meter.MeterType));
-  line.SetValue("MeterNumber", Value(meterNumber));
-  line.SetValue("ReadSequence", Value::Long(meter.ReadSequence));
-  line.SetValue("NewReadSequence", Value::Long(meter.ReadSequence));
-  line.SetValue("MeterLocation", Value(LocationCode(meter.MeterLocation)));
-  line.SetValue("ReadInstruction1", Value::Long(meter.ReadInstruction1));
-  line.SetValue("ReadInstruction2", Value::Long(meter.ReadInstruction2));
-  line.SetValue("SpecialMessageDisplayIndicator", Value::Long(meter.SpecialMessageDisplayIndicator));
-  line.SetValue("SpecialMessageIndicator", Value(Trim(meter.SpecialMessage).empty() ? "N" : "Y"));
+  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
+  line.SetLong("NumberReadings", 1);
+  line.SetText("GroupCode", meter.GroupCode);
+  line.SetText("SurveyCode1DisplayIndicator", meter.SurveyCode1DisplayIndicator);
+  line.SetText("SurveyCode2DisplayIndicator", meter.SurveyCode2DisplayIndicator);
+  line.SetText("BillCode", meter.BillCode);
+  line.SetText("MeterStatus", meter.MeterStatus);
+  line.SetText("OpticalProbeID", meter.OpticalProbeID);
+  line.SetText("MeterType", meter.MeterType);
+  line.SetText("MeterNumber", meterNumber);
+  line.SetLong("ReadSequence", meter.ReadSequence);
+  line.SetLong("NewReadSequence", meter.ReadSequence);
+  line.SetText("MeterLocation", LocationCode(meter.MeterLocation));
+  line.SetLong("ReadInstruction1", meter.ReadInstruction1);
+  line.SetLong("ReadInstruction2", meter.ReadInstruction2);
+  line.SetLong("SpecialMessageDisplayIndicator", meter.SpecialMessageDisplayIndicator);
+  line.SetText("SpecialMessageIndicator", Trim(meter.SpecialMessage).empty() ? "N" : "Y");
   line.SetValue("TroubleMessageIndicator",
                 Value(record.responseCode > 0 || !meter.ResponseTextCopy.empty() ? "Y" : "N"));
-  line.SetValue("SurveyResponse1", Value(" "));
-  line.SetValue("SurveyResponse2", Value(" "));
-  line.SetValue("MeterChangeOutIndicator", Value("N"));
-  line.SetValue("ChangeMeterRecordIndicator", Value("N"));
-  line.SetValue("MeterCategory", Value(meter.MeterCategory));
-  line.SetValue("LocationExtraMeter", Value(meter.LocationExtraMeter));
-  line.SetValue("TimeCode", Value::Long(0));
+  line.SetText("SurveyResponse1", " ");
+  line.SetText("SurveyResponse2", " ");
+  line.SetText("MeterChangeOutIndicator", "N");
+  line.SetText("ChangeMeterRecordIndicator", "N");
+  line.SetText("MeterCategory", meter.MeterCategory);
+  line.SetText("LocationExtraMeter", meter.LocationExtraMeter);
+  line.SetLong("TimeCode", 0);
   line.SetValue("OriginalAdditionalMeterInfo", line.GetValue("MeterNumber"));
-  line.SetValue("Reserved2", Value("0000000000"));
-  line.SetValue("Reserved3", Value("00"));
-  line.SetValue("Reserved4", Value("0000000000"));
-  for (const char* name : {"Reserved5", "Reserved6", "Reserved7"}) line.SetValue(name, Value("0"));
+  line.SetText("Reserved2", "0000000000");
+  line.SetText("Reserved3", "00");
+  line.SetText("Reserved4", "0000000000");
+  for (const char* name : {"Reserved5", "Reserved6", "Reserved7"}) line.SetText(name, "0");
   run.upload.WriteRecord(line);
 }
 
 // "MTS", for a meter with a special message.
 void WriteSpecialMessageLine(MVRSReadingRun& run, const MVRSReadMeter& meter, const std::string& meterNumber) {
   clsRecType& line = *run.upload.SetupRecord("MTS");
-  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
-  line.SetValue("MeterNumber", Value(meterNumber));
-  line.SetValue("SpecialMessageText", Value(std::string(Trim(meter.SpecialMessage))));
+  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
+  line.SetText("MeterNumber", meterNumber);
+  line.SetText("SpecialMessageText", std::string(Trim(meter.SpecialMessage)));
   run.upload.WriteRecord(line);
 }
 
@@ -483,46 +483,46 @@ const char* ReadCodeOf(int32_t status, int32_t readType, int32_t curReading) {
 void WriteReadingLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
   const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("RDG");
-  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
-  line.SetValue("TextPrompt", Value(meter.TextPrompt));
-  line.SetValue("ReadDirection", Value(meter.ReadDirection));
-  line.SetValue("CompareCode", Value(meter.CompareCode));
-  line.SetValue("ValidationCode", Value(meter.ValidationCode));
-  line.SetValue("PromptCode", Value(" "));
-  line.SetValue("ChannelNumber", Value::Long(0));
+  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
+  line.SetText("TextPrompt", meter.TextPrompt);
+  line.SetText("ReadDirection", meter.ReadDirection);
+  line.SetText("CompareCode", meter.CompareCode);
+  line.SetText("ValidationCode", meter.ValidationCode);
+  line.SetText("PromptCode", " ");
+  line.SetLong("ChannelNumber", 0);
   const std::string reason = "00" + meter.ResponseCodeText;
-  line.SetValue("ReadReason", Value(reason.substr(reason.size() - 2)));
+  line.SetText("ReadReason", reason.substr(reason.size() - 2));
   if (const char* method = ReadMethodOf(record.readType)) line.SetValue("ReadMethod", Value(method));
-  line.SetValue("MeterConstant", Value(meter.MeterConstant));
-  line.SetValue("ConstantFlag", Value(meter.ConstantFlag));
-  line.SetValue("Reading", Value::Long(meter.CurReading));
-  line.SetValue("ReadOrder", Value::Long(1));
+  line.SetText("MeterConstant", meter.MeterConstant);
+  line.SetText("ConstantFlag", meter.ConstantFlag);
+  line.SetLong("Reading", meter.CurReading);
+  line.SetLong("ReadOrder", 1);
   line.SetValue("ReadDate", Value(meter.ReadDate == 0.0 ? std::string("00000000")
                                                         : FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
-  line.SetValue("ReadTime", Value(FormatZeros(meter.ReadTimeNumber, 6)));
+  line.SetText("ReadTime", FormatZeros(meter.ReadTimeNumber, 6));
   if (const char* code = ReadCodeOf(record.status, record.readType, meter.CurReading)) {
-    line.SetValue("ReadCode", Value(code));
+    line.SetText("ReadCode", code);
   }
-  line.SetValue("ReadReason", Value::Long(0));
+  line.SetLong("ReadReason", 0);
   for (const char* name : {"ReadAuditResult", "TroubleCode1", "TroubleCode2", "AuditCounter", "ClearCounter",
                            "ElapsedTime", "ReadTypeCode"}) {
-    line.SetValue(name, Value::Long(0));
+    line.SetLong(name, 0);
   }
-  line.SetValue("UnprocessedReadFlag", Value("N"));
-  line.SetValue("MeterReaderID", Value("TRAV"));
-  line.SetValue("NewNumberDials", Value::Long(meter.NumberDials));
-  line.SetValue("NewNumberDecimals", Value::Long(meter.NumberDecimals));
-  line.SetValue("NewReadMethod", Value(meter.NewReadMethod));
-  line.SetValue("MeterConstantVerified", Value(" "));
-  line.SetValue("HHFPosition", Value(meter.HHFPosition));
-  line.SetValue("NewMeterConstant", Value(meter.MeterConstant));
-  line.SetValue("PreviousReading", Value::Long(meter.PreviousReading));
+  line.SetText("UnprocessedReadFlag", "N");
+  line.SetText("MeterReaderID", "TRAV");
+  line.SetLong("NewNumberDials", meter.NumberDials);
+  line.SetLong("NewNumberDecimals", meter.NumberDecimals);
+  line.SetText("NewReadMethod", meter.NewReadMethod);
+  line.SetText("MeterConstantVerified", " ");
+  line.SetText("HHFPosition", meter.HHFPosition);
+  line.SetText("NewMeterConstant", meter.MeterConstant);
+  line.SetLong("PreviousReading", meter.PreviousReading);
   if (meter.NumberDecimals != 0) {
     const double scaled = std::floor(meter.CurReading / PowerOfTen(meter.NumberDecimals));
     line.SetValue("Reading", Value::Double(scaled));
   }
   for (const char* name : {"Reserved1", "Reserved3", "Reserved4", "Reserved5", "Reserved6"}) {
-    line.SetValue(name, Value("0"));
+    line.SetText(name, "0");
   }
   run.upload.WriteRecord(line);
 }
@@ -532,19 +532,19 @@ void WriteReadingLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
 void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const std::string& probeID,
                     double readDate, int32_t readTime) {
   clsRecType& line = *upload.SetupRecord("MTR");
-  line.SetValue("RouteNumber", Value(routeNumber));
-  line.SetValue("OpticalProbeRecorderID", Value(probeID));
-  line.SetValue("ExpectedDeviceID", Value(""));
-  line.SetValue("DeviceID", Value(""));
-  line.SetValue("DeviceDate", Value(""));
-  line.SetValue("DeviceTime", Value(""));
-  line.SetValue("TIMName", Value(""));
+  line.SetText("RouteNumber", routeNumber);
+  line.SetText("OpticalProbeRecorderID", probeID);
+  line.SetText("ExpectedDeviceID", "");
+  line.SetText("DeviceID", "");
+  line.SetText("DeviceDate", "");
+  line.SetText("DeviceTime", "");
+  line.SetText("TIMName", "");
   line.SetValue("ReadDate", Value::Date(readDate));
-  line.SetValue("ReadTime", Value::Long(readTime));
+  line.SetLong("ReadTime", readTime);
   for (const char* name : {"StatusOpen", "StatusTOU", "StatusLPAll", "StatusLPPartial", "StatusStatusCheck",
                            "StatusResetDemand", "StatusAutoTimeSet", "StatusCodes1", "StatusCodes2", "StatusCodes3",
                            "StatusCodes4", "StatusCodes5", "StatusCodes6"}) {
-    line.SetValue(name, Value("00"));
+    line.SetText(name, "00");
   }
   upload.WriteRecord(line);
 }
@@ -553,25 +553,25 @@ void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const
 void WriteDeviceReadLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
   const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord(meter.ReadMethod == "R" ? "RFF" : "WRR");
-  line.SetValue("RouteNumber", Value(run.Entry(run.current).RouteNumber));
+  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
   if (meter.ReadMethod == "R") {
-    line.SetValue("RFERTID", Value::Long(meter.TagNumber));
-    line.SetValue("GeographicArea", Value::Long(meter.GeographicArea));
-    line.SetValue("RFFrequency", Value(meter.RFFrequency));
-    line.SetValue("RFTone", Value(meter.RFTone));
-    line.SetValue("ERTType", Value(meter.ERTType));
-    line.SetValue("Tamper", Value::Long(0));
+    line.SetLong("RFERTID", meter.TagNumber);
+    line.SetLong("GeographicArea", meter.GeographicArea);
+    line.SetText("RFFrequency", meter.RFFrequency);
+    line.SetText("RFTone", meter.RFTone);
+    line.SetText("ERTType", meter.ERTType);
+    line.SetLong("Tamper", 0);
   } else {
-    line.SetValue("TamperStatus", Value(""));
-    line.SetValue("DeviceID", Value(meter.DeviceID));
-    line.SetValue("WandProgram", Value(meter.WandProgram));
+    line.SetText("TamperStatus", "");
+    line.SetText("DeviceID", meter.DeviceID);
+    line.SetText("WandProgram", meter.WandProgram);
   }
-  line.SetValue("ReadDate", Value(FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
-  line.SetValue("ReadTime", Value::Long(meter.ReadTimeNumber));
+  line.SetText("ReadDate", FormatDateValue(meter.ReadDate, "mm/dd/yyyy"));
+  line.SetLong("ReadTime", meter.ReadTimeNumber);
   double reading = meter.CurReading;
   if (meter.NumberDecimals != 0) reading /= PowerOfTen(meter.NumberDecimals);
   line.SetValue("Reading", Value::Double(reading));
-  line.SetValue("VisualReadIndicator", Value(record.readType == 2 ? "Y" : "N"));
+  line.SetText("VisualReadIndicator", record.readType == 2 ? "Y" : "N");
   run.upload.WriteRecord(line);
 }
 

@@ -63,6 +63,7 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   while (table_[at] != 0) at = (at + 1) & (kTableSize - 1);
   table_[at] = static_cast<uint16_t>(fields_.size());
   values_.emplace_back();
+  set_.push_back(0);
   pending_.push_back(0);
 }
 
@@ -73,11 +74,12 @@ void clsRecType::ClearFields() {
   hits_.fill(NameHit{});
   hitCount_ = 0;
   values_.clear();
+  set_.clear();
   pending_.clear();
 }
 
 void clsRecType::ClearValues() {
-  for (auto& value : values_) value.reset();
+  std::fill(set_.begin(), set_.end(), uint8_t{0});
   std::fill(pending_.begin(), pending_.end(), uint8_t{0});
   if (otherValues_.Count() > 0) otherValues_ = KeyedCollection<Value>();
 }
@@ -144,6 +146,7 @@ const clsField* clsRecType::FindFieldByName(std::string_view name, size_t& slot,
 
 void clsRecType::TakeFromLine(size_t slot) const {
   values_[slot] = fields_[slot].Extract(parsedLine_, shell_);
+  set_[slot] = 1;
   pending_[slot] = 0;
 }
 
@@ -152,7 +155,7 @@ const Value& clsRecType::GetValue(std::string_view name) const {
   size_t slot = 0;
   if (FindField(name, slot) != nullptr) {
     Materialize(slot);
-    return values_[slot] ? *values_[slot] : kNone;
+    return set_[slot] != 0 ? values_[slot] : kNone;
   }
   return otherValues_.Contains(name) ? otherValues_.Item(name) : kNone;
 }
@@ -176,15 +179,43 @@ int32_t clsRecType::GetNumber(std::string_view name) const {
   return NumberOf(GetValue(name));
 }
 
-void clsRecType::SetValue(std::string_view name, Value value) {
+Value* clsRecType::FieldValue(std::string_view name) {
   size_t slot = 0;
-  if (FindField(name, slot) != nullptr) {
-    values_[slot] = std::move(value);
-    pending_[slot] = 0;
-  } else if (otherValues_.Contains(name)) {
+  if (FindField(name, slot) == nullptr) return nullptr;
+  set_[slot] = 1;
+  pending_[slot] = 0;
+  return &values_[slot];
+}
+
+void clsRecType::SetOther(std::string_view name, Value value) {
+  if (otherValues_.Contains(name)) {
     otherValues_.Set(name, std::move(value));
   } else {
     otherValues_.Add(std::string(name), std::move(value));
+  }
+}
+
+void clsRecType::SetValue(std::string_view name, Value value) {
+  if (Value* held = FieldValue(name)) {
+    *held = std::move(value);
+  } else {
+    SetOther(name, std::move(value));
+  }
+}
+
+void clsRecType::SetText(std::string_view name, std::string_view text) {
+  if (Value* held = FieldValue(name)) {
+    held->SetText(text);
+  } else {
+    SetOther(name, Value(std::string(text)));
+  }
+}
+
+void clsRecType::SetLong(std::string_view name, int32_t number) {
+  if (Value* held = FieldValue(name)) {
+    held->SetLong(number);
+  } else {
+    SetOther(name, Value::Long(number));
   }
 }
 
@@ -202,13 +233,13 @@ std::string clsRecType::Buffer(int16_t length) const {
   try {
     for (size_t i = 0; i < fields_.size(); ++i) {
       Materialize(i);
-      if (!values_[i]) continue;
+      if (set_[i] == 0) continue;
       const clsField& field = fields_[i];
       if (field.Start < 1 || field.Length < 0) throw Failure(fail::kInvalidCall);
       const auto start = static_cast<size_t>(field.Start - 1);
       const size_t stop = start + static_cast<size_t>(field.Length);
       if (line.size() < stop) line.resize(stop, ' ');
-      field.Render(line.data() + start, *values_[i], shell_);
+      field.Render(line.data() + start, values_[i], shell_);
       end = std::max(end, stop);
     }
   } catch (const Failure& failure) {

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,6 +58,10 @@ class clsRecType {
   // the parsed line in the same way.
   int32_t GetNumber(std::string_view name) const;
   void SetValue(std::string_view name, Value value);
+  // SetValue of a text or a Long, written over the value the field held
+  // before, so that a line kind filled line after line keeps its room.
+  void SetText(std::string_view name, std::string_view text);
+  void SetLong(std::string_view name, int32_t number);
   // Clears the values; always false.
   bool Init();
   // The line made from the values, padded with blanks to `length` but never
@@ -100,8 +103,15 @@ class clsRecType {
     if (pending_[slot] != 0) TakeFromLine(slot);
   }
   void TakeFromLine(size_t slot) const;
-  mutable std::vector<std::optional<Value>> values_;  // one a field, in field order
-  mutable std::vector<uint8_t> pending_;              // parsed but not yet taken
+  // The value of the field of that name, marked as set; null when no field
+  // has the name, and the value goes to SetOther.
+  Value* FieldValue(std::string_view name);
+  void SetOther(std::string_view name, Value value);
+  // One a field, in field order; a value counts only while its field is
+  // set, and keeps its room when cleared.
+  mutable std::vector<Value> values_;
+  mutable std::vector<uint8_t> set_;      // the field has a value
+  mutable std::vector<uint8_t> pending_;  // parsed but not yet taken
   std::string parsedLine_;
   KeyedCollection<Value> otherValues_;        // set under names no field has
 };

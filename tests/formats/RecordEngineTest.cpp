@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <variant>
 #include <vector>
 
 #include "base/DateSerial.h"
@@ -184,6 +185,39 @@ TEST(RecordEngine, TextsAndNumbersAreAsTheValuesGiveThem) {
   type.SetValue("RouteNumber", Value::Long(5));
   EXPECT_EQ(type.GetText("RouteNumber"), "5");
   EXPECT_EQ(type.GetNumber("RouteNumber"), 5);
+}
+
+// Texts and Longs are written over what a field held before the clear,
+// whatever its kind, and build the lines their values build; fields not set
+// since the clear stay out of the line.
+TEST(RecordEngine, TextsAndLongsAreSetOverTheValuesBefore) {
+  clsRecType inPlace = Sample();
+  clsRecType byValue = Sample();
+  using Set = std::pair<std::string, std::variant<std::string, int32_t>>;
+  const std::vector<std::pair<std::vector<Set>, std::string>> lines = {
+      {{{"RecID", "RHD"}, {"RouteNumber", "A ROUTE OF MANY LETTERS"}, {"Count", 7}}, "RHDA ROUTE 0007"},
+      {{{"RecID", 12}, {"RouteNumber", 3}, {"Count", "12"}}, "12 3       0012"},
+      {{{"RouteNumber", "R"}}, "   R       "},
+  };
+  for (const auto& [sets, line] : lines) {
+    inPlace.Init();
+    byValue.Init();
+    for (const auto& [name, value] : sets) {
+      if (const auto* text = std::get_if<std::string>(&value)) {
+        inPlace.SetText(name, *text);
+        byValue.SetValue(name, Value(*text));
+      } else {
+        inPlace.SetLong(name, std::get<int32_t>(value));
+        byValue.SetValue(name, Value::Long(std::get<int32_t>(value)));
+      }
+    }
+    EXPECT_EQ(inPlace.Buffer(0), line);
+    EXPECT_EQ(byValue.Buffer(0), line);
+  }
+  inPlace.SetText("Other", "x");
+  inPlace.SetLong("Another", 2);
+  EXPECT_EQ(inPlace.GetValue("OTHER"), Value("x"));
+  EXPECT_EQ(inPlace.GetValue("another"), Value::Long(2));
 }
 
 // A name is remembered by where its text lies, and checked: a buffer that
