@@ -397,15 +397,16 @@ void FoldMeters(clsExchange& exchange, clsMVRSDownload& reader, const std::vecto
 }  // namespace
 
 std::string clsExchange::CombineUser(std::initializer_list<std::string_view> values) {
-  size_t length = values.size();
+  size_t length = values.size() > 0 ? values.size() - 1 : 0;  // the tildes
   for (const std::string_view value : values) length += value.size();
-  std::string joined;
-  joined.reserve(length);
-  for (const std::string_view& value : values) {
-    if (&value != values.begin()) joined += '~';
-    joined += value;
+  std::string joined(length, '~');  // the values are written between the tildes
+  size_t at = 0;
+  for (const std::string_view value : values) {
+    value.copy(joined.data() + at, value.size());
+    at += value.size() + 1;
   }
-  std::replace(joined.begin(), joined.end(), '\0', '\x01');
+  // A NUL would end the text on the handheld: it travels as 0x01.
+  for (size_t nul = joined.find('\0'); nul != std::string::npos; nul = joined.find('\0', nul + 1)) joined[nul] = '\x01';
   return joined;
 }
 

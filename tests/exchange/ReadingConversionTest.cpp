@@ -175,6 +175,13 @@ TEST(ReadingOutput, EveryDateAndTimeCodeWithItsBlankForm) {
   EXPECT_EQ(clsExchange::FormatTime("83015", 50), "");
   EXPECT_THROW(clsExchange::FormatTime("256000", 42), Failure);
   EXPECT_EQ(clsExchange::ExtractUser(std::string("a~b\x01~")), (std::vector<std::string>{"a", std::string("b\0", 2), ""}));
+  // What a route packs in a user field comes back as it went in, a NUL and all.
+  EXPECT_EQ(clsExchange::CombineUser({"a", std::string_view("b\0c\0", 4), "", "d"}), std::string("a~b\x01"
+                                                                                                 "c\x01~~d"));
+  EXPECT_EQ(clsExchange::ExtractUser(clsExchange::CombineUser({"a", std::string_view("b\0", 2), ""})),
+            (std::vector<std::string>{"a", std::string("b\0", 2), ""}));
+  EXPECT_EQ(clsExchange::CombineUser({"x"}), "x");
+  EXPECT_EQ(clsExchange::CombineUser({}), "");
 }
 
 TEST(ReadingDriver, AnExistingDestinationAndAFileThatCannotBeRead) {
