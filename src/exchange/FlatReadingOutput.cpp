@@ -223,12 +223,12 @@ std::string clsExchange::AssembleFixed(MappedRecord& values) {
         const bool text = field.DataType == kTypeText || field.DataType == kTypeDate || field.DataType == kTypeTime;
         shown = text ? shown.substr(0, width) : shown.substr(shown.size() - width);
       }
+      // The field's columns filled with its pad, and the text written over
+      // them at its right end when it is aligned right, else at its left.
       const auto appendPadded = [&field, &shown, width](std::string& to) {
-        const size_t padding = width - shown.size();
-        const char pad = field.MapPad == 2 ? ' ' : '0';
-        if (field.MapAlign == 2) to.append(padding, pad);
-        to.append(shown);
-        if (field.MapAlign != 2) to.append(padding, pad);
+        const size_t at = to.size() + (field.MapAlign == 2 ? width - shown.size() : 0);
+        to.append(width, field.MapPad == 2 ? ' ' : '0');
+        shown.copy(to.data() + at, shown.size());
       };
       // A line exactly DataPosition long is appended to, so the field lands
       // one column late; that is how the files have always come out.
