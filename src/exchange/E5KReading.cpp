@@ -74,24 +74,24 @@ void SummariseRecord(E5KUploadRun& run, clsHIF& hif, int32_t recType, size_t rou
 // The "A" line that opens a route, with the counts of the first pass.
 void WriteRouteStart(E5KUploadRun& run, const std::string& routeText, const E5KRouteSummary& summary) {
   clsRecType& a = *run.upload.SetupRecord("A");
-  a.SetText("Route", routeText);
-  a.SetLong("NoofAccounts", summary.accounts);
-  a.SetLong("NoofMeters", summary.meters);
-  a.SetText("ProcessorNumber", run.processor);
-  a.SetText("ReadDate", summary.readDate);
-  a.SetText("SurveyQuestionNumber", "");
-  a.SetLong("BeginningSequenceNumber", summary.firstSequence);
-  a.SetLong("EndingSequenceNumber", summary.lastSequence);
-  a.SetText("ResequenceFlag", "0");
+  a.SetText(Key<"Route">(), routeText);
+  a.SetLong(Key<"NoofAccounts">(), summary.accounts);
+  a.SetLong(Key<"NoofMeters">(), summary.meters);
+  a.SetText(Key<"ProcessorNumber">(), run.processor);
+  a.SetText(Key<"ReadDate">(), summary.readDate);
+  a.SetText(Key<"SurveyQuestionNumber">(), "");
+  a.SetLong(Key<"BeginningSequenceNumber">(), summary.firstSequence);
+  a.SetLong(Key<"EndingSequenceNumber">(), summary.lastSequence);
+  a.SetText(Key<"ResequenceFlag">(), "0");
   run.upload.WriteRecord(a);
 }
 
 // The "Z" line that closes a route.
 void WriteRouteEnd(E5KUploadRun& run, const std::string& routeText) {
   clsRecType& z = *run.upload.SetupRecord("Z");
-  z.SetText("Route", routeText);
-  z.SetText("ProcessorNumber", run.processor);
-  z.SetText("EmployerNumber", run.employer);
+  z.SetText(Key<"Route">(), routeText);
+  z.SetText(Key<"ProcessorNumber">(), run.processor);
+  z.SetText(Key<"EmployerNumber">(), run.employer);
   run.upload.WriteRecord(z);
 }
 
@@ -100,16 +100,16 @@ void WriteRouteEnd(E5KUploadRun& run, const std::string& routeText) {
 void WriteAccountLines(E5KUploadRun& run, clsHIF& hif, const std::string& routeText, const std::string& account,
                        const std::string& user1) {
   clsRecType& c = *run.upload.SetupRecord("C");
-  c.SetText("Route", routeText);
-  c.SetText("AccountNumber", account);
-  c.SetText("ReadingStatus", "2");
-  c.SetText("ResequenceFlag", "0");
-  c.SetText("ReadDate", From(TextOf(hif.Item(MeterField::ReadingDate)), 4));
+  c.SetText(Key<"Route">(), routeText);
+  c.SetText(Key<"AccountNumber">(), account);
+  c.SetText(Key<"ReadingStatus">(), "2");
+  c.SetText(Key<"ResequenceFlag">(), "0");
+  c.SetText(Key<"ReadDate">(), From(TextOf(hif.Item(MeterField::ReadingDate)), 4));
   run.upload.WriteRecord(c);
   if (!user1.empty()) {
     clsRecType& s = *run.upload.SetupRecord("S");
-    s.SetText("RecordCategory", "02");
-    s.SetText("PropertyVGKey", user1);
+    s.SetText(Key<"RecordCategory">(), "02");
+    s.SetText(Key<"PropertyVGKey">(), user1);
     run.upload.WriteRecord(s);
   }
 }
@@ -119,22 +119,22 @@ void WriteMeterLines(E5KUploadRun& run, clsHIF& hif, const std::string& user1) {
   clsRecType& d = *run.upload.SetupRecord("D");
   d.SetValue("RelativeMeterNumber", hif.Item(MeterField::User2));
   d.SetValue("MeterNumber", hif.Item(MeterField::MeterSerialNbr));
-  d.SetText("SpecialInstructionsCode2", "");
-  d.SetText("MeterConditionCode1", "");
-  d.SetText("MeterConditionCode2", "");
-  d.SetText("MeterSize", user1);
-  d.SetText("MeterChangedFlags", "");
+  d.SetText(Key<"SpecialInstructionsCode2">(), "");
+  d.SetText(Key<"MeterConditionCode1">(), "");
+  d.SetText(Key<"MeterConditionCode2">(), "");
+  d.SetText(Key<"MeterSize">(), user1);
+  d.SetText(Key<"MeterChangedFlags">(), "");
   run.upload.WriteRecord(d);
   clsRecType& e = *run.upload.SetupRecord("E");
-  e.SetLong("NumberofDials", 0);
+  e.SetLong(Key<"NumberofDials">(), 0);
   e.SetValue("CurrentReading", hif.Item(MeterField::CurReading));
-  e.SetLong("Decimals", 0);
+  e.SetLong(Key<"Decimals">(), 0);
   e.SetValue("ReadTime", hif.Item(MeterField::ReadingTime));
-  e.SetText("ReadChangeFlags", "");
-  e.SetText("DisplayCode", "");
-  e.SetLong("ReadCount", 1);
-  e.SetLong("ReadVerifyFlag", 0);
-  e.SetText("NoReadCode", "00");
+  e.SetText(Key<"ReadChangeFlags">(), "");
+  e.SetText(Key<"DisplayCode">(), "");
+  e.SetLong(Key<"ReadCount">(), 1);
+  e.SetLong(Key<"ReadVerifyFlag">(), 0);
+  e.SetText(Key<"NoReadCode">(), "00");
   run.upload.WriteRecord(e);
 }
 

@@ -232,14 +232,14 @@ void CountRoutes(MVRSReadingRun& run) {
 // "FHD" or "FTR": the two carry the same values.
 void WriteFileLine(MVRSReadingRun& run, const char* kind) {
   clsRecType& line = *run.upload.SetupRecord(kind);
-  line.SetText("NewServiceIndicator", "N");
-  line.SetText("ChangeMeterIndicator", "N");
-  line.SetText("ExtendedIndicator", "N");
-  line.SetLong("NumberRoutes", run.routeTotal);
-  line.SetLong("NumberCustomerRecords", run.customerTotal);
-  line.SetLong("NumberMeterRecords", run.meterTotal);
-  line.SetLong("NumberReadRecords", run.readTotal);
-  line.SetLong("FileTrailerLineNumber", 0);
+  line.SetText(Key<"NewServiceIndicator">(), "N");
+  line.SetText(Key<"ChangeMeterIndicator">(), "N");
+  line.SetText(Key<"ExtendedIndicator">(), "N");
+  line.SetLong(Key<"NumberRoutes">(), run.routeTotal);
+  line.SetLong(Key<"NumberCustomerRecords">(), run.customerTotal);
+  line.SetLong(Key<"NumberMeterRecords">(), run.meterTotal);
+  line.SetLong(Key<"NumberReadRecords">(), run.readTotal);
+  line.SetLong(Key<"FileTrailerLineNumber">(), 0);
   run.upload.WriteRecord(line);
 }
 
@@ -247,24 +247,24 @@ void WriteFileLine(MVRSReadingRun& run, const char* kind) {
 void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
   const MVRSRouteTotals& route = run.Entry(index);
   clsRecType& line = *run.upload.SetupRecord(kind);
-  line.SetText("RouteNumber", route.RouteNumber);
-  line.SetText("Region", route.Region);
-  line.SetText("Zone", route.Zone);
-  line.SetText("Office", route.Office);
+  line.SetText(Key<"RouteNumber">(), route.RouteNumber);
+  line.SetText(Key<"Region">(), route.Region);
+  line.SetText(Key<"Zone">(), route.Zone);
+  line.SetText(Key<"Office">(), route.Office);
   line.SetValue("ScheduledReadDate", Value::Date(route.ScheduledReadDate));
-  line.SetLong("NumberRemoteWandReads", route.NumberRemoteWandReads);
+  line.SetLong(Key<"NumberRemoteWandReads">(), route.NumberRemoteWandReads);
   for (const char* name : {"NumberCustomerRecords", "TotalCustomerRecords", "NumberMeterRecords",
                            "TotalMeterRecords", "NumberReadingRecords", "TotalNumberReadingRecords"}) {
     line.SetLong(name, route.Meters);
   }
-  line.SetLong("NumberWaterMeters", route.Water);
-  line.SetLong("NumberGasMeters", route.Gas);
-  line.SetLong("NumberElectricMeters", route.Electric);
-  line.SetLong("NumberMissedReadings", route.Missed);
-  line.SetLong("TotalNumberOffsiteRadioReadings", route.Radio);
-  line.SetLong("TotalNumberKeyedReadings", route.Keyed);
-  line.SetLong("TotalNumberOpticalProbeReadings", route.Probe);
-  line.SetLong("NumberSkippedReadings", route.Skipped);
+  line.SetLong(Key<"NumberWaterMeters">(), route.Water);
+  line.SetLong(Key<"NumberGasMeters">(), route.Gas);
+  line.SetLong(Key<"NumberElectricMeters">(), route.Electric);
+  line.SetLong(Key<"NumberMissedReadings">(), route.Missed);
+  line.SetLong(Key<"TotalNumberOffsiteRadioReadings">(), route.Radio);
+  line.SetLong(Key<"TotalNumberKeyedReadings">(), route.Keyed);
+  line.SetLong(Key<"TotalNumberOpticalProbeReadings">(), route.Probe);
+  line.SetLong(Key<"NumberSkippedReadings">(), route.Skipped);
   for (const char* name : {"TotalNumberKeys", "NumberLocationMeters", "NumberExtraMeters",
                            "TotalNumberDemandMeters"}) {
     line.SetLong(name, 0);
@@ -273,10 +273,10 @@ void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
                            "MeterReaderStatisticsRecord", "ForceCompleteFlag", "TypeResequenceFlag"}) {
     line.SetText(name, "N");
   }
-  line.SetText("OriginalSequenceFlag", "Y");
-  line.SetLong("TimeUsedtoReadRoute", 0);
-  line.SetText("ForceCompleteCode", "00");
-  line.SetText("TypeRoute", " ");
+  line.SetText(Key<"OriginalSequenceFlag">(), "Y");
+  line.SetLong(Key<"TimeUsedtoReadRoute">(), 0);
+  line.SetText(Key<"ForceCompleteCode">(), "00");
+  line.SetText(Key<"TypeRoute">(), " ");
   run.upload.WriteRecord(line);
 }
 
@@ -382,31 +382,31 @@ void FillMeter(MVRSReadRecord& record, clsHIF& hif) {
 // "CUS", the meter's customer.
 void WriteCustomerLine(MVRSReadingRun& run, const MVRSReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CUS");
-  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
-  line.SetLong("NumberMeters", 1);
-  line.SetText("Account", customer.Account);
-  line.SetText("Name", customer.Name);
-  line.SetText("Address1", customer.Address1);
-  line.SetText("Address2", customer.Address2);
-  line.SetText("GroupCode", customer.GroupCode);
-  line.SetText("ExtraIndicator", customer.ExtraIndicator);
-  line.SetText("SegmentCode", customer.SegmentCode);
-  line.SetText("UtilityID", customer.UtilityID);
-  line.SetText("PassThru", customer.PassThru);
-  line.SetText("CustomerInfo", customer.CustomerInfo);
-  line.SetText("ExceptionCode", " ");
-  line.SetText("Reserved", "00");
+  line.SetText(Key<"RouteNumber">(), run.Entry(run.current).RouteNumber);
+  line.SetLong(Key<"NumberMeters">(), 1);
+  line.SetText(Key<"Account">(), customer.Account);
+  line.SetText(Key<"Name">(), customer.Name);
+  line.SetText(Key<"Address1">(), customer.Address1);
+  line.SetText(Key<"Address2">(), customer.Address2);
+  line.SetText(Key<"GroupCode">(), customer.GroupCode);
+  line.SetText(Key<"ExtraIndicator">(), customer.ExtraIndicator);
+  line.SetText(Key<"SegmentCode">(), customer.SegmentCode);
+  line.SetText(Key<"UtilityID">(), customer.UtilityID);
+  line.SetText(Key<"PassThru">(), customer.PassThru);
+  line.SetText(Key<"CustomerInfo">(), customer.CustomerInfo);
+  line.SetText(Key<"ExceptionCode">(), " ");
+  line.SetText(Key<"Reserved">(), "00");
   run.upload.WriteRecord(line);
 }
 
 // "CSX", the customer's second name and third address line.
 void WriteExtraCustomerLine(MVRSReadingRun& run, const MVRSReadCustomer& customer) {
   clsRecType& line = *run.upload.SetupRecord("CSX");
-  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
-  line.SetText("Account", customer.Account);
-  line.SetText("Name", customer.Name2);
-  line.SetText("NewCustomerInfo", customer.CustomerInfo);
-  line.SetText("Address3", customer.Address3);
+  line.SetText(Key<"RouteNumber">(), run.Entry(run.current).RouteNumber);
+  line.SetText(Key<"Account">(), customer.Account);
+  line.SetText(Key<"Name">(), customer.Name2);
+  line.SetText(Key<"NewCustomerInfo">(), customer.CustomerInfo);
+  line.SetText(Key<"Address3">(), customer.Address3);
   run.upload.WriteRecord(line);
 }
 
@@ -423,36 +423,36 @@ std::string LocationCode(const std::string& location) {
 void WriteMeterLine(MVRSReadingRun& run, const MVRSReadRecord& record, const std::string& meterNumber) {
   const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("MTR");
-  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
-  line.SetLong("NumberReadings", 1);
-  line.SetText("GroupCode", meter.GroupCode);
-  line.SetText("SurveyCode1DisplayIndicator", meter.SurveyCode1DisplayIndicator);
-  line.SetText("SurveyCode2DisplayIndicator", meter.SurveyCode2DisplayIndicator);
-  line.SetText("BillCode", meter.BillCode);
-  line.SetText("MeterStatus", meter.MeterStatus);
-  line.SetText("OpticalProbeID", meter.OpticalProbeID);
-  line.SetText("MeterType", meter.MeterType);
-  line.SetText("MeterNumber", meterNumber);
-  line.SetLong("ReadSequence", meter.ReadSequence);
-  line.SetLong("NewReadSequence", meter.ReadSequence);
-  line.SetText("MeterLocation", LocationCode(meter.MeterLocation));
-  line.SetLong("ReadInstruction1", meter.ReadInstruction1);
-  line.SetLong("ReadInstruction2", meter.ReadInstruction2);
-  line.SetLong("SpecialMessageDisplayIndicator", meter.SpecialMessageDisplayIndicator);
-  line.SetText("SpecialMessageIndicator", Trim(meter.SpecialMessage).empty() ? "N" : "Y");
+  line.SetText(Key<"RouteNumber">(), run.Entry(run.current).RouteNumber);
+  line.SetLong(Key<"NumberReadings">(), 1);
+  line.SetText(Key<"GroupCode">(), meter.GroupCode);
+  line.SetText(Key<"SurveyCode1DisplayIndicator">(), meter.SurveyCode1DisplayIndicator);
+  line.SetText(Key<"SurveyCode2DisplayIndicator">(), meter.SurveyCode2DisplayIndicator);
+  line.SetText(Key<"BillCode">(), meter.BillCode);
+  line.SetText(Key<"MeterStatus">(), meter.MeterStatus);
+  line.SetText(Key<"OpticalProbeID">(), meter.OpticalProbeID);
+  line.SetText(Key<"MeterType">(), meter.MeterType);
+  line.SetText(Key<"MeterNumber">(), meterNumber);
+  line.SetLong(Key<"ReadSequence">(), meter.ReadSequence);
+  line.SetLong(Key<"NewReadSequence">(), meter.ReadSequence);
+  line.SetText(Key<"MeterLocation">(), LocationCode(meter.MeterLocation));
+  line.SetLong(Key<"ReadInstruction1">(), meter.ReadInstruction1);
+  line.SetLong(Key<"ReadInstruction2">(), meter.ReadInstruction2);
+  line.SetLong(Key<"SpecialMessageDisplayIndicator">(), meter.SpecialMessageDisplayIndicator);
+  line.SetText(Key<"SpecialMessageIndicator">(), Trim(meter.SpecialMessage).empty() ? "N" : "Y");
   line.SetValue("TroubleMessageIndicator",
                 Value(record.responseCode > 0 || !meter.ResponseTextCopy.empty() ? "Y" : "N"));
-  line.SetText("SurveyResponse1", " ");
-  line.SetText("SurveyResponse2", " ");
-  line.SetText("MeterChangeOutIndicator", "N");
-  line.SetText("ChangeMeterRecordIndicator", "N");
-  line.SetText("MeterCategory", meter.MeterCategory);
-  line.SetText("LocationExtraMeter", meter.LocationExtraMeter);
-  line.SetLong("TimeCode", 0);
+  line.SetText(Key<"SurveyResponse1">(), " ");
+  line.SetText(Key<"SurveyResponse2">(), " ");
+  line.SetText(Key<"MeterChangeOutIndicator">(), "N");
+  line.SetText(Key<"ChangeMeterRecordIndicator">(), "N");
+  line.SetText(Key<"MeterCategory">(), meter.MeterCategory);
+  line.SetText(Key<"LocationExtraMeter">(), meter.LocationExtraMeter);
+  line.SetLong(Key<"TimeCode">(), 0);
   line.SetValue("OriginalAdditionalMeterInfo", line.GetValue("MeterNumber"));
-  line.SetText("Reserved2", "0000000000");
-  line.SetText("Reserved3", "00");
-  line.SetText("Reserved4", "0000000000");
+  line.SetText(Key<"Reserved2">(), "0000000000");
+  line.SetText(Key<"Reserved3">(), "00");
+  line.SetText(Key<"Reserved4">(), "0000000000");
   for (const char* name : {"Reserved5", "Reserved6", "Reserved7"}) line.SetText(name, "0");
   run.upload.WriteRecord(line);
 }
@@ -460,9 +460,9 @@ void WriteMeterLine(MVRSReadingRun& run, const MVRSReadRecord& record, const std
 // "MTS", for a meter with a special message.
 void WriteSpecialMessageLine(MVRSReadingRun& run, const MVRSReadMeter& meter, const std::string& meterNumber) {
   clsRecType& line = *run.upload.SetupRecord("MTS");
-  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
-  line.SetText("MeterNumber", meterNumber);
-  line.SetText("SpecialMessageText", std::string(Trim(meter.SpecialMessage)));
+  line.SetText(Key<"RouteNumber">(), run.Entry(run.current).RouteNumber);
+  line.SetText(Key<"MeterNumber">(), meterNumber);
+  line.SetText(Key<"SpecialMessageText">(), std::string(Trim(meter.SpecialMessage)));
   run.upload.WriteRecord(line);
 }
 
@@ -483,40 +483,40 @@ const char* ReadCodeOf(int32_t status, int32_t readType, int32_t curReading) {
 void WriteReadingLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
   const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord("RDG");
-  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
-  line.SetText("TextPrompt", meter.TextPrompt);
-  line.SetText("ReadDirection", meter.ReadDirection);
-  line.SetText("CompareCode", meter.CompareCode);
-  line.SetText("ValidationCode", meter.ValidationCode);
-  line.SetText("PromptCode", " ");
-  line.SetLong("ChannelNumber", 0);
+  line.SetText(Key<"RouteNumber">(), run.Entry(run.current).RouteNumber);
+  line.SetText(Key<"TextPrompt">(), meter.TextPrompt);
+  line.SetText(Key<"ReadDirection">(), meter.ReadDirection);
+  line.SetText(Key<"CompareCode">(), meter.CompareCode);
+  line.SetText(Key<"ValidationCode">(), meter.ValidationCode);
+  line.SetText(Key<"PromptCode">(), " ");
+  line.SetLong(Key<"ChannelNumber">(), 0);
   const std::string reason = "00" + meter.ResponseCodeText;
-  line.SetText("ReadReason", reason.substr(reason.size() - 2));
+  line.SetText(Key<"ReadReason">(), reason.substr(reason.size() - 2));
   if (const char* method = ReadMethodOf(record.readType)) line.SetValue("ReadMethod", Value(method));
-  line.SetText("MeterConstant", meter.MeterConstant);
-  line.SetText("ConstantFlag", meter.ConstantFlag);
-  line.SetLong("Reading", meter.CurReading);
-  line.SetLong("ReadOrder", 1);
+  line.SetText(Key<"MeterConstant">(), meter.MeterConstant);
+  line.SetText(Key<"ConstantFlag">(), meter.ConstantFlag);
+  line.SetLong(Key<"Reading">(), meter.CurReading);
+  line.SetLong(Key<"ReadOrder">(), 1);
   line.SetValue("ReadDate", Value(meter.ReadDate == 0.0 ? std::string("00000000")
                                                         : FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
-  line.SetText("ReadTime", FormatZeros(meter.ReadTimeNumber, 6));
+  line.SetText(Key<"ReadTime">(), FormatZeros(meter.ReadTimeNumber, 6));
   if (const char* code = ReadCodeOf(record.status, record.readType, meter.CurReading)) {
-    line.SetText("ReadCode", code);
+    line.SetText(Key<"ReadCode">(), code);
   }
-  line.SetLong("ReadReason", 0);
+  line.SetLong(Key<"ReadReason">(), 0);
   for (const char* name : {"ReadAuditResult", "TroubleCode1", "TroubleCode2", "AuditCounter", "ClearCounter",
                            "ElapsedTime", "ReadTypeCode"}) {
     line.SetLong(name, 0);
   }
-  line.SetText("UnprocessedReadFlag", "N");
-  line.SetText("MeterReaderID", "TRAV");
-  line.SetLong("NewNumberDials", meter.NumberDials);
-  line.SetLong("NewNumberDecimals", meter.NumberDecimals);
-  line.SetText("NewReadMethod", meter.NewReadMethod);
-  line.SetText("MeterConstantVerified", " ");
-  line.SetText("HHFPosition", meter.HHFPosition);
-  line.SetText("NewMeterConstant", meter.MeterConstant);
-  line.SetLong("PreviousReading", meter.PreviousReading);
+  line.SetText(Key<"UnprocessedReadFlag">(), "N");
+  line.SetText(Key<"MeterReaderID">(), "TRAV");
+  line.SetLong(Key<"NewNumberDials">(), meter.NumberDials);
+  line.SetLong(Key<"NewNumberDecimals">(), meter.NumberDecimals);
+  line.SetText(Key<"NewReadMethod">(), meter.NewReadMethod);
+  line.SetText(Key<"MeterConstantVerified">(), " ");
+  line.SetText(Key<"HHFPosition">(), meter.HHFPosition);
+  line.SetText(Key<"NewMeterConstant">(), meter.MeterConstant);
+  line.SetLong(Key<"PreviousReading">(), meter.PreviousReading);
   if (meter.NumberDecimals != 0) {
     const double scaled = std::floor(meter.CurReading / PowerOfTen(meter.NumberDecimals));
     line.SetValue("Reading", Value::Double(scaled));
@@ -532,15 +532,15 @@ void WriteReadingLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
 void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const std::string& probeID,
                     double readDate, int32_t readTime) {
   clsRecType& line = *upload.SetupRecord("MTR");
-  line.SetText("RouteNumber", routeNumber);
-  line.SetText("OpticalProbeRecorderID", probeID);
-  line.SetText("ExpectedDeviceID", "");
-  line.SetText("DeviceID", "");
-  line.SetText("DeviceDate", "");
-  line.SetText("DeviceTime", "");
-  line.SetText("TIMName", "");
+  line.SetText(Key<"RouteNumber">(), routeNumber);
+  line.SetText(Key<"OpticalProbeRecorderID">(), probeID);
+  line.SetText(Key<"ExpectedDeviceID">(), "");
+  line.SetText(Key<"DeviceID">(), "");
+  line.SetText(Key<"DeviceDate">(), "");
+  line.SetText(Key<"DeviceTime">(), "");
+  line.SetText(Key<"TIMName">(), "");
   line.SetValue("ReadDate", Value::Date(readDate));
-  line.SetLong("ReadTime", readTime);
+  line.SetLong(Key<"ReadTime">(), readTime);
   for (const char* name : {"StatusOpen", "StatusTOU", "StatusLPAll", "StatusLPPartial", "StatusStatusCheck",
                            "StatusResetDemand", "StatusAutoTimeSet", "StatusCodes1", "StatusCodes2", "StatusCodes3",
                            "StatusCodes4", "StatusCodes5", "StatusCodes6"}) {
@@ -553,25 +553,25 @@ void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const
 void WriteDeviceReadLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
   const MVRSReadMeter& meter = record.meter;
   clsRecType& line = *run.upload.SetupRecord(meter.ReadMethod == "R" ? "RFF" : "WRR");
-  line.SetText("RouteNumber", run.Entry(run.current).RouteNumber);
+  line.SetText(Key<"RouteNumber">(), run.Entry(run.current).RouteNumber);
   if (meter.ReadMethod == "R") {
-    line.SetLong("RFERTID", meter.TagNumber);
-    line.SetLong("GeographicArea", meter.GeographicArea);
-    line.SetText("RFFrequency", meter.RFFrequency);
-    line.SetText("RFTone", meter.RFTone);
-    line.SetText("ERTType", meter.ERTType);
-    line.SetLong("Tamper", 0);
+    line.SetLong(Key<"RFERTID">(), meter.TagNumber);
+    line.SetLong(Key<"GeographicArea">(), meter.GeographicArea);
+    line.SetText(Key<"RFFrequency">(), meter.RFFrequency);
+    line.SetText(Key<"RFTone">(), meter.RFTone);
+    line.SetText(Key<"ERTType">(), meter.ERTType);
+    line.SetLong(Key<"Tamper">(), 0);
   } else {
-    line.SetText("TamperStatus", "");
-    line.SetText("DeviceID", meter.DeviceID);
-    line.SetText("WandProgram", meter.WandProgram);
+    line.SetText(Key<"TamperStatus">(), "");
+    line.SetText(Key<"DeviceID">(), meter.DeviceID);
+    line.SetText(Key<"WandProgram">(), meter.WandProgram);
   }
-  line.SetText("ReadDate", FormatDateValue(meter.ReadDate, "mm/dd/yyyy"));
-  line.SetLong("ReadTime", meter.ReadTimeNumber);
+  line.SetText(Key<"ReadDate">(), FormatDateValue(meter.ReadDate, "mm/dd/yyyy"));
+  line.SetLong(Key<"ReadTime">(), meter.ReadTimeNumber);
   double reading = meter.CurReading;
   if (meter.NumberDecimals != 0) reading /= PowerOfTen(meter.NumberDecimals);
   line.SetValue("Reading", Value::Double(reading));
-  line.SetText("VisualReadIndicator", record.readType == 2 ? "Y" : "N");
+  line.SetText(Key<"VisualReadIndicator">(), record.readType == 2 ? "Y" : "N");
   run.upload.WriteRecord(line);
 }
 

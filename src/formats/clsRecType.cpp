@@ -62,6 +62,7 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   size_t at = SlotOf(signature);
   while (table_[at] != 0) at = (at + 1) & (kTableSize - 1);
   table_[at] = static_cast<uint16_t>(fields_.size());
+  slotOfKey_.clear();  // a key no field had may have one now
   values_.emplace_back();
   set_.push_back(0);
   pending_.push_back(0);
@@ -73,6 +74,7 @@ void clsRecType::ClearFields() {
   table_.fill(0);
   hits_.fill(NameHit{});
   hitCount_ = 0;
+  slotOfKey_.clear();
   values_.clear();
   set_.clear();
   pending_.clear();
@@ -187,6 +189,20 @@ Value* clsRecType::FieldValue(std::string_view name) {
   return &values_[slot];
 }
 
+Value* clsRecType::FieldValue(const FieldKey& key) {
+  if (key.Number() >= slotOfKey_.size()) slotOfKey_.resize(key.Number() + 1, 0);
+  uint16_t& known = slotOfKey_[key.Number()];
+  if (known == 0) {
+    size_t slot = 0;
+    known = FindField(key.Name(), slot) != nullptr ? static_cast<uint16_t>(slot + 1) : kNoField;
+  }
+  if (known == kNoField) return nullptr;
+  const size_t slot = known - 1u;
+  set_[slot] = 1;
+  pending_[slot] = 0;
+  return &values_[slot];
+}
+
 void clsRecType::SetOther(std::string_view name, Value value) {
   if (otherValues_.Contains(name)) {
     otherValues_.Set(name, std::move(value));
@@ -248,6 +264,22 @@ std::string clsRecType::Buffer(int16_t length) const {
   }
   line.resize(std::max(end, padded));
   return line;
+}
+
+void clsRecType::SetText(const FieldKey& key, std::string_view text) {
+  if (Value* held = FieldValue(key)) {
+    held->SetText(text);
+  } else {
+    SetOther(key.Name(), Value(std::string(text)));
+  }
+}
+
+void clsRecType::SetLong(const FieldKey& key, int32_t number) {
+  if (Value* held = FieldValue(key)) {
+    held->SetLong(number);
+  } else {
+    SetOther(key.Name(), Value::Long(number));
+  }
 }
 
 }  // namespace hifx

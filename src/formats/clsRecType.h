@@ -13,6 +13,7 @@
 #include "base/KeyedCollection.h"
 #include "base/Shell.h"
 #include "base/Value.h"
+#include "formats/FieldKey.h"
 #include "formats/clsField.h"
 
 namespace hifx {
@@ -62,6 +63,9 @@ class clsRecType {
   // before, so that a line kind filled line after line keeps its room.
   void SetText(std::string_view name, std::string_view text);
   void SetLong(std::string_view name, int32_t number);
+  // The same, with the field found by its key.
+  void SetText(const FieldKey& key, std::string_view text);
+  void SetLong(const FieldKey& key, int32_t number);
   // Clears the values; always false.
   bool Init();
   // The line made from the values, padded with blanks to `length` but never
@@ -107,6 +111,11 @@ class clsRecType {
   // has the name, and the value goes to SetOther.
   Value* FieldValue(std::string_view name);
   void SetOther(std::string_view name, Value value);
+  Value* FieldValue(const FieldKey& key);
+  // The slot of each key's field, by key number: 0 not looked for yet,
+  // kNoField for a key no field has, else the slot + 1.
+  static constexpr uint16_t kNoField = UINT16_MAX;
+  std::vector<uint16_t> slotOfKey_;
   // One a field, in field order; a value counts only while its field is
   // set, and keeps its room when cleared.
   mutable std::vector<Value> values_;

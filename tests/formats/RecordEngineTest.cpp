@@ -220,6 +220,24 @@ TEST(RecordEngine, TextsAndLongsAreSetOverTheValuesBefore) {
   EXPECT_EQ(inPlace.GetValue("another"), Value::Long(2));
 }
 
+// A key finds the field of its name in each line kind apart, and a field a
+// kind gains after the key was first looked for.
+TEST(RecordEngine, AKeyFindsItsFieldInEachKind) {
+  clsRecType first = Sample();
+  clsRecType second;
+  second.AddField("Count", fldZeroNumber, 0, 2);
+  first.SetLong(Key<"Count">(), 7);
+  second.SetLong(Key<"Count">(), 7);
+  EXPECT_EQ(first.Buffer(0), "           0007");
+  EXPECT_EQ(second.Buffer(0), "07");
+  second.SetText(Key<"Extra">(), "x");  // no such field yet: kept aside
+  EXPECT_EQ(second.GetValue("Extra"), Value("x"));
+  second.AddField("Extra", fldText, 0, 3);
+  second.Init();
+  second.SetText(Key<"Extra">(), "abc");
+  EXPECT_EQ(second.Buffer(0), "  abc");
+}
+
 // A name is remembered by where its text lies, and checked: a buffer that
 // holds one name and then another finds each, and names from more places
 // than are remembered are still found.
