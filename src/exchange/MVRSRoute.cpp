@@ -68,8 +68,8 @@ struct MVRSMeter {
   int32_t ConstantFlag = 0, HHFPosition = 0, NumberDecimals = 0, High1 = 0, Low1 = 0;
 };
 
-std::string Text(const clsRecType& record, const char* name) { return record.GetText(name); }
-int32_t Number(const clsRecType& record, const char* name) { return record.GetNumber(name); }
+std::string Text(const clsRecType& record, const FieldKey& key) { return record.GetText(key); }
+int32_t Number(const clsRecType& record, const FieldKey& key) { return record.GetNumber(key); }
 std::string Str(int32_t number) { return std::to_string(number); }
 
 int16_t Add16(int16_t total, int32_t more) { return ToInt16(static_cast<double>(total) + more); }
@@ -102,19 +102,19 @@ MVRSRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
       routeTotal = counts.customerTotal = counts.meterTotal = 0;
     } else if (kind == "CHD") {
       cycleDate = record->GetValue("CycleDate");
-      const int32_t routes = Number(*record, "NumberRoutes");
+      const int32_t routes = Number(*record, Key<"NumberRoutes">());
       routeTotal = Add16(routeTotal, routes == 0 ? 1 : routes);
       counts.table.resize(static_cast<size_t>(std::max<int16_t>(routeTotal, 0)));
     } else if (kind == "RHD") {
-      counts.customerTotal = Add16(counts.customerTotal, Number(*record, "NumberCustomerRecords"));
-      counts.meterTotal = Add16(counts.meterTotal, Number(*record, "NumberMeterRecords"));
+      counts.customerTotal = Add16(counts.customerTotal, Number(*record, Key<"NumberCustomerRecords">()));
+      counts.meterTotal = Add16(counts.meterTotal, Number(*record, Key<"NumberMeterRecords">()));
       MVRSRouteEntry& entry = EntryAt(counts.table, ++filled);
-      entry.RouteNumber = Text(*record, "RouteNumber");
-      entry.Region = Text(*record, "Region");
-      entry.Zone = Text(*record, "Zone");
-      entry.Office = Text(*record, "Office");
+      entry.RouteNumber = Text(*record, Key<"RouteNumber">());
+      entry.Region = Text(*record, Key<"Region">());
+      entry.Zone = Text(*record, Key<"Zone">());
+      entry.Office = Text(*record, Key<"Office">());
       entry.CycleDate = cycleDate;
-      entry.NumberRemoteWandReads = ToInt16(Number(*record, "NumberRemoteWandReads"));
+      entry.NumberRemoteWandReads = ToInt16(Number(*record, Key<"NumberRemoteWandReads">()));
     } else if (kind == "MTR") {
       MVRSRouteEntry& entry = EntryAt(counts.table, filled);
       entry.MeterCount = Add16(entry.MeterCount, 1);
@@ -264,7 +264,7 @@ void FlushMeter(MVRSFold& fold) {
 // table's end when none has it.
 void TakeRouteLine(MVRSFold& fold, const clsRecType& line) {
   FlushMeter(fold);
-  fold.routeNumber = Text(line, "RouteNumber");
+  fold.routeNumber = Text(line, Key<"RouteNumber">());
   fold.route = static_cast<int32_t>(fold.table.size()) + 1;
   for (size_t i = 0; i < fold.table.size(); ++i) {
     if (fold.table[i].RouteNumber == fold.routeNumber) {
@@ -279,16 +279,16 @@ void TakeCustomerLine(MVRSFold& fold, const clsRecType& line) {
   FlushMeter(fold);
   MVRSCustomer& customer = fold.customer;
   customer = MVRSCustomer();
-  customer.Name = MVRSCustomer::Fixed20(Text(line, "Name"));
-  customer.Address1 = MVRSCustomer::Fixed20(Text(line, "Address1"));
-  customer.Address2 = MVRSCustomer::Fixed20(Text(line, "Address2"));
-  customer.UtilityID = Text(line, "UtilityID");
-  customer.Account = Text(line, "Account");
-  customer.GroupCode = Text(line, "GroupCode");
-  customer.ExtraIndicator = Text(line, "ExtraIndicator");
-  customer.SegmentCode = Text(line, "SegmentCode");
-  customer.PassThru = Text(line, "PassThru");
-  customer.CustomerInfo = Text(line, "CustomerInfo");
+  customer.Name = MVRSCustomer::Fixed20(Text(line, Key<"Name">()));
+  customer.Address1 = MVRSCustomer::Fixed20(Text(line, Key<"Address1">()));
+  customer.Address2 = MVRSCustomer::Fixed20(Text(line, Key<"Address2">()));
+  customer.UtilityID = Text(line, Key<"UtilityID">());
+  customer.Account = Text(line, Key<"Account">());
+  customer.GroupCode = Text(line, Key<"GroupCode">());
+  customer.ExtraIndicator = Text(line, Key<"ExtraIndicator">());
+  customer.SegmentCode = Text(line, Key<"SegmentCode">());
+  customer.PassThru = Text(line, Key<"PassThru">());
+  customer.CustomerInfo = Text(line, Key<"CustomerInfo">());
 }
 
 // "MTR": a new pending meter. With the radio option, an 8-digit meter number
@@ -298,24 +298,24 @@ void TakeMeterLine(MVRSFold& fold, const clsRecType& line) {
   MVRSMeter& meter = fold.meter;
   meter = MVRSMeter();
   meter.Pending = true;
-  meter.MeterNumber = Text(line, "MeterNumber");
-  meter.MeterCategory = Text(line, "MeterCategory");
-  meter.MeterType = Number(line, "MeterType");
-  meter.GroupCode = Text(line, "GroupCode");
+  meter.MeterNumber = Text(line, Key<"MeterNumber">());
+  meter.MeterCategory = Text(line, Key<"MeterCategory">());
+  meter.MeterType = Number(line, Key<"MeterType">());
+  meter.GroupCode = Text(line, Key<"GroupCode">());
   // Through a number and back: leading zeros go.
-  meter.MeterLocation = Str(ToInt32(NumericPrefix(Text(line, "MeterLocation"))));
-  meter.NumberReadings = Number(line, "NumberReadings");
-  meter.SurveyCode1DisplayIndicator = Text(line, "SurveyCode1DisplayIndicator");
-  meter.SurveyCode2DisplayIndicator = Text(line, "SurveyCode2DisplayIndicator");
-  meter.BillCode = Text(line, "BillCode");
-  meter.MeterStatus = Text(line, "MeterStatus");
-  meter.OpticalProbeID = Text(line, "OpticalProbeID");
-  meter.ReadInstruction1 = Number(line, "ReadInstruction1");
-  meter.ReadInstruction2 = Number(line, "ReadInstruction2");
-  meter.SpecialMessageDisplayIndicator = Number(line, "SpecialMessageDisplayIndicator");
-  meter.LocationExtraMeter = Text(line, "LocationExtraMeter");
-  meter.AdditionalMeterInfo = Text(line, "AdditionalMeterInfo");
-  const int32_t sequence = Number(line, "ReadSequence");
+  meter.MeterLocation = Str(ToInt32(NumericPrefix(Text(line, Key<"MeterLocation">()))));
+  meter.NumberReadings = Number(line, Key<"NumberReadings">());
+  meter.SurveyCode1DisplayIndicator = Text(line, Key<"SurveyCode1DisplayIndicator">());
+  meter.SurveyCode2DisplayIndicator = Text(line, Key<"SurveyCode2DisplayIndicator">());
+  meter.BillCode = Text(line, Key<"BillCode">());
+  meter.MeterStatus = Text(line, Key<"MeterStatus">());
+  meter.OpticalProbeID = Text(line, Key<"OpticalProbeID">());
+  meter.ReadInstruction1 = Number(line, Key<"ReadInstruction1">());
+  meter.ReadInstruction2 = Number(line, Key<"ReadInstruction2">());
+  meter.SpecialMessageDisplayIndicator = Number(line, Key<"SpecialMessageDisplayIndicator">());
+  meter.LocationExtraMeter = Text(line, Key<"LocationExtraMeter">());
+  meter.AdditionalMeterInfo = Text(line, Key<"AdditionalMeterInfo">());
+  const int32_t sequence = Number(line, Key<"ReadSequence">());
   meter.ReadSequence = sequence >= -32768 && sequence <= 32767 ? static_cast<int16_t>(sequence) : 0;
   meter.ReadSequenceText = Str(sequence);
   double number = 0.0;
@@ -328,11 +328,11 @@ void TakeMeterLine(MVRSFold& fold, const clsRecType& line) {
 // "RFF": the transponder, whose tag must not be one seen before.
 void TakeRadioLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
   MVRSMeter& meter = fold.meter;
-  meter.TagNumber = ToInt32(NumericPrefix(Text(line, "RFERTID")));
-  meter.GeographicArea = Number(line, "GeographicArea");
-  meter.RFFrequency = Text(line, "RFFrequency");
-  meter.RFTone = Text(line, "RFTone");
-  meter.Tamper = Number(line, "Tamper");
+  meter.TagNumber = ToInt32(NumericPrefix(Text(line, Key<"RFERTID">())));
+  meter.GeographicArea = Number(line, Key<"GeographicArea">());
+  meter.RFFrequency = Text(line, Key<"RFFrequency">());
+  meter.RFTone = Text(line, Key<"RFTone">());
+  meter.Tamper = Number(line, Key<"Tamper">());
   const MVRSCustomer& customer = fold.customer;
   if (fold.exchange.CheckDuplicateTag(Str(meter.TagNumber), customer.Name + " " + customer.Address1, lineNo)) {
     fold.exchange.HadProblems = true;
@@ -341,19 +341,19 @@ void TakeRadioLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
 
 // "RDG": one reading a meter, so a second line overwrites the first.
 void TakeReadingLine(MVRSMeter& meter, const clsRecType& line) {
-  meter.NumberDials = Number(line, "NumberDials");
-  meter.PreviousReading = Number(line, "PreviousReading");
-  meter.TextPrompt = Text(line, "TextPrompt");
-  meter.ReadDirection = Text(line, "ReadDirection");
-  meter.CompareCode = Number(line, "CompareCode");
-  meter.ValidationCode = Number(line, "ValidationCode");
-  meter.ReadMethod = meter.Radio ? "R" : Text(line, "ReadMethod");
-  meter.MeterConstant = Number(line, "MeterConstant");
-  meter.ConstantFlag = Number(line, "ConstantFlag");
-  meter.HHFPosition = Number(line, "HHFPosition");
-  meter.NumberDecimals = Number(line, "NumberDecimals");
-  meter.High1 = Number(line, "High1");
-  meter.Low1 = Number(line, "Low1");
+  meter.NumberDials = Number(line, Key<"NumberDials">());
+  meter.PreviousReading = Number(line, Key<"PreviousReading">());
+  meter.TextPrompt = Text(line, Key<"TextPrompt">());
+  meter.ReadDirection = Text(line, Key<"ReadDirection">());
+  meter.CompareCode = Number(line, Key<"CompareCode">());
+  meter.ValidationCode = Number(line, Key<"ValidationCode">());
+  meter.ReadMethod = meter.Radio ? "R" : Text(line, Key<"ReadMethod">());
+  meter.MeterConstant = Number(line, Key<"MeterConstant">());
+  meter.ConstantFlag = Number(line, Key<"ConstantFlag">());
+  meter.HHFPosition = Number(line, Key<"HHFPosition">());
+  meter.NumberDecimals = Number(line, Key<"NumberDecimals">());
+  meter.High1 = Number(line, Key<"High1">());
+  meter.Low1 = Number(line, Key<"Low1">());
 }
 
 // One line of pass 2 into the working records; other kinds are passed over.
@@ -364,20 +364,20 @@ void FoldLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
   } else if (kind == "CUS") {
     TakeCustomerLine(fold, line);
   } else if (kind == "CSX") {
-    fold.customer.Name2 = MVRSCustomer::Fixed20(Text(line, "Name"));
-    fold.customer.Address3 = MVRSCustomer::Fixed20(Text(line, "Address3"));
+    fold.customer.Name2 = MVRSCustomer::Fixed20(Text(line, Key<"Name">()));
+    fold.customer.Address3 = MVRSCustomer::Fixed20(Text(line, Key<"Address3">()));
   } else if (kind == "MTR") {
     TakeMeterLine(fold, line);
   } else if (kind == "RTS") {
-    fold.meter.SurveyText1 = Text(line, "SurveyText1");
-    fold.meter.SurveyText2 = Text(line, "SurveyText2");
+    fold.meter.SurveyText1 = Text(line, Key<"SurveyText1">());
+    fold.meter.SurveyText2 = Text(line, Key<"SurveyText2">());
   } else if (kind == "RFF") {
     TakeRadioLine(fold, line, lineNo);
   } else if (kind == "WRR") {
-    fold.meter.WandProgram = Text(line, "WandProgram");
-    fold.meter.DeviceID = Text(line, "DeviceID");
+    fold.meter.WandProgram = Text(line, Key<"WandProgram">());
+    fold.meter.DeviceID = Text(line, Key<"DeviceID">());
   } else if (kind == "MTS") {
-    fold.meter.SpecialMessageText = Text(line, "SpecialMessageText");
+    fold.meter.SpecialMessageText = Text(line, Key<"SpecialMessageText">());
   } else if (kind == "RDG") {
     TakeReadingLine(fold.meter, line);
   }

@@ -152,33 +152,58 @@ void clsRecType::TakeFromLine(size_t slot) const {
   pending_[slot] = 0;
 }
 
-const Value& clsRecType::GetValue(std::string_view name) const {
+const Value& clsRecType::ValueOf(const clsField* field, size_t slot, std::string_view name) const {
   static const Value kNone;
-  size_t slot = 0;
-  if (FindField(name, slot) != nullptr) {
+  if (field != nullptr) {
     Materialize(slot);
     return set_[slot] != 0 ? values_[slot] : kNone;
   }
   return otherValues_.Contains(name) ? otherValues_.Item(name) : kNone;
 }
 
-std::string clsRecType::GetText(std::string_view name) const {
-  size_t slot = 0;
-  const clsField* field = FindField(name, slot);
+std::string clsRecType::TextOfField(const clsField* field, size_t slot, std::string_view name) const {
   if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldText) {
     return std::string(field->Columns(parsedLine_));
   }
-  const Value& value = GetValue(name);
+  const Value& value = ValueOf(field, slot, name);
   return value.IsText() ? value.Text() : TextOf(value);
+}
+
+int32_t clsRecType::NumberOfField(const clsField* field, size_t slot, std::string_view name) const {
+  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldZeroNumber) {
+    return clsField::LeadingNumber(field->Columns(parsedLine_));
+  }
+  return NumberOf(ValueOf(field, slot, name));
+}
+
+const Value& clsRecType::GetValue(std::string_view name) const {
+  size_t slot = 0;
+  const clsField* field = FindField(name, slot);
+  return ValueOf(field, slot, name);
+}
+
+std::string clsRecType::GetText(std::string_view name) const {
+  size_t slot = 0;
+  const clsField* field = FindField(name, slot);
+  return TextOfField(field, slot, name);
+}
+
+std::string clsRecType::GetText(const FieldKey& key) const {
+  size_t slot = 0;
+  const clsField* field = FindField(key, slot);
+  return TextOfField(field, slot, key.Name());
 }
 
 int32_t clsRecType::GetNumber(std::string_view name) const {
   size_t slot = 0;
   const clsField* field = FindField(name, slot);
-  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldZeroNumber) {
-    return clsField::LeadingNumber(field->Columns(parsedLine_));
-  }
-  return NumberOf(GetValue(name));
+  return NumberOfField(field, slot, name);
+}
+
+int32_t clsRecType::GetNumber(const FieldKey& key) const {
+  size_t slot = 0;
+  const clsField* field = FindField(key, slot);
+  return NumberOfField(field, slot, key.Name());
 }
 
 Value* clsRecType::FieldValue(std::string_view name) {
@@ -189,15 +214,21 @@ Value* clsRecType::FieldValue(std::string_view name) {
   return &values_[slot];
 }
 
-Value* clsRecType::FieldValue(const FieldKey& key) {
+const clsField* clsRecType::FindField(const FieldKey& key, size_t& slot) const {
   if (key.Number() >= slotOfKey_.size()) slotOfKey_.resize(key.Number() + 1, 0);
   uint16_t& known = slotOfKey_[key.Number()];
   if (known == 0) {
-    size_t slot = 0;
-    known = FindField(key.Name(), slot) != nullptr ? static_cast<uint16_t>(slot + 1) : kNoField;
+    size_t found = 0;
+    known = FindField(key.Name(), found) != nullptr ? static_cast<uint16_t>(found + 1) : kNoField;
   }
   if (known == kNoField) return nullptr;
-  const size_t slot = known - 1u;
+  slot = known - 1u;
+  return &fields_[slot];
+}
+
+Value* clsRecType::FieldValue(const FieldKey& key) {
+  size_t slot = 0;
+  if (FindField(key, slot) == nullptr) return nullptr;
   set_[slot] = 1;
   pending_[slot] = 0;
   return &values_[slot];

@@ -55,9 +55,11 @@ class clsRecType {
   // The value as TextOf gives it. A text field still lying in the parsed
   // line is read from it as it stands, without keeping a value.
   std::string GetText(std::string_view name) const;
+  std::string GetText(const FieldKey& key) const;
   // The value as NumberOf gives it, a zero-filled number field read from
   // the parsed line in the same way.
   int32_t GetNumber(std::string_view name) const;
+  int32_t GetNumber(const FieldKey& key) const;
   void SetValue(std::string_view name, Value value);
   // SetValue of a text or a Long, written over the value the field held
   // before, so that a line kind filled line after line keeps its room.
@@ -77,6 +79,12 @@ class clsRecType {
 
  private:
   const clsField* FindField(std::string_view name, size_t& slot) const;
+  const clsField* FindField(const FieldKey& key, size_t& slot) const;
+  // What GetValue, GetText and GetNumber give of a field found, or of the
+  // name when none has it.
+  const Value& ValueOf(const clsField* field, size_t slot, std::string_view name) const;
+  std::string TextOfField(const clsField* field, size_t slot, std::string_view name) const;
+  int32_t NumberOfField(const clsField* field, size_t slot, std::string_view name) const;
 
   IShell* shell_;
   int16_t recLen_ = 0;
@@ -115,7 +123,7 @@ class clsRecType {
   // The slot of each key's field, by key number: 0 not looked for yet,
   // kNoField for a key no field has, else the slot + 1.
   static constexpr uint16_t kNoField = UINT16_MAX;
-  std::vector<uint16_t> slotOfKey_;
+  mutable std::vector<uint16_t> slotOfKey_;
   // One a field, in field order; a value counts only while its field is
   // set, and keeps its room when cleared.
   mutable std::vector<Value> values_;

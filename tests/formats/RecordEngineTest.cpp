@@ -236,6 +236,11 @@ TEST(RecordEngine, AKeyFindsItsFieldInEachKind) {
   second.Init();
   second.SetText(Key<"Extra">(), "abc");
   EXPECT_EQ(second.Buffer(0), "  abc");
+  first.Parse("RHDROUTE-010042");
+  EXPECT_EQ(first.GetText(Key<"RouteNumber">()), "ROUTE-01");
+  EXPECT_EQ(first.GetNumber(Key<"Count">()), 42);
+  EXPECT_EQ(first.GetText(Key<"Extra">()), "");  // a field of the other kind only
+  EXPECT_EQ(second.GetNumber(Key<"Extra">()), 0);
 }
 
 // A name is remembered by where its text lies, and checked: a buffer that
