@@ -251,11 +251,12 @@ void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
   line.SetText(Key<"Region">(), route.Region);
   line.SetText(Key<"Zone">(), route.Zone);
   line.SetText(Key<"Office">(), route.Office);
-  line.SetValue("ScheduledReadDate", Value::Date(route.ScheduledReadDate));
+  line.SetValue(Key<"ScheduledReadDate">(), Value::Date(route.ScheduledReadDate));
   line.SetLong(Key<"NumberRemoteWandReads">(), route.NumberRemoteWandReads);
-  for (const char* name : {"NumberCustomerRecords", "TotalCustomerRecords", "NumberMeterRecords",
-                           "TotalMeterRecords", "NumberReadingRecords", "TotalNumberReadingRecords"}) {
-    line.SetLong(name, route.Meters);
+  for (const FieldKey* key :
+       {&Key<"NumberCustomerRecords">(), &Key<"TotalCustomerRecords">(), &Key<"NumberMeterRecords">(),
+        &Key<"TotalMeterRecords">(), &Key<"NumberReadingRecords">(), &Key<"TotalNumberReadingRecords">()}) {
+    line.SetLong(*key, route.Meters);
   }
   line.SetLong(Key<"NumberWaterMeters">(), route.Water);
   line.SetLong(Key<"NumberGasMeters">(), route.Gas);
@@ -265,13 +266,14 @@ void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
   line.SetLong(Key<"TotalNumberKeyedReadings">(), route.Keyed);
   line.SetLong(Key<"TotalNumberOpticalProbeReadings">(), route.Probe);
   line.SetLong(Key<"NumberSkippedReadings">(), route.Skipped);
-  for (const char* name : {"TotalNumberKeys", "NumberLocationMeters", "NumberExtraMeters",
-                           "TotalNumberDemandMeters"}) {
-    line.SetLong(name, 0);
+  for (const FieldKey* key : {&Key<"TotalNumberKeys">(), &Key<"NumberLocationMeters">(), &Key<"NumberExtraMeters">(),
+                              &Key<"TotalNumberDemandMeters">()}) {
+    line.SetLong(*key, 0);
   }
-  for (const char* name : {"SurveyIndicator", "RouteMessageIndicator", "ResequenceFlag",
-                           "MeterReaderStatisticsRecord", "ForceCompleteFlag", "TypeResequenceFlag"}) {
-    line.SetText(name, "N");
+  for (const FieldKey* key :
+       {&Key<"SurveyIndicator">(), &Key<"RouteMessageIndicator">(), &Key<"ResequenceFlag">(),
+        &Key<"MeterReaderStatisticsRecord">(), &Key<"ForceCompleteFlag">(), &Key<"TypeResequenceFlag">()}) {
+    line.SetText(*key, "N");
   }
   line.SetText(Key<"OriginalSequenceFlag">(), "Y");
   line.SetLong(Key<"TimeUsedtoReadRoute">(), 0);
@@ -440,7 +442,7 @@ void WriteMeterLine(MVRSReadingRun& run, const MVRSReadRecord& record, const std
   line.SetLong(Key<"ReadInstruction2">(), meter.ReadInstruction2);
   line.SetLong(Key<"SpecialMessageDisplayIndicator">(), meter.SpecialMessageDisplayIndicator);
   line.SetText(Key<"SpecialMessageIndicator">(), Trim(meter.SpecialMessage).empty() ? "N" : "Y");
-  line.SetValue("TroubleMessageIndicator",
+  line.SetValue(Key<"TroubleMessageIndicator">(),
                 Value(record.responseCode > 0 || !meter.ResponseTextCopy.empty() ? "Y" : "N"));
   line.SetText(Key<"SurveyResponse1">(), " ");
   line.SetText(Key<"SurveyResponse2">(), " ");
@@ -449,11 +451,11 @@ void WriteMeterLine(MVRSReadingRun& run, const MVRSReadRecord& record, const std
   line.SetText(Key<"MeterCategory">(), meter.MeterCategory);
   line.SetText(Key<"LocationExtraMeter">(), meter.LocationExtraMeter);
   line.SetLong(Key<"TimeCode">(), 0);
-  line.SetValue("OriginalAdditionalMeterInfo", line.GetValue("MeterNumber"));
+  line.SetValue(Key<"OriginalAdditionalMeterInfo">(), line.GetValue("MeterNumber"));
   line.SetText(Key<"Reserved2">(), "0000000000");
   line.SetText(Key<"Reserved3">(), "00");
   line.SetText(Key<"Reserved4">(), "0000000000");
-  for (const char* name : {"Reserved5", "Reserved6", "Reserved7"}) line.SetText(name, "0");
+  for (const FieldKey* key : {&Key<"Reserved5">(), &Key<"Reserved6">(), &Key<"Reserved7">()}) line.SetText(*key, "0");
   run.upload.WriteRecord(line);
 }
 
@@ -492,21 +494,22 @@ void WriteReadingLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
   line.SetLong(Key<"ChannelNumber">(), 0);
   const std::string reason = "00" + meter.ResponseCodeText;
   line.SetText(Key<"ReadReason">(), reason.substr(reason.size() - 2));
-  if (const char* method = ReadMethodOf(record.readType)) line.SetValue("ReadMethod", Value(method));
+  if (const char* method = ReadMethodOf(record.readType)) line.SetValue(Key<"ReadMethod">(), Value(method));
   line.SetText(Key<"MeterConstant">(), meter.MeterConstant);
   line.SetText(Key<"ConstantFlag">(), meter.ConstantFlag);
   line.SetLong(Key<"Reading">(), meter.CurReading);
   line.SetLong(Key<"ReadOrder">(), 1);
-  line.SetValue("ReadDate", Value(meter.ReadDate == 0.0 ? std::string("00000000")
-                                                        : FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
+  line.SetValue(Key<"ReadDate">(),
+                Value(meter.ReadDate == 0.0 ? std::string("00000000") : FormatDateValue(meter.ReadDate, "mm/dd/yyyy")));
   line.SetText(Key<"ReadTime">(), FormatZeros(meter.ReadTimeNumber, 6));
   if (const char* code = ReadCodeOf(record.status, record.readType, meter.CurReading)) {
     line.SetText(Key<"ReadCode">(), code);
   }
   line.SetLong(Key<"ReadReason">(), 0);
-  for (const char* name : {"ReadAuditResult", "TroubleCode1", "TroubleCode2", "AuditCounter", "ClearCounter",
-                           "ElapsedTime", "ReadTypeCode"}) {
-    line.SetLong(name, 0);
+  for (const FieldKey* key :
+       {&Key<"ReadAuditResult">(), &Key<"TroubleCode1">(), &Key<"TroubleCode2">(), &Key<"AuditCounter">(),
+        &Key<"ClearCounter">(), &Key<"ElapsedTime">(), &Key<"ReadTypeCode">()}) {
+    line.SetLong(*key, 0);
   }
   line.SetText(Key<"UnprocessedReadFlag">(), "N");
   line.SetText(Key<"MeterReaderID">(), "TRAV");
@@ -519,10 +522,11 @@ void WriteReadingLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
   line.SetLong(Key<"PreviousReading">(), meter.PreviousReading);
   if (meter.NumberDecimals != 0) {
     const double scaled = std::floor(meter.CurReading / PowerOfTen(meter.NumberDecimals));
-    line.SetValue("Reading", Value::Double(scaled));
+    line.SetValue(Key<"Reading">(), Value::Double(scaled));
   }
-  for (const char* name : {"Reserved1", "Reserved3", "Reserved4", "Reserved5", "Reserved6"}) {
-    line.SetText(name, "0");
+  for (const FieldKey* key :
+       {&Key<"Reserved1">(), &Key<"Reserved3">(), &Key<"Reserved4">(), &Key<"Reserved5">(), &Key<"Reserved6">()}) {
+    line.SetText(*key, "0");
   }
   run.upload.WriteRecord(line);
 }
@@ -539,12 +543,14 @@ void WriteProbeLine(clsMVRSUpload& upload, const std::string& routeNumber, const
   line.SetText(Key<"DeviceDate">(), "");
   line.SetText(Key<"DeviceTime">(), "");
   line.SetText(Key<"TIMName">(), "");
-  line.SetValue("ReadDate", Value::Date(readDate));
+  line.SetValue(Key<"ReadDate">(), Value::Date(readDate));
   line.SetLong(Key<"ReadTime">(), readTime);
-  for (const char* name : {"StatusOpen", "StatusTOU", "StatusLPAll", "StatusLPPartial", "StatusStatusCheck",
-                           "StatusResetDemand", "StatusAutoTimeSet", "StatusCodes1", "StatusCodes2", "StatusCodes3",
-                           "StatusCodes4", "StatusCodes5", "StatusCodes6"}) {
-    line.SetText(name, "00");
+  for (const FieldKey* key :
+       {&Key<"StatusOpen">(), &Key<"StatusTOU">(), &Key<"StatusLPAll">(), &Key<"StatusLPPartial">(),
+        &Key<"StatusStatusCheck">(), &Key<"StatusResetDemand">(), &Key<"StatusAutoTimeSet">(), &Key<"StatusCodes1">(),
+        &Key<"StatusCodes2">(), &Key<"StatusCodes3">(), &Key<"StatusCodes4">(), &Key<"StatusCodes5">(),
+        &Key<"StatusCodes6">()}) {
+    line.SetText(*key, "00");
   }
   upload.WriteRecord(line);
 }
@@ -570,7 +576,7 @@ void WriteDeviceReadLine(MVRSReadingRun& run, const MVRSReadRecord& record) {
   line.SetLong(Key<"ReadTime">(), meter.ReadTimeNumber);
   double reading = meter.CurReading;
   if (meter.NumberDecimals != 0) reading /= PowerOfTen(meter.NumberDecimals);
-  line.SetValue("Reading", Value::Double(reading));
+  line.SetValue(Key<"Reading">(), Value::Double(reading));
   line.SetText(Key<"VisualReadIndicator">(), record.readType == 2 ? "Y" : "N");
   run.upload.WriteRecord(line);
 }

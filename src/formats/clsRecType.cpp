@@ -297,6 +297,14 @@ std::string clsRecType::Buffer(int16_t length) const {
   return line;
 }
 
+void clsRecType::SetValue(const FieldKey& key, Value value) {
+  if (Value* held = FieldValue(key)) {
+    *held = std::move(value);
+  } else {
+    SetOther(key.Name(), std::move(value));
+  }
+}
+
 void clsRecType::SetText(const FieldKey& key, std::string_view text) {
   if (Value* held = FieldValue(key)) {
     held->SetText(text);

@@ -66,6 +66,7 @@ class clsRecType {
   void SetText(std::string_view name, std::string_view text);
   void SetLong(std::string_view name, int32_t number);
   // The same, with the field found by its key.
+  void SetValue(const FieldKey& key, Value value);
   void SetText(const FieldKey& key, std::string_view text);
   void SetLong(const FieldKey& key, int32_t number);
   // Clears the values; always false.
