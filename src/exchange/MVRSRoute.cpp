@@ -47,6 +47,15 @@ struct MVRSCustomer {
     text.resize(20, ' ');
     return text;
   }
+  // As a new customer is, keeping the texts' room.
+  void Reset() {
+    for (std::string* fixed : {&Address1, &Address2, &Address3, &Name, &Name2}) fixed->assign(20, ' ');
+    for (std::string* text :
+         {&Account, &UtilityID, &GroupCode, &ExtraIndicator, &SegmentCode, &PassThru, &CustomerInfo}) {
+      text->clear();
+    }
+    CustomerSlot = 0;
+  }
 };
 
 struct MVRSMeter {
@@ -70,6 +79,11 @@ struct MVRSMeter {
 
 std::string Text(const clsRecType& record, const FieldKey& key) { return record.GetText(key); }
 int32_t Number(const clsRecType& record, const FieldKey& key) { return record.GetNumber(key); }
+// The text of a field cut or padded to 20 letters, written over `into`.
+void TakeFixed20(const clsRecType& record, const FieldKey& key, std::string& into) {
+  record.GetText(key, into);
+  into.resize(20, ' ');
+}
 std::string Str(int32_t number) { return std::to_string(number); }
 
 int16_t Add16(int16_t total, int32_t more) { return ToInt16(static_cast<double>(total) + more); }
@@ -109,10 +123,10 @@ MVRSRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
       counts.customerTotal = Add16(counts.customerTotal, Number(*record, Key<"NumberCustomerRecords">()));
       counts.meterTotal = Add16(counts.meterTotal, Number(*record, Key<"NumberMeterRecords">()));
       MVRSRouteEntry& entry = EntryAt(counts.table, ++filled);
-      entry.RouteNumber = Text(*record, Key<"RouteNumber">());
-      entry.Region = Text(*record, Key<"Region">());
-      entry.Zone = Text(*record, Key<"Zone">());
-      entry.Office = Text(*record, Key<"Office">());
+      record->GetText(Key<"RouteNumber">(), entry.RouteNumber);
+      record->GetText(Key<"Region">(), entry.Region);
+      record->GetText(Key<"Zone">(), entry.Zone);
+      record->GetText(Key<"Office">(), entry.Office);
       entry.CycleDate = cycleDate;
       entry.NumberRemoteWandReads = ToInt16(Number(*record, Key<"NumberRemoteWandReads">()));
     } else if (kind == "MTR") {
@@ -264,7 +278,7 @@ void FlushMeter(MVRSFold& fold) {
 // table's end when none has it.
 void TakeRouteLine(MVRSFold& fold, const clsRecType& line) {
   FlushMeter(fold);
-  fold.routeNumber = Text(line, Key<"RouteNumber">());
+  line.GetText(Key<"RouteNumber">(), fold.routeNumber);
   fold.route = static_cast<int32_t>(fold.table.size()) + 1;
   for (size_t i = 0; i < fold.table.size(); ++i) {
     if (fold.table[i].RouteNumber == fold.routeNumber) {
@@ -278,17 +292,17 @@ void TakeRouteLine(MVRSFold& fold, const clsRecType& line) {
 void TakeCustomerLine(MVRSFold& fold, const clsRecType& line) {
   FlushMeter(fold);
   MVRSCustomer& customer = fold.customer;
-  customer = MVRSCustomer();
-  customer.Name = MVRSCustomer::Fixed20(Text(line, Key<"Name">()));
-  customer.Address1 = MVRSCustomer::Fixed20(Text(line, Key<"Address1">()));
-  customer.Address2 = MVRSCustomer::Fixed20(Text(line, Key<"Address2">()));
-  customer.UtilityID = Text(line, Key<"UtilityID">());
-  customer.Account = Text(line, Key<"Account">());
-  customer.GroupCode = Text(line, Key<"GroupCode">());
-  customer.ExtraIndicator = Text(line, Key<"ExtraIndicator">());
-  customer.SegmentCode = Text(line, Key<"SegmentCode">());
-  customer.PassThru = Text(line, Key<"PassThru">());
-  customer.CustomerInfo = Text(line, Key<"CustomerInfo">());
+  customer.Reset();
+  TakeFixed20(line, Key<"Name">(), customer.Name);
+  TakeFixed20(line, Key<"Address1">(), customer.Address1);
+  TakeFixed20(line, Key<"Address2">(), customer.Address2);
+  line.GetText(Key<"UtilityID">(), customer.UtilityID);
+  line.GetText(Key<"Account">(), customer.Account);
+  line.GetText(Key<"GroupCode">(), customer.GroupCode);
+  line.GetText(Key<"ExtraIndicator">(), customer.ExtraIndicator);
+  line.GetText(Key<"SegmentCode">(), customer.SegmentCode);
+  line.GetText(Key<"PassThru">(), customer.PassThru);
+  line.GetText(Key<"CustomerInfo">(), customer.CustomerInfo);
 }
 
 // "MTR": a new pending meter. With the radio option, an 8-digit meter number
@@ -298,23 +312,23 @@ void TakeMeterLine(MVRSFold& fold, const clsRecType& line) {
   MVRSMeter& meter = fold.meter;
   meter = MVRSMeter();
   meter.Pending = true;
-  meter.MeterNumber = Text(line, Key<"MeterNumber">());
-  meter.MeterCategory = Text(line, Key<"MeterCategory">());
+  line.GetText(Key<"MeterNumber">(), meter.MeterNumber);
+  line.GetText(Key<"MeterCategory">(), meter.MeterCategory);
   meter.MeterType = Number(line, Key<"MeterType">());
-  meter.GroupCode = Text(line, Key<"GroupCode">());
+  line.GetText(Key<"GroupCode">(), meter.GroupCode);
   // Through a number and back: leading zeros go.
   meter.MeterLocation = Str(ToInt32(NumericPrefix(Text(line, Key<"MeterLocation">()))));
   meter.NumberReadings = Number(line, Key<"NumberReadings">());
-  meter.SurveyCode1DisplayIndicator = Text(line, Key<"SurveyCode1DisplayIndicator">());
-  meter.SurveyCode2DisplayIndicator = Text(line, Key<"SurveyCode2DisplayIndicator">());
-  meter.BillCode = Text(line, Key<"BillCode">());
-  meter.MeterStatus = Text(line, Key<"MeterStatus">());
-  meter.OpticalProbeID = Text(line, Key<"OpticalProbeID">());
+  line.GetText(Key<"SurveyCode1DisplayIndicator">(), meter.SurveyCode1DisplayIndicator);
+  line.GetText(Key<"SurveyCode2DisplayIndicator">(), meter.SurveyCode2DisplayIndicator);
+  line.GetText(Key<"BillCode">(), meter.BillCode);
+  line.GetText(Key<"MeterStatus">(), meter.MeterStatus);
+  line.GetText(Key<"OpticalProbeID">(), meter.OpticalProbeID);
   meter.ReadInstruction1 = Number(line, Key<"ReadInstruction1">());
   meter.ReadInstruction2 = Number(line, Key<"ReadInstruction2">());
   meter.SpecialMessageDisplayIndicator = Number(line, Key<"SpecialMessageDisplayIndicator">());
-  meter.LocationExtraMeter = Text(line, Key<"LocationExtraMeter">());
-  meter.AdditionalMeterInfo = Text(line, Key<"AdditionalMeterInfo">());
+  line.GetText(Key<"LocationExtraMeter">(), meter.LocationExtraMeter);
+  line.GetText(Key<"AdditionalMeterInfo">(), meter.AdditionalMeterInfo);
   const int32_t sequence = Number(line, Key<"ReadSequence">());
   meter.ReadSequence = sequence >= -32768 && sequence <= 32767 ? static_cast<int16_t>(sequence) : 0;
   meter.ReadSequenceText = Str(sequence);
@@ -330,8 +344,8 @@ void TakeRadioLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
   MVRSMeter& meter = fold.meter;
   meter.TagNumber = ToInt32(NumericPrefix(Text(line, Key<"RFERTID">())));
   meter.GeographicArea = Number(line, Key<"GeographicArea">());
-  meter.RFFrequency = Text(line, Key<"RFFrequency">());
-  meter.RFTone = Text(line, Key<"RFTone">());
+  line.GetText(Key<"RFFrequency">(), meter.RFFrequency);
+  line.GetText(Key<"RFTone">(), meter.RFTone);
   meter.Tamper = Number(line, Key<"Tamper">());
   const MVRSCustomer& customer = fold.customer;
   if (fold.exchange.CheckDuplicateTag(Str(meter.TagNumber), customer.Name + " " + customer.Address1, lineNo)) {
@@ -343,8 +357,8 @@ void TakeRadioLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
 void TakeReadingLine(MVRSMeter& meter, const clsRecType& line) {
   meter.NumberDials = Number(line, Key<"NumberDials">());
   meter.PreviousReading = Number(line, Key<"PreviousReading">());
-  meter.TextPrompt = Text(line, Key<"TextPrompt">());
-  meter.ReadDirection = Text(line, Key<"ReadDirection">());
+  line.GetText(Key<"TextPrompt">(), meter.TextPrompt);
+  line.GetText(Key<"ReadDirection">(), meter.ReadDirection);
   meter.CompareCode = Number(line, Key<"CompareCode">());
   meter.ValidationCode = Number(line, Key<"ValidationCode">());
   meter.ReadMethod = meter.Radio ? "R" : Text(line, Key<"ReadMethod">());
@@ -364,20 +378,20 @@ void FoldLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
   } else if (kind == "CUS") {
     TakeCustomerLine(fold, line);
   } else if (kind == "CSX") {
-    fold.customer.Name2 = MVRSCustomer::Fixed20(Text(line, Key<"Name">()));
-    fold.customer.Address3 = MVRSCustomer::Fixed20(Text(line, Key<"Address3">()));
+    TakeFixed20(line, Key<"Name">(), fold.customer.Name2);
+    TakeFixed20(line, Key<"Address3">(), fold.customer.Address3);
   } else if (kind == "MTR") {
     TakeMeterLine(fold, line);
   } else if (kind == "RTS") {
-    fold.meter.SurveyText1 = Text(line, Key<"SurveyText1">());
-    fold.meter.SurveyText2 = Text(line, Key<"SurveyText2">());
+    line.GetText(Key<"SurveyText1">(), fold.meter.SurveyText1);
+    line.GetText(Key<"SurveyText2">(), fold.meter.SurveyText2);
   } else if (kind == "RFF") {
     TakeRadioLine(fold, line, lineNo);
   } else if (kind == "WRR") {
-    fold.meter.WandProgram = Text(line, Key<"WandProgram">());
-    fold.meter.DeviceID = Text(line, Key<"DeviceID">());
+    line.GetText(Key<"WandProgram">(), fold.meter.WandProgram);
+    line.GetText(Key<"DeviceID">(), fold.meter.DeviceID);
   } else if (kind == "MTS") {
-    fold.meter.SpecialMessageText = Text(line, Key<"SpecialMessageText">());
+    line.GetText(Key<"SpecialMessageText">(), fold.meter.SpecialMessageText);
   } else if (kind == "RDG") {
     TakeReadingLine(fold.meter, line);
   }

@@ -194,6 +194,16 @@ std::string clsRecType::GetText(const FieldKey& key) const {
   return TextOfField(field, slot, key.Name());
 }
 
+void clsRecType::GetText(const FieldKey& key, std::string& into) const {
+  size_t slot = 0;
+  const clsField* field = FindField(key, slot);
+  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldText) {
+    into.assign(field->Columns(parsedLine_));
+  } else {
+    into = TextOfField(field, slot, key.Name());
+  }
+}
+
 int32_t clsRecType::GetNumber(std::string_view name) const {
   size_t slot = 0;
   const clsField* field = FindField(name, slot);

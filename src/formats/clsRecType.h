@@ -56,6 +56,8 @@ class clsRecType {
   // line is read from it as it stands, without keeping a value.
   std::string GetText(std::string_view name) const;
   std::string GetText(const FieldKey& key) const;
+  // GetText written over `into`, which keeps its room.
+  void GetText(const FieldKey& key, std::string& into) const;
   // The value as NumberOf gives it, a zero-filled number field read from
   // the parsed line in the same way.
   int32_t GetNumber(std::string_view name) const;

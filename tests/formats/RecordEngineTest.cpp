@@ -241,6 +241,11 @@ TEST(RecordEngine, AKeyFindsItsFieldInEachKind) {
   EXPECT_EQ(first.GetNumber(Key<"Count">()), 42);
   EXPECT_EQ(first.GetText(Key<"Extra">()), "");  // a field of the other kind only
   EXPECT_EQ(second.GetNumber(Key<"Extra">()), 0);
+  std::string into(40, 'x');
+  first.GetText(Key<"RouteNumber">(), into);
+  EXPECT_EQ(into, "ROUTE-01");
+  first.GetText(Key<"Count">(), into);  // not a text field: as the value gives it
+  EXPECT_EQ(into, "42");
 }
 
 // A name is remembered by where its text lies, and checked: a buffer that
