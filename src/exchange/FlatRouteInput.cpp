@@ -121,40 +121,81 @@ const RouteLine& clsExchange::ParseRouteDelimited(const std::string& line, bool 
   return routeLine_;
 }
 
+void clsExchange::PlanRouteLine() {
+  const clsExchMap& map = *ActiveMap;
+  routeLine_.Plan(map);
+  firstPassFields_.clear();
+  firstPassMap_ = &map;
+  const std::vector<MapField>& fields = map.Fields();
+  for (size_t i = 0; i < fields.size(); ++i) {
+    const MapField& field = fields[i];
+    const bool checked = field.DataType == kTypeInteger || field.DataType == kTypeLong;
+    bool walked = checked || routeLine_.Is(i, MeterField::RouteNbr);
+    switch (field.MapOption) {
+      case kOptionDoNotMap:
+      case kOptionConstant:
+        break;
+      case kOptionSource:
+        walked = walked || routeLine_.Is(i, MeterField::ReadType) || field.DataPosition < 1 || field.DataWidth < 0;
+        break;
+      case kOptionPrompt:
+      case kOptionAutonumber:
+        walked = true;
+        break;
+      default:
+        // A field that repeats the text of the one before: the first pass
+        // walks them all.
+        firstPassMap_ = nullptr;
+        break;
+    }
+    if (walked) firstPassFields_.push_back(i);
+  }
+}
+
+void clsExchange::TakeFixedField(size_t position, const std::string& line, std::string_view& raw, bool onlyRoute) {
+  const MapField& field = ActiveMap->Fields()[position];
+  switch (field.MapOption) {
+    case kOptionDoNotMap:
+      raw = {};
+      break;
+    case kOptionSource: {
+      if (field.DataPosition < 1 || field.DataWidth < 0) throw Failure(fail::kInvalidCall);
+      const size_t start = static_cast<size_t>(field.DataPosition - 1);
+      raw = start < line.size() ? std::string_view(line).substr(start, static_cast<size_t>(field.DataWidth))
+                                : std::string_view();
+      if (routeLine_.Is(position, MeterField::ReadType)) LastReadType = UpperCase(raw);
+      break;
+    }
+    case kOptionConstant:
+      raw = field.MapConstant;
+      break;
+    case kOptionPrompt:
+      promptedText_ = Prompts.Value(field.FieldName);
+      raw = promptedText_;
+      break;
+    case kOptionAutonumber:
+      AutoNumber = ToInt16(AutoNumber + 1.0);
+      numberText_ = std::to_string(AutoNumber);
+      raw = numberText_;
+      break;
+    default:
+      break;
+  }
+  AddValue(position, field, raw, true, !onlyRoute);
+}
+
 const RouteLine& clsExchange::ParseRouteFixed(const std::string& line, bool onlyRoute) {
   const clsExchMap& map = *ActiveMap;
   LastReadType.clear();
-  const std::vector<MapField>& fields = map.Fields();
-  routeLine_.Clear(fields.size());
+  routeLine_.Clear(map.Fields().size());
   // The raw text of a field stays for the next one, which may repeat it.
   std::string_view raw;
-  std::string prompted;
-  std::string numbered;
-  for (size_t i = 0; i < fields.size(); ++i) {
-    const MapField& field = fields[i];
-    switch (field.MapOption) {
-      case kOptionDoNotMap: raw = {}; break;
-      case kOptionSource: {
-        if (field.DataPosition < 1 || field.DataWidth < 0) throw Failure(fail::kInvalidCall);
-        const size_t start = static_cast<size_t>(field.DataPosition - 1);
-        raw = start < line.size() ? std::string_view(line).substr(start, static_cast<size_t>(field.DataWidth))
-                                  : std::string_view();
-        if (routeLine_.Is(i, MeterField::ReadType)) LastReadType = UpperCase(raw);
-        break;
-      }
-      case kOptionConstant: raw = field.MapConstant; break;
-      case kOptionPrompt:
-        prompted = Prompts.Value(field.FieldName);
-        raw = prompted;
-        break;
-      case kOptionAutonumber:
-        AutoNumber = ToInt16(AutoNumber + 1.0);
-        numbered = std::to_string(AutoNumber);
-        raw = numbered;
-        break;
-      default: break;
+  if (onlyRoute && firstPassMap_ == &map) {
+    for (const size_t position : firstPassFields_) TakeFixedField(position, line, raw, true);
+  } else {
+    for (size_t position = 0; position < map.Fields().size(); ++position) {
+      TakeFixedField(position, line, raw, onlyRoute);
     }
-    AddValue(i, field, raw, true, !onlyRoute);
   }
   return routeLine_;
 }

@@ -90,15 +90,16 @@ class clsExchange {
   // True when every character of the trimmed text is a digit.
   static bool IsAllDigits(const std::string& text);
   // One line of a flat route file, a value for each of the map's fields.
-  // With onlyRoute, every field is still converted, with all that may fail
-  // or count, but only RouteNbr is kept: what a first pass needs.
+  // With onlyRoute, only RouteNbr is kept, and of the others only those
+  // that may fail or count are converted: what a first pass needs.
   // The line's values stay until the next line is parsed; PlanRouteLine
   // comes first in a run.
   const RouteLine& ParseRoute(const std::string& line, bool onlyRoute = false);
   const RouteLine& ParseRouteFixed(const std::string& line, bool onlyRoute = false);
   const RouteLine& ParseRouteDelimited(const std::string& line, bool onlyRoute = false);
-  // Finds the fields a conversion reads among the active map's.
-  void PlanRouteLine() { routeLine_.Plan(*ActiveMap); }
+  // Finds the fields a conversion reads among the active map's, and the
+  // fields a first pass must walk.
+  void PlanRouteLine();
   // 0 no fault, 1 messages logged, 3 stop.
   int16_t ValidateRoute(const RouteLine& values);
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line);
@@ -258,6 +259,15 @@ class clsExchange {
   // The value of the map's field at position in routeLine_.
   void AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds, bool keep);
   RouteLine routeLine_;
+  // The fields a first pass walks, by position: those that are kept, that
+  // can fail or that count. Planned for firstPassMap_ alone.
+  std::vector<size_t> firstPassFields_;
+  const clsExchMap* firstPassMap_ = nullptr;
+  // One field of a fixed-column line into routeLine_; `raw` is the text of
+  // the field before, which a field may repeat.
+  void TakeFixedField(size_t position, const std::string& line, std::string_view& raw, bool onlyRoute);
+  std::string promptedText_;  // the room of a prompted field's text
+  std::string numberText_;    // and of an autonumber's
   // The longest output line so far and its end of line: a fixed line takes
   // its room at once rather than growing field by field.
   size_t lineRoom_ = 0;

@@ -225,6 +225,38 @@ TEST(FlatInput, AutonumbersRepeatInBothPasses) {
   EXPECT_EQ(site.shell.promptFields[0][0].name, "User1");
 }
 
+// A first pass keeps only the route and walks only the fields that can fail
+// or count, yet agrees with the whole line: the same route, read type and
+// autonumbers, and a failure on the same lines.
+TEST(FlatInput, AFirstPassAgreesWithTheWholeLine) {
+  RouteSite site;
+  auto map = FixedLayout();
+  map["Sequence"] = "A";
+  map["User1"] = "P";
+  map["Lat"] = "C,123456";
+  site.Map(map);
+  clsExchange& exchange = site.Exchange();
+  exchange.ActiveMap = std::make_unique<clsExchMap>(site.dir.path());
+  ASSERT_TRUE(exchange.ActiveMap->LoadMap("Route.hcm", kUseRoute));
+  exchange.PlanRouteLine();
+  for (const std::string& line : {FixedLine("7", 0, 11, 'W', 'm', "A", "B"),
+                                  FixedLine("8", 0, 12, 'W', 'R', "A", "B", 99999), std::string("9")}) {
+    std::vector<std::tuple<std::string, std::string, int16_t, bool>> passes;
+    for (const bool onlyRoute : {true, false}) {
+      exchange.AutoNumber = 0;
+      std::string route;
+      bool failed = false;
+      try {
+        route = TextOf(exchange.ParseRoute(line, onlyRoute)[MeterField::RouteNbr]);
+      } catch (const Failure&) {
+        failed = true;
+      }
+      passes.emplace_back(route, exchange.LastReadType, exchange.AutoNumber, failed);
+    }
+    EXPECT_EQ(passes[0], passes[1]) << line;
+  }
+}
+
 TEST(RouteDriver, AFailureInsideIsShownAndTheClosingLineFollows) {
   RouteSite site;
   site.Fixed({FixedLine("1", 1, 11, 'W', 'R', "A", "B", 5), FixedLine("1", 2, 12, 'W', 'R', "A", "B", 99999)});
