@@ -208,13 +208,19 @@ TEST(FlatInput, DelimitedQuotesTildesAndShortLines) {
             std::tuple(Value("12 MAIN, APT 2"), Value("SAY \"HI\""), Value("a,b"), Value("OAK"), Value("")));
 }
 
-TEST(FlatInput, AutonumbersRepeatInBothPasses) {
-  RouteSite site;
+// The fixed layout with an autonumbered sequence, a prompted User1 and a
+// constant in one more field.
+std::map<std::string, std::string> NumberedLayout(const std::string& field, const std::string& constant) {
   auto map = FixedLayout();
   map["Sequence"] = "A";
   map["User1"] = "P";
-  map["User2"] = "C,K1";
-  site.Map(map);
+  map[field] = "C," + constant;
+  return map;
+}
+
+TEST(FlatInput, AutonumbersRepeatInBothPasses) {
+  RouteSite site;
+  site.Map(NumberedLayout("User2", "K1"));
   site.shell.promptValues = {"ASKED"};
   site.Source({FixedLine("1", 0, 11, 'W', 'R', "A", "B"), FixedLine("1", 0, 12, 'W', 'R', "A", "B")});
   ASSERT_TRUE(site.Exchange().ConvertRoute());
@@ -230,11 +236,7 @@ TEST(FlatInput, AutonumbersRepeatInBothPasses) {
 // autonumbers, and a failure on the same lines.
 TEST(FlatInput, AFirstPassAgreesWithTheWholeLine) {
   RouteSite site;
-  auto map = FixedLayout();
-  map["Sequence"] = "A";
-  map["User1"] = "P";
-  map["Lat"] = "C,123456";
-  site.Map(map);
+  site.Map(NumberedLayout("Lat", "123456"));
   clsExchange& exchange = site.Exchange();
   exchange.ActiveMap = std::make_unique<clsExchMap>(site.dir.path());
   ASSERT_TRUE(exchange.ActiveMap->LoadMap("Route.hcm", kUseRoute));
