@@ -44,8 +44,16 @@ void clsExchange::AddValue(size_t position, const MapField& field, std::string_v
   }
   switch (field.DataType) {
     case kTypeText: routeLine_.Slot(position).SetText(trimBothEnds ? Trim(raw) : TrimRight(raw)); break;
-    case kTypeInteger: routeLine_.Set(position, Value::Integer(ToInt16(NumericPrefix(raw)))); break;
-    case kTypeLong: routeLine_.Set(position, Value::Long(ToInt32(NumericPrefix(raw)))); break;
+    case kTypeInteger: {
+      const int16_t number = ToInt16(NumericPrefix(raw));
+      routeLine_.Slot(position).SetInteger(number);
+      break;
+    }
+    case kTypeLong: {
+      const int32_t number = ToInt32(NumericPrefix(raw));
+      routeLine_.Slot(position).SetLong(number);
+      break;
+    }
     case kTypeNumber: routeLine_.Set(position, Value::Double(NumericPrefix(raw))); break;
     case kTypeDate:
     case kTypeTime: routeLine_.Slot(position).SetText(TrimRight(raw)); break;

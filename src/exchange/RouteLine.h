@@ -21,18 +21,31 @@ class RouteLine {
   void Clear(size_t fields);
   // position: the field's place in the map, from 0.
   void Set(size_t position, Value value);
-  // The field's value to be filled in place, counted as given.
-  Value& Slot(size_t position);
-  const Value& At(size_t position) const;
+  // The field's value to be filled in place, counted as given. Inline, as
+  // these run for every field of every line.
+  Value& Slot(size_t position) {
+    if (position >= values_.size()) ThrowInvalidCall();
+    filled_[position] = 1;
+    return values_[position];
+  }
+  const Value& At(size_t position) const {
+    if (position >= values_.size() || filled_[position] == 0) ThrowInvalidCall();
+    return values_[position];
+  }
   // The value of a named field: failure 5 when the map has no such field or
   // the line no value for it, as a look-up of a missing name is.
-  const Value& operator[](MeterField field) const;
+  const Value& operator[](MeterField field) const {
+    const int32_t position = positions_[IndexOf(field)];
+    if (position < 0) ThrowInvalidCall();
+    return At(static_cast<size_t>(position));
+  }
   // Whether the map's field at position is the named one.
   bool Is(size_t position, MeterField field) const {
     return positions_[IndexOf(field)] == static_cast<int32_t>(position);
   }
 
  private:
+  [[noreturn]] static void ThrowInvalidCall();
   std::array<int32_t, kMeterFieldCount> positions_{};  // -1 for a field the map lacks
   std::vector<Value> values_;
   std::vector<char> filled_;
