@@ -44,6 +44,7 @@ class KeyedCollection {
     if (at == kNone) throw Failure(fail::kInvalidCall);
     return items_[at].second;
   }
+  T& Item(std::string_view key) { return const_cast<T&>(std::as_const(*this).Item(key)); }
 
   // Position counted from 1, as the system's lists are.
   const T& Item(size_t position) const {

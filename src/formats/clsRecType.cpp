@@ -216,14 +216,6 @@ int32_t clsRecType::GetNumber(const FieldKey& key) const {
   return NumberOfField(field, slot, key.Name());
 }
 
-Value* clsRecType::FieldValue(std::string_view name) {
-  size_t slot = 0;
-  if (FindField(name, slot) == nullptr) return nullptr;
-  set_[slot] = 1;
-  pending_[slot] = 0;
-  return &values_[slot];
-}
-
 const clsField* clsRecType::FindField(const FieldKey& key, size_t& slot) const {
   if (key.Number() >= slotOfKey_.size()) slotOfKey_.resize(key.Number() + 1, 0);
   uint16_t& known = slotOfKey_[key.Number()];
@@ -236,45 +228,29 @@ const clsField* clsRecType::FindField(const FieldKey& key, size_t& slot) const {
   return &fields_[slot];
 }
 
-Value* clsRecType::FieldValue(const FieldKey& key) {
+Value& clsRecType::OtherValueToSet(std::string_view name) {
+  if (!otherValues_.Contains(name)) otherValues_.Add(std::string(name), Value());
+  return otherValues_.Item(name);
+}
+
+Value& clsRecType::ValueToSet(std::string_view name) {
   size_t slot = 0;
-  if (FindField(key, slot) == nullptr) return nullptr;
-  set_[slot] = 1;
-  pending_[slot] = 0;
-  return &values_[slot];
+  const clsField* field = FindField(name, slot);
+  return ValueToSet(field, slot, name);
 }
 
-void clsRecType::SetOther(std::string_view name, Value value) {
-  if (otherValues_.Contains(name)) {
-    otherValues_.Set(name, std::move(value));
-  } else {
-    otherValues_.Add(std::string(name), std::move(value));
-  }
+Value& clsRecType::ValueToSet(const FieldKey& key) {
+  size_t slot = 0;
+  const clsField* field = FindField(key, slot);
+  return ValueToSet(field, slot, key.Name());
 }
 
-void clsRecType::SetValue(std::string_view name, Value value) {
-  if (Value* held = FieldValue(name)) {
-    *held = std::move(value);
-  } else {
-    SetOther(name, std::move(value));
-  }
-}
-
-void clsRecType::SetText(std::string_view name, std::string_view text) {
-  if (Value* held = FieldValue(name)) {
-    held->SetText(text);
-  } else {
-    SetOther(name, Value(std::string(text)));
-  }
-}
-
-void clsRecType::SetLong(std::string_view name, int32_t number) {
-  if (Value* held = FieldValue(name)) {
-    held->SetLong(number);
-  } else {
-    SetOther(name, Value::Long(number));
-  }
-}
+void clsRecType::SetValue(std::string_view name, Value value) { ValueToSet(name) = std::move(value); }
+void clsRecType::SetText(std::string_view name, std::string_view text) { ValueToSet(name).SetText(text); }
+void clsRecType::SetLong(std::string_view name, int32_t number) { ValueToSet(name).SetLong(number); }
+void clsRecType::SetValue(const FieldKey& key, Value value) { ValueToSet(key) = std::move(value); }
+void clsRecType::SetText(const FieldKey& key, std::string_view text) { ValueToSet(key).SetText(text); }
+void clsRecType::SetLong(const FieldKey& key, int32_t number) { ValueToSet(key).SetLong(number); }
 
 bool clsRecType::Init() {
   ClearValues();
@@ -305,30 +281,6 @@ std::string clsRecType::Buffer(int16_t length) const {
   }
   line.resize(std::max(end, padded));
   return line;
-}
-
-void clsRecType::SetValue(const FieldKey& key, Value value) {
-  if (Value* held = FieldValue(key)) {
-    *held = std::move(value);
-  } else {
-    SetOther(key.Name(), std::move(value));
-  }
-}
-
-void clsRecType::SetText(const FieldKey& key, std::string_view text) {
-  if (Value* held = FieldValue(key)) {
-    held->SetText(text);
-  } else {
-    SetOther(key.Name(), Value(std::string(text)));
-  }
-}
-
-void clsRecType::SetLong(const FieldKey& key, int32_t number) {
-  if (Value* held = FieldValue(key)) {
-    held->SetLong(number);
-  } else {
-    SetOther(key.Name(), Value::Long(number));
-  }
 }
 
 }  // namespace hifx

@@ -118,11 +118,17 @@ class clsRecType {
     if (pending_[slot] != 0) TakeFromLine(slot);
   }
   void TakeFromLine(size_t slot) const;
-  // The value of the field of that name, marked as set; null when no field
-  // has the name, and the value goes to SetOther.
-  Value* FieldValue(std::string_view name);
-  void SetOther(std::string_view name, Value value);
-  Value* FieldValue(const FieldKey& key);
+  // The value a set writes over: the field's, marked as set, or when no
+  // field has the name the one kept under it aside, empty when new.
+  Value& ValueToSet(const clsField* field, size_t slot, std::string_view name) {
+    if (field == nullptr) return OtherValueToSet(name);
+    set_[slot] = 1;
+    pending_[slot] = 0;
+    return values_[slot];
+  }
+  [[gnu::noinline]] Value& OtherValueToSet(std::string_view name);
+  Value& ValueToSet(std::string_view name);
+  Value& ValueToSet(const FieldKey& key);
   // The slot of each key's field, by key number: 0 not looked for yet,
   // kNoField for a key no field has, else the slot + 1.
   static constexpr uint16_t kNoField = UINT16_MAX;
