@@ -65,8 +65,9 @@ void RecordLineWriter::Finish() {
 void RecordLineWriter::Write(clsRecType& record, int16_t width) {
   if (!file_) throw Failure(fail::kBadFileName);
   record.SetValue("RecID", Value(record.IDText));
-  file_->Write(record.Buffer(width));
-  file_->Write("\r\n");
+  record.Buffer(width, line_);
+  line_ += "\r\n";
+  file_->Write(line_);
 }
 
 }  // namespace hifx

@@ -53,6 +53,7 @@ class RecordLineWriter {
   void Release() noexcept;
 
   std::unique_ptr<OutputFile> file_;
+  std::string line_;  // the line being written, kept for its room
 };
 
 }  // namespace hifx

@@ -138,33 +138,46 @@ std::string clsField::FieldText(const Value& value, IShell* shell) const {
 }
 
 void clsField::Render(char* columns, const Value& value, IShell* shell) const {
-  const auto length = static_cast<size_t>(Length);
-  auto put = [columns, length](std::string_view text) {
-    const size_t used = std::min(text.size(), length);
-    std::copy_n(text.data(), used, columns);
-    std::fill(columns + used, columns + length, ' ');
-  };
+  const auto put = [this, columns](std::string_view text) { PutText(columns, text); };
   const ValueKind kind = value.Kind();
   if (kind == ValueKind::Text && (FieldType == fldText || (FieldType == fldTime && (Length == 4 || Length == 6)))) {
     put(value.Text());  // a text goes straight in
   } else if ((FieldType == fldZeroNumber || FieldType == fldInteger) &&
              (kind == ValueKind::Long || kind == ValueKind::Integer)) {
-    // A whole number: zeros to the width, the sign in front, cut to the field.
-    const int32_t number = value.ToInt32();
-    char digits[32];
-    char* at = digits + sizeof digits;
-    uint64_t n = number < 0 ? 0 - static_cast<uint64_t>(static_cast<int64_t>(number)) : static_cast<uint64_t>(number);
-    size_t written = 0;
-    do {
-      *--at = static_cast<char>('0' + n % 10);
-      n /= 10;
-      ++written;
-    } while ((n > 0 || written < length) && at > digits + 1);
-    if (number < 0) *--at = '-';
-    put(std::string_view(at, static_cast<size_t>(digits + sizeof digits - at)));
+    RenderWhole(columns, value.ToInt32());
   } else {
     put(FieldText(value, shell));
   }
+}
+
+void clsField::RenderWhole(char* columns, int32_t number) const {
+  const auto length = static_cast<size_t>(Length);
+  if (number >= 0) {
+    // Most numbers fit: their digits from the right, zeros in front.
+    char* at = columns + length;
+    auto n = static_cast<uint32_t>(number);
+    while (at > columns) {
+      *--at = static_cast<char>('0' + n % 10);
+      n /= 10;
+      if (n == 0) break;
+    }
+    if (n == 0) {
+      std::fill(columns, at, '0');
+      return;
+    }
+  }
+  // Zeros to the width, the sign in front, cut to the field.
+  char digits[32];
+  char* at = digits + sizeof digits;
+  uint64_t n = number < 0 ? 0 - static_cast<uint64_t>(static_cast<int64_t>(number)) : static_cast<uint64_t>(number);
+  size_t written = 0;
+  do {
+    *--at = static_cast<char>('0' + n % 10);
+    n /= 10;
+    ++written;
+  } while ((n > 0 || written < length) && at > digits + 1);
+  if (number < 0) *--at = '-';
+  PutText(columns, std::string_view(at, static_cast<size_t>(digits + sizeof digits - at)));
 }
 
 void clsField::Insert(std::string& buffer, const Value& value, IShell* shell) const {

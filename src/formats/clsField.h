@@ -2,6 +2,7 @@
 // type that says how its text reads into a value and how a value is written.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -47,6 +48,16 @@ class clsField {
   void Insert(std::string& buffer, const Value& value, IShell* shell = nullptr) const;
   // The field's text for the value, fitted to its Length columns at `columns`.
   void Render(char* columns, const Value& value, IShell* shell = nullptr) const;
+  // A text in the field's columns at `columns`, cut to them or padded with
+  // blanks.
+  void PutText(char* columns, std::string_view text) const {
+    const auto length = static_cast<size_t>(Length);
+    const size_t used = std::min(text.size(), length);
+    std::copy_n(text.data(), used, columns);
+    std::fill(columns + used, columns + length, ' ');
+  }
+  // Render of a whole number into a zero-filled number or Integer field.
+  void RenderWhole(char* columns, int32_t number) const;
 
  private:
   std::string FieldText(const Value& value, IShell* shell) const;

@@ -64,8 +64,44 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   table_[at] = static_cast<uint16_t>(fields_.size());
   slotOfKey_.clear();  // a key no field had may have one now
   values_.emplace_back();
-  set_.push_back(0);
-  pending_.push_back(0);
+  state_.push_back(kUnset);
+  textLength_.push_back(0);
+  placement_.push_back(kOnBuild);
+  stop_.push_back(0);
+  PlanColumns();
+}
+
+void clsRecType::PlanColumns() {
+  for (size_t slot = 0; slot < fields_.size(); ++slot) {
+    if (state_[slot] == kTextInLine) TakeValue(slot);
+    if (state_[slot] == kRendered) state_[slot] = kValue;
+  }
+  std::vector<std::pair<int32_t, int32_t>> spans;  // first column, past the last
+  bool usable = true;
+  for (const clsField& field : fields_) {
+    usable = usable && field.Start >= 1 && field.Length >= 0;
+    spans.emplace_back(field.Start, field.Start + field.Length);
+  }
+  std::sort(spans.begin(), spans.end());
+  int32_t width = std::max<int32_t>(recLen_, 0) + 1;
+  int32_t reach = 0;  // past the last column of the fields so far
+  for (const auto& [first, past] : spans) {
+    if (first < past && first < reach) usable = false;  // two fields share a column
+    reach = std::max(reach, past);
+  }
+  width = std::max(width, reach);
+  for (size_t slot = 0; slot < fields_.size(); ++slot) {
+    const clsField& field = fields_[slot];
+    const bool timeAsText = field.FieldType == fldTime && (field.Length == 4 || field.Length == 6);
+    const bool whole = field.FieldType == fldZeroNumber || field.FieldType == fldInteger;
+    placement_[slot] = !usable                                    ? kOnBuild
+                       : field.FieldType == fldText || timeAsText ? kTextAtSet
+                       : whole                                    ? kWholeAtSet
+                                                                  : kOnBuild;
+    stop_[slot] = field.Start >= 1 && field.Length >= 0 ? static_cast<size_t>(field.Start - 1 + field.Length) : 0;
+  }
+  line_.assign(usable ? static_cast<size_t>(width - 1) : 0, ' ');
+  lineWritten_ = false;
 }
 
 void clsRecType::ClearFields() {
@@ -76,13 +112,20 @@ void clsRecType::ClearFields() {
   hitCount_ = 0;
   slotOfKey_.clear();
   values_.clear();
-  set_.clear();
-  pending_.clear();
+  state_.clear();
+  textLength_.clear();
+  placement_.clear();
+  stop_.clear();
+  line_.clear();
+  lineWritten_ = false;
 }
 
 void clsRecType::ClearValues() {
-  std::fill(set_.begin(), set_.end(), uint8_t{0});
-  std::fill(pending_.begin(), pending_.end(), uint8_t{0});
+  std::fill(state_.begin(), state_.end(), uint8_t{kUnset});
+  if (lineWritten_) {
+    std::fill(line_.begin(), line_.end(), ' ');
+    lineWritten_ = false;
+  }
   if (otherValues_.Count() > 0) otherValues_ = KeyedCollection<Value>();
 }
 
@@ -92,7 +135,7 @@ void clsRecType::Parse(std::string_view line) {
   // Every field has a value from now on; each is taken from the line when
   // first asked for.
   parsedLine_.assign(line);
-  std::fill(pending_.begin(), pending_.end(), uint8_t{1});
+  std::fill(state_.begin(), state_.end(), uint8_t{kPending});
 }
 
 std::string clsRecType::Dump() const {
@@ -146,31 +189,35 @@ const clsField* clsRecType::FindFieldByName(std::string_view name, size_t& slot,
   }
 }
 
-void clsRecType::TakeFromLine(size_t slot) const {
-  values_[slot] = fields_[slot].Extract(parsedLine_, shell_);
-  set_[slot] = 1;
-  pending_[slot] = 0;
+void clsRecType::TakeValue(size_t slot) const {
+  if (state_[slot] == kPending) {
+    values_[slot] = fields_[slot].Extract(parsedLine_, shell_);
+  } else {
+    values_[slot].SetText(TextInLine(slot));
+  }
+  state_[slot] = state_[slot] == kPending ? kValue : kRendered;
 }
 
 const Value& clsRecType::ValueOf(const clsField* field, size_t slot, std::string_view name) const {
   static const Value kNone;
   if (field != nullptr) {
     Materialize(slot);
-    return set_[slot] != 0 ? values_[slot] : kNone;
+    return state_[slot] != kUnset ? values_[slot] : kNone;
   }
   return otherValues_.Contains(name) ? otherValues_.Item(name) : kNone;
 }
 
 std::string clsRecType::TextOfField(const clsField* field, size_t slot, std::string_view name) const {
-  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldText) {
+  if (field != nullptr && state_[slot] == kPending && field->FieldType == fldText) {
     return std::string(field->Columns(parsedLine_));
   }
+  if (field != nullptr && state_[slot] == kTextInLine) return std::string(TextInLine(slot));
   const Value& value = ValueOf(field, slot, name);
   return value.IsText() ? value.Text() : TextOf(value);
 }
 
 int32_t clsRecType::NumberOfField(const clsField* field, size_t slot, std::string_view name) const {
-  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldZeroNumber) {
+  if (field != nullptr && state_[slot] == kPending && field->FieldType == fldZeroNumber) {
     return clsField::LeadingNumber(field->Columns(parsedLine_));
   }
   return NumberOf(ValueOf(field, slot, name));
@@ -197,8 +244,10 @@ std::string clsRecType::GetText(const FieldKey& key) const {
 void clsRecType::GetText(const FieldKey& key, std::string& into) const {
   size_t slot = 0;
   const clsField* field = FindField(key, slot);
-  if (field != nullptr && pending_[slot] != 0 && field->FieldType == fldText) {
+  if (field != nullptr && state_[slot] == kPending && field->FieldType == fldText) {
     into.assign(field->Columns(parsedLine_));
+  } else if (field != nullptr && state_[slot] == kTextInLine) {
+    into.assign(TextInLine(slot));
   } else {
     into = TextOfField(field, slot, key.Name());
   }
@@ -233,24 +282,97 @@ Value& clsRecType::OtherValueToSet(std::string_view name) {
   return otherValues_.Item(name);
 }
 
-Value& clsRecType::ValueToSet(std::string_view name) {
+namespace {
+
+// A text of digits only that a zero-filled number field shows as it is,
+// with zeros in front: its number is exact and no wider than the field.
+bool IsPlainDigits(std::string_view text, int16_t width) {
+  if (text.empty() || text.size() > static_cast<size_t>(width) || width > 15) return false;
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+}  // namespace
+
+void clsRecType::SetTextOf(const clsField* field, size_t slot, std::string_view name, std::string_view text) {
+  if (field == nullptr || placement_[slot] == kOnBuild ||
+      (placement_[slot] == kWholeAtSet && !IsPlainDigits(text, field->Length))) {
+    ValueToSet(field, slot, name).SetText(text);
+    return;
+  }
+  char* columns = line_.data() + (field->Start - 1);
+  const auto width = static_cast<size_t>(field->Length);
+  if (placement_[slot] == kWholeAtSet) {
+    std::fill(columns, columns + (width - text.size()), '0');
+    std::copy_n(text.data(), text.size(), columns + (width - text.size()));
+  } else {
+    field->PutText(columns, text);
+  }
+  lineWritten_ = true;
+  // A text that stands whole at the start of its columns is read back from
+  // them; a number's digits stand so only when they fill the field.
+  if (text.size() <= width && (placement_[slot] == kTextAtSet || text.size() == width)) {
+    state_[slot] = kTextInLine;
+    textLength_[slot] = static_cast<uint16_t>(text.size());
+  } else {
+    values_[slot].SetText(text);  // not as its columns show it: kept apart
+    state_[slot] = kRendered;
+  }
+}
+
+void clsRecType::SetLongOf(const clsField* field, size_t slot, std::string_view name, int32_t number) {
+  ValueToSet(field, slot, name).SetLong(number);
+  if (field == nullptr || placement_[slot] != kWholeAtSet) return;
+  field->RenderWhole(line_.data() + (field->Start - 1), number);
+  lineWritten_ = true;
+  state_[slot] = kRendered;
+}
+
+void clsRecType::SetValueOf(const clsField* field, size_t slot, std::string_view name, Value value) {
+  int32_t number = 0;
+  if (field != nullptr && value.IsText()) {
+    SetTextOf(field, slot, name, value.Text());
+  } else if (field != nullptr && value.Kind() == ValueKind::Long && value.IsWholeNumber(number)) {
+    SetLongOf(field, slot, name, number);
+  } else {
+    ValueToSet(field, slot, name) = std::move(value);
+  }
+}
+
+void clsRecType::SetValue(std::string_view name, Value value) {
   size_t slot = 0;
   const clsField* field = FindField(name, slot);
-  return ValueToSet(field, slot, name);
+  SetValueOf(field, slot, name, std::move(value));
 }
 
-Value& clsRecType::ValueToSet(const FieldKey& key) {
+void clsRecType::SetText(std::string_view name, std::string_view text) {
+  size_t slot = 0;
+  const clsField* field = FindField(name, slot);
+  SetTextOf(field, slot, name, text);
+}
+
+void clsRecType::SetLong(std::string_view name, int32_t number) {
+  size_t slot = 0;
+  const clsField* field = FindField(name, slot);
+  SetLongOf(field, slot, name, number);
+}
+
+void clsRecType::SetValue(const FieldKey& key, Value value) {
   size_t slot = 0;
   const clsField* field = FindField(key, slot);
-  return ValueToSet(field, slot, key.Name());
+  SetValueOf(field, slot, key.Name(), std::move(value));
 }
 
-void clsRecType::SetValue(std::string_view name, Value value) { ValueToSet(name) = std::move(value); }
-void clsRecType::SetText(std::string_view name, std::string_view text) { ValueToSet(name).SetText(text); }
-void clsRecType::SetLong(std::string_view name, int32_t number) { ValueToSet(name).SetLong(number); }
-void clsRecType::SetValue(const FieldKey& key, Value value) { ValueToSet(key) = std::move(value); }
-void clsRecType::SetText(const FieldKey& key, std::string_view text) { ValueToSet(key).SetText(text); }
-void clsRecType::SetLong(const FieldKey& key, int32_t number) { ValueToSet(key).SetLong(number); }
+void clsRecType::SetText(const FieldKey& key, std::string_view text) {
+  size_t slot = 0;
+  const clsField* field = FindField(key, slot);
+  SetTextOf(field, slot, key.Name(), text);
+}
+
+void clsRecType::SetLong(const FieldKey& key, int32_t number) {
+  size_t slot = 0;
+  const clsField* field = FindField(key, slot);
+  SetLongOf(field, slot, key.Name(), number);
+}
 
 bool clsRecType::Init() {
   ClearValues();
@@ -258,29 +380,40 @@ bool clsRecType::Init() {
 }
 
 std::string clsRecType::Buffer(int16_t length) const {
-  // Blanks as wide as the record, the fields written over them, and the line
-  // cut back to the end of the last field written.
+  std::string line;
+  Buffer(length, line);
+  return line;
+}
+
+void clsRecType::Buffer(int16_t length, std::string& line) const {
+  // The line as the sets wrote it, the other fields written over it, and
+  // the line cut back to the end of the last field set, but never below
+  // the width asked for.
   const size_t padded = length >= 1 ? static_cast<size_t>(length) : 0;
-  std::string line(std::max<size_t>(static_cast<size_t>(std::max<int16_t>(recLen_, 0)), padded), ' ');
+  line.assign(line_);
+  if (line.size() < padded) line.resize(padded, ' ');
   size_t end = 0;
   try {
     for (size_t i = 0; i < fields_.size(); ++i) {
-      Materialize(i);
-      if (set_[i] == 0) continue;
-      const clsField& field = fields_[i];
-      if (field.Start < 1 || field.Length < 0) throw Failure(fail::kInvalidCall);
-      const auto start = static_cast<size_t>(field.Start - 1);
-      const size_t stop = start + static_cast<size_t>(field.Length);
-      if (line.size() < stop) line.resize(stop, ' ');
-      field.Render(line.data() + start, values_[i], shell_);
-      end = std::max(end, stop);
+      const uint8_t state = state_[i];
+      if (state == kUnset) continue;
+      end = std::max(end, stop_[i]);
+      if (state != kRendered && state != kTextInLine) BuildField(i, line);
     }
   } catch (const Failure& failure) {
     if (shell_ != nullptr) shell_->MsgBox(failure.Description());
-    return {};
+    line.clear();
+    return;
   }
   line.resize(std::max(end, padded));
-  return line;
+}
+
+void clsRecType::BuildField(size_t slot, std::string& line) const {
+  Materialize(slot);
+  const clsField& field = fields_[slot];
+  if (field.Start < 1 || field.Length < 0) throw Failure(fail::kInvalidCall);
+  if (line.size() < stop_[slot]) line.resize(stop_[slot], ' ');
+  field.Render(line.data() + (field.Start - 1), values_[slot], shell_);
 }
 
 }  // namespace hifx

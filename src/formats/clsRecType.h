@@ -77,6 +77,8 @@ class clsRecType {
   // cut. Fields without a value are skipped; a failure is shown and gives an
   // empty text.
   std::string Buffer(int16_t length) const;
+  // The same written over `line`, which keeps its room.
+  void Buffer(int16_t length, std::string& line) const;
 
   const std::vector<clsField>& Fields() const { return fields_; }
 
@@ -113,31 +115,55 @@ class clsRecType {
   // The search behind FindField when the address isn't remembered, kept
   // apart so that the remembered case stays short.
   [[gnu::noinline]] const clsField* FindFieldByName(std::string_view name, size_t& slot, NameHit* hit) const;
-  // Values of a parsed line are taken from it when first asked for.
+  // Where a field's value stands. A kind whose fields are all usable and
+  // apart has its texts and whole numbers written into the line as they are
+  // set, so that building the line only copies it.
+  enum State : uint8_t {
+    kUnset,       // no value since the clear
+    kValue,       // the value is kept; its columns are written when built
+    kPending,     // parsed: the value is taken from the line when asked for
+    kRendered,    // the value is kept and its columns written already
+    kTextInLine,  // a text that stands whole in its columns, first bytes on
+  };
+  enum Placement : uint8_t { kOnBuild, kTextAtSet, kWholeAtSet };
   void Materialize(size_t slot) const {
-    if (pending_[slot] != 0) TakeFromLine(slot);
+    if (state_[slot] == kPending || state_[slot] == kTextInLine) TakeValue(slot);
   }
-  void TakeFromLine(size_t slot) const;
+  void TakeValue(size_t slot) const;
+  std::string_view TextInLine(size_t slot) const {
+    return std::string_view(line_).substr(static_cast<size_t>(fields_[slot].Start - 1), textLength_[slot]);
+  }
+  // Decides which fields are written as they are set, after the fields
+  // changed; values written so far are kept as values.
+  void PlanColumns();
   // The value a set writes over: the field's, marked as set, or when no
   // field has the name the one kept under it aside, empty when new.
   Value& ValueToSet(const clsField* field, size_t slot, std::string_view name) {
     if (field == nullptr) return OtherValueToSet(name);
-    set_[slot] = 1;
-    pending_[slot] = 0;
+    state_[slot] = kValue;
     return values_[slot];
   }
   [[gnu::noinline]] Value& OtherValueToSet(std::string_view name);
-  Value& ValueToSet(std::string_view name);
-  Value& ValueToSet(const FieldKey& key);
+  void SetTextOf(const clsField* field, size_t slot, std::string_view name, std::string_view text);
+  void SetLongOf(const clsField* field, size_t slot, std::string_view name, int32_t number);
+  void SetValueOf(const clsField* field, size_t slot, std::string_view name, Value value);
+  // A field of a value kept, or of a parsed line, written into the line.
+  void BuildField(size_t slot, std::string& line) const;
   // The slot of each key's field, by key number: 0 not looked for yet,
   // kNoField for a key no field has, else the slot + 1.
   static constexpr uint16_t kNoField = UINT16_MAX;
   mutable std::vector<uint16_t> slotOfKey_;
-  // One a field, in field order; a value counts only while its field is
-  // set, and keeps its room when cleared.
+  // One a field, in field order; a value counts only by its state, and
+  // keeps its room when cleared.
   mutable std::vector<Value> values_;
-  mutable std::vector<uint8_t> set_;      // the field has a value
-  mutable std::vector<uint8_t> pending_;  // parsed but not yet taken
+  mutable std::vector<uint8_t> state_;
+  std::vector<uint16_t> textLength_;  // of a kTextInLine field
+  std::vector<uint8_t> placement_;
+  std::vector<size_t> stop_;  // past the field's last column, from 0
+  // The line as the fields written at set time make it, blank elsewhere, as
+  // wide as the record and its furthest field.
+  std::string line_;
+  bool lineWritten_ = false;
   std::string parsedLine_;
   KeyedCollection<Value> otherValues_;        // set under names no field has
 };

@@ -2,7 +2,9 @@
 // how a record type parses and builds whole lines.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <map>
 #include <variant>
 #include <vector>
 
@@ -218,6 +220,97 @@ TEST(RecordEngine, TextsAndLongsAreSetOverTheValuesBefore) {
   inPlace.SetLong("Another", 2);
   EXPECT_EQ(inPlace.GetValue("OTHER"), Value("x"));
   EXPECT_EQ(inPlace.GetValue("another"), Value::Long(2));
+}
+
+// The line as each field's last value makes it, written in field order over
+// blanks: how a line is built, however its values were set.
+std::string LineOfValues(const clsRecType& type, const std::vector<std::pair<std::string, Value>>& sets,
+                         int16_t width) {
+  std::string line(static_cast<size_t>(width), ' ');
+  size_t end = 0;
+  for (const clsField& field : type.Fields()) {
+    const Value* last = nullptr;
+    for (const auto& [name, value] : sets) {
+      if (EqualsCaseBlind(name, field.FieldName)) last = &value;
+    }
+    if (last == nullptr) continue;
+    field.Insert(line, *last);
+    end = std::max(end, static_cast<size_t>(field.Start - 1 + field.Length));
+  }
+  line.resize(std::max(end, static_cast<size_t>(width)));
+  return line;
+}
+
+// Texts and whole numbers are written into the line as they are set, in a
+// kind whose fields lie apart; the line and the values read back are those
+// of the values set, in any order, over a parse, and after the kind gains a
+// field. Fields that share columns are written in field order.
+TEST(RecordEngine, ALineWrittenAsItIsSetIsTheLineOfItsValues) {
+  const auto mixed = [] {
+    clsRecType type;
+    type.AddField("RecID", fldText, 0, 3);
+    type.AddField("Name", fldText, 0, 6);
+    type.AddField("Count", fldZeroNumber, 0, 4);
+    type.AddField("Small", fldInteger, 0, 3);
+    type.AddField("At", fldTime, 0, 4);
+    type.AddField("On", fldDate, 0, 8);
+    type.AddField("Rate", fldLong, 0, 5);
+    return type;
+  };
+  clsRecType sharing = mixed();
+  sharing.AddField("Over", fldText, 5, 4);  // over Name and Count
+  using Sets = std::vector<std::pair<std::string, Value>>;
+  const std::vector<std::pair<std::string, Sets>> cases = {
+      {"every kind of value",
+       {{"RecID", "MTR"},
+        {"Name", "AB"},
+        {"Count", Value::Long(42)},
+        {"Small", Value::Long(-7)},
+        {"At", "1230"},
+        {"On", Value::Date(45000)},
+        {"Rate", Value::Long(12)}}},
+      {"texts wider than their columns", {{"Name", "ABCDEFGHI"}, {"At", "123456"}, {"RecID", ""}}},
+      {"digits in number fields",
+       {{"Count", "5"}, {"Small", "123"}, {"Count", "0042"}, {"Small", "12x"}, {"Count", "12345"}}},
+      {"numbers too wide, or below zero", {{"Count", Value::Long(123456)}, {"Small", Value::Long(-99)}}},
+      {"later sets stand over earlier",
+       {{"Name", "FIRST"},
+        {"Name", Value::Long(3)},
+        {"Count", Value::Long(9)},
+        {"Count", Value::Double(2.5)},
+        {"Small", "x"},
+        {"Small", Value::Long(8)},
+        {"Over", "OVER"},
+        {"Name", "LAST"}}},
+  };
+  for (const auto& [label, sets] : cases) {
+    for (clsRecType type : {mixed(), sharing}) {
+      const size_t fields = type.Fields().size();
+      type.Parse("XYZparsed0012");  // the sets stand over every parsed field
+      type.Init();
+      std::map<std::string, Value> last;
+      for (const auto& [name, value] : sets) {
+        if (value.IsText()) {
+          type.SetText(name, value.Text());
+        } else if (value.Kind() == ValueKind::Long) {
+          type.SetLong(name, value.ToInt32());
+        } else {
+          type.SetValue(name, value);
+        }
+        last[name] = value;
+      }
+      EXPECT_EQ(type.Buffer(30), LineOfValues(type, sets, 30)) << label << ", fields " << fields;
+      clsRecType grown = type;
+      grown.AddField("Later", fldText, 0, 2);  // the values stay, and the line
+      EXPECT_EQ(grown.Buffer(30), LineOfValues(grown, sets, 30)) << label << ", a field added";
+      for (const clsRecType* kind : {&type, &grown}) {
+        for (const auto& [name, value] : last) EXPECT_EQ(kind->GetValue(name), value) << label << ": " << name;
+      }
+      std::string text;
+      type.GetText(Key<"Name">(), text);
+      EXPECT_EQ(text, type.GetText("Name")) << label;
+    }
+  }
 }
 
 // A key finds the field of its name in each line kind apart, and a field a
