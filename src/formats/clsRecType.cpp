@@ -1,6 +1,7 @@
 #include "formats/clsRecType.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "base/Failure.h"
@@ -55,10 +56,10 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
   field.Start = start == 0 ? static_cast<int16_t>(recLen_ + 1) : start;
   field.Length = length;
   recLen_ = static_cast<int16_t>(recLen_ + length);
+  if (fields_.size() >= kMaxFields) throw Failure(fail::kOutOfMemory);
   const uint32_t signature = Signature(field.FieldName);
   signatures_.push_back(signature);
   fields_.push_back(std::move(field));
-  if (fields_.size() > kTableSize / 2) throw Failure(fail::kOutOfMemory);
   size_t at = SlotOf(signature);
   while (table_[at] != 0) at = (at + 1) & (kTableSize - 1);
   table_[at] = static_cast<uint16_t>(fields_.size());
@@ -74,7 +75,7 @@ void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t star
 void clsRecType::PlanColumns() {
   for (size_t slot = 0; slot < fields_.size(); ++slot) {
     if (state_[slot] == kTextInLine) TakeValue(slot);
-    if (state_[slot] == kRendered) state_[slot] = kValue;
+    if (state_[slot] == kRendered) MarkSet(slot, kValue);
   }
   std::vector<std::pair<int32_t, int32_t>> spans;  // first column, past the last
   bool usable = true;
@@ -100,6 +101,7 @@ void clsRecType::PlanColumns() {
                                                                   : kOnBuild;
     stop_[slot] = field.Start >= 1 && field.Length >= 0 ? static_cast<size_t>(field.Start - 1 + field.Length) : 0;
   }
+  everyStop_ = fields_.empty() ? 0 : *std::max_element(stop_.begin(), stop_.end());
   line_.assign(usable ? static_cast<size_t>(width - 1) : 0, ' ');
   lineWritten_ = false;
 }
@@ -118,10 +120,15 @@ void clsRecType::ClearFields() {
   stop_.clear();
   line_.clear();
   lineWritten_ = false;
+  toBuild_ = 0;
+  end_ = 0;
+  everyStop_ = 0;
 }
 
 void clsRecType::ClearValues() {
   std::fill(state_.begin(), state_.end(), uint8_t{kUnset});
+  toBuild_ = 0;
+  end_ = 0;
   if (lineWritten_) {
     std::fill(line_.begin(), line_.end(), ' ');
     lineWritten_ = false;
@@ -136,6 +143,8 @@ void clsRecType::Parse(std::string_view line) {
   // first asked for.
   parsedLine_.assign(line);
   std::fill(state_.begin(), state_.end(), uint8_t{kPending});
+  toBuild_ = fields_.size() == kMaxFields ? ~uint64_t{0} : (uint64_t{1} << fields_.size()) - 1;
+  end_ = everyStop_;
 }
 
 std::string clsRecType::Dump() const {
@@ -195,7 +204,7 @@ void clsRecType::TakeValue(size_t slot) const {
   } else {
     values_[slot].SetText(TextInLine(slot));
   }
-  state_[slot] = state_[slot] == kPending ? kValue : kRendered;
+  MarkSet(slot, state_[slot] == kPending ? kValue : kRendered);
 }
 
 const Value& clsRecType::ValueOf(const clsField* field, size_t slot, std::string_view name) const {
@@ -311,11 +320,11 @@ void clsRecType::SetTextOf(const clsField* field, size_t slot, std::string_view 
   // A text that stands whole at the start of its columns is read back from
   // them; a number's digits stand so only when they fill the field.
   if (text.size() <= width && (placement_[slot] == kTextAtSet || text.size() == width)) {
-    state_[slot] = kTextInLine;
     textLength_[slot] = static_cast<uint16_t>(text.size());
+    MarkSet(slot, kTextInLine);
   } else {
     values_[slot].SetText(text);  // not as its columns show it: kept apart
-    state_[slot] = kRendered;
+    MarkSet(slot, kRendered);
   }
 }
 
@@ -324,7 +333,7 @@ void clsRecType::SetLongOf(const clsField* field, size_t slot, std::string_view 
   if (field == nullptr || placement_[slot] != kWholeAtSet) return;
   field->RenderWhole(line_.data() + (field->Start - 1), number);
   lineWritten_ = true;
-  state_[slot] = kRendered;
+  MarkSet(slot, kRendered);
 }
 
 void clsRecType::SetValueOf(const clsField* field, size_t slot, std::string_view name, Value value) {
@@ -347,7 +356,7 @@ void clsRecType::SetValue(std::string_view name, Value value) {
 void clsRecType::SetText(std::string_view name, std::string_view text) {
   size_t slot = 0;
   const clsField* field = FindField(name, slot);
-  SetTextOf(field, slot, name, text);
+  if (!SetTextIntoBlank(field, slot, text)) SetTextOf(field, slot, name, text);
 }
 
 void clsRecType::SetLong(std::string_view name, int32_t number) {
@@ -365,7 +374,7 @@ void clsRecType::SetValue(const FieldKey& key, Value value) {
 void clsRecType::SetText(const FieldKey& key, std::string_view text) {
   size_t slot = 0;
   const clsField* field = FindField(key, slot);
-  SetTextOf(field, slot, key.Name(), text);
+  if (!SetTextIntoBlank(field, slot, text)) SetTextOf(field, slot, key.Name(), text);
 }
 
 void clsRecType::SetLong(const FieldKey& key, int32_t number) {
@@ -392,20 +401,17 @@ void clsRecType::Buffer(int16_t length, std::string& line) const {
   const size_t padded = length >= 1 ? static_cast<size_t>(length) : 0;
   line.assign(line_);
   if (line.size() < padded) line.resize(padded, ' ');
-  size_t end = 0;
   try {
-    for (size_t i = 0; i < fields_.size(); ++i) {
-      const uint8_t state = state_[i];
-      if (state == kUnset) continue;
-      end = std::max(end, stop_[i]);
-      if (state != kRendered && state != kTextInLine) BuildField(i, line);
+    // In field order, so that of two fields sharing columns the later stands.
+    for (uint64_t slots = toBuild_; slots != 0; slots &= slots - 1) {
+      BuildField(static_cast<size_t>(std::countr_zero(slots)), line);
     }
   } catch (const Failure& failure) {
     if (shell_ != nullptr) shell_->MsgBox(failure.Description());
     line.clear();
     return;
   }
-  line.resize(std::max(end, padded));
+  line.resize(std::max(end_, padded));
 }
 
 void clsRecType::BuildField(size_t slot, std::string& line) const {

@@ -3,6 +3,7 @@
 // every line; conversions then work by field name only.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -140,11 +141,33 @@ class clsRecType {
   // field has the name the one kept under it aside, empty when new.
   Value& ValueToSet(const clsField* field, size_t slot, std::string_view name) {
     if (field == nullptr) return OtherValueToSet(name);
-    state_[slot] = kValue;
+    MarkSet(slot, kValue);
     return values_[slot];
+  }
+  // A field's value now stands as `state` says; the line reaches its end.
+  void MarkSet(size_t slot, State state) const {
+    state_[slot] = state;
+    end_ = std::max(end_, stop_[slot]);
+    const uint64_t bit = uint64_t{1} << slot;
+    toBuild_ = state == kValue || state == kPending ? toBuild_ | bit : toBuild_ & ~bit;
   }
   [[gnu::noinline]] Value& OtherValueToSet(std::string_view name);
   void SetTextOf(const clsField* field, size_t slot, std::string_view name, std::string_view text);
+  // The set a writer makes most: a text that fits into a text field not set
+  // since the clear, whose columns are still blank. False, with nothing
+  // done, for any other.
+  bool SetTextIntoBlank(const clsField* field, size_t slot, std::string_view text) {
+    if (field == nullptr || placement_[slot] != kTextAtSet || state_[slot] != kUnset ||
+        text.size() > static_cast<size_t>(field->Length)) {
+      return false;
+    }
+    std::copy_n(text.data(), text.size(), line_.data() + (field->Start - 1));
+    lineWritten_ = true;
+    textLength_[slot] = static_cast<uint16_t>(text.size());
+    state_[slot] = kTextInLine;
+    end_ = std::max(end_, stop_[slot]);
+    return true;
+  }
   void SetLongOf(const clsField* field, size_t slot, std::string_view name, int32_t number);
   void SetValueOf(const clsField* field, size_t slot, std::string_view name, Value value);
   // A field of a value kept, or of a parsed line, written into the line.
@@ -164,6 +187,13 @@ class clsRecType {
   // wide as the record and its furthest field.
   std::string line_;
   bool lineWritten_ = false;
+  // The fields that building the line renders, one bit a slot, and the end
+  // of the furthest field set since the clear.
+  static constexpr size_t kMaxFields = 64;
+  static_assert(kMaxFields <= kTableSize / 2, "the name table stays half empty");
+  mutable uint64_t toBuild_ = 0;
+  mutable size_t end_ = 0;
+  size_t everyStop_ = 0;  // the end of the furthest field of all
   std::string parsedLine_;
   KeyedCollection<Value> otherValues_;        // set under names no field has
 };
