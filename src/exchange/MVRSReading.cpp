@@ -31,6 +31,14 @@ struct MVRSRouteTotals {
 struct MVRSReadCustomer {
   std::string Address1, Address2, Address3, Name, Name2;
   std::string Account, GroupCode, ExtraIndicator, SegmentCode, PassThru, CustomerInfo, UtilityID;
+
+  // As a new customer is, keeping the texts' room.
+  void Clear() {
+    for (std::string* text : {&Address1, &Address2, &Address3, &Name, &Name2, &Account, &GroupCode, &ExtraIndicator,
+                              &SegmentCode, &PassThru, &CustomerInfo, &UtilityID}) {
+      text->clear();
+    }
+  }
 };
 
 struct MVRSReadMeter {
@@ -54,12 +62,14 @@ struct MVRSReadMeter {
 struct Aborted {};
 
 // The elements of a user field as ExtractUser gives them, cut or padded to
-// `count`, taken straight from the field's text.
-std::vector<std::string> Elements(const Value& field, size_t count) {
-  std::vector<std::string> parts(count);
+// `count`, taken straight from the field's text into the first `count`
+// parts, which keep their room.
+void SplitElements(const Value& field, size_t count, std::vector<std::string>& parts) {
+  if (parts.size() < count) parts.resize(count);
+  for (size_t i = 0; i < count; ++i) parts[i].clear();
   if (!field.IsText()) {
     if (count > 0) parts[0] = TextOf(field);
-    return parts;
+    return;
   }
   const std::string& text = field.Text();
   size_t start = 0;
@@ -71,14 +81,48 @@ std::vector<std::string> Elements(const Value& field, size_t count) {
     if (tilde == std::string::npos) break;
     start = tilde + 1;
   }
+}
+
+std::vector<std::string> Elements(const Value& field, size_t count) {
+  std::vector<std::string> parts(count);
+  SplitElements(field, count, parts);
   return parts;
 }
 
-std::string Fixed20(const std::string& text, size_t from) {
-  std::string piece = from < text.size() ? text.substr(from, 20) : std::string();
+// Twenty columns of the text from `from`, padded with blanks, over `piece`.
+void TakeFixed20(std::string& piece, const std::string& text, size_t from) {
+  piece.assign(text, std::min(from, text.size()), 20);
   piece.resize(20, ' ');
-  return piece;
 }
+
+// The fields of the record being read, each into room kept from record to
+// record. A text or the parts of one stand until the next read of a text.
+class FieldReader {
+ public:
+  int32_t Number(clsHIF& hif, MeterField field) {
+    hif.ReadItem(field, number_);
+    return NumberOf(number_);
+  }
+  // As TextOf gives it.
+  const std::string& Text(clsHIF& hif, MeterField field) {
+    hif.ReadItem(field, text_);
+    if (text_.IsText()) return text_.Text();
+    shown_ = TextOf(text_);
+    return shown_;
+  }
+  // The first `count` elements of a user field.
+  const std::vector<std::string>& Elements(clsHIF& hif, MeterField field, size_t count) {
+    hif.ReadItem(field, text_);
+    SplitElements(text_, count, parts_);
+    return parts_;
+  }
+
+ private:
+  Value number_;
+  Value text_;
+  std::string shown_;
+  std::vector<std::string> parts_;
+};
 
 int16_t Add16(int16_t total, int32_t more) { return ToInt16(static_cast<double>(total) + more); }
 
@@ -102,6 +146,13 @@ struct MVRSReadRecord {
   int32_t status = 0;
   int32_t readType = 0;
   int32_t responseCode = 0;
+
+  // As a new record is, keeping the customer's room.
+  void Clear() {
+    customer.Clear();
+    meter = MVRSReadMeter();
+    status = readType = responseCode = 0;
+  }
 };
 
 // What a conversion keeps from step to step.
@@ -150,6 +201,9 @@ struct MVRSReadingRun {
   std::vector<MVRSRouteTotals> table;  // from 1
   int16_t routeTotal = 0, customerTotal = 0, meterTotal = 0, readTotal = 0;
   int32_t current = 0;  // the route whose lines are being written; 0 before the first
+  // The meter record of pass 2 being written, and its fields as read.
+  MVRSReadRecord record;
+  FieldReader fields;
 };
 
 // The reading HIF opened from its start, as the exchange's ActiveHIF.
@@ -294,16 +348,16 @@ void ChangeRoute(MVRSReadingRun& run, clsHIF& hif) {
 }
 
 // The working customer, from the meter record.
-void FillCustomer(MVRSReadCustomer& customer, clsHIF& hif) {
-  customer = MVRSReadCustomer();
-  const std::string address = TextOf(hif.Item(MeterField::ServiceAddress));
-  customer.Address1 = Fixed20(address, 0);
-  customer.Address2 = Fixed20(address, 20);
-  customer.Address3 = Fixed20(address, 40);
-  const std::string name = TextOf(hif.Item(MeterField::BillingName));
-  customer.Name = Fixed20(name, 0);
-  customer.Name2 = Fixed20(name, 20);
-  const std::vector<std::string> user1 = Elements(hif.Item(MeterField::User1), 8);
+void FillCustomer(MVRSReadCustomer& customer, FieldReader& fields, clsHIF& hif) {
+  customer.Clear();
+  const std::string& address = fields.Text(hif, MeterField::ServiceAddress);
+  TakeFixed20(customer.Address1, address, 0);
+  TakeFixed20(customer.Address2, address, 20);
+  TakeFixed20(customer.Address3, address, 40);
+  const std::string& name = fields.Text(hif, MeterField::BillingName);
+  TakeFixed20(customer.Name, name, 0);
+  TakeFixed20(customer.Name2, name, 20);
+  const std::vector<std::string>& user1 = fields.Elements(hif, MeterField::User1, 8);
   customer.Account = user1[1];  // over ServiceUniqueID
   customer.GroupCode = user1[2];
   customer.ExtraIndicator = user1[3];
@@ -314,8 +368,8 @@ void FillCustomer(MVRSReadCustomer& customer, clsHIF& hif) {
 
 // The working meter's codes that the route conversion packed in User2 to
 // User5.
-void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
-  const std::vector<std::string> user2 = Elements(hif.Item(MeterField::User2), 14);
+void FillMeterCodes(MVRSReadMeter& meter, FieldReader& fields, clsHIF& hif) {
+  const std::vector<std::string>& user2 = fields.Elements(hif, MeterField::User2, 14);
   meter.GroupCode = user2[0];
   meter.SurveyCode1DisplayIndicator = user2[1];
   meter.SurveyCode2DisplayIndicator = user2[2];
@@ -330,7 +384,7 @@ void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
   // One short of where the route conversion put it: the survey text's
   // first letter lands here.
   meter.LocationExtraMeter = user2[11];
-  const std::vector<std::string> user3 = Elements(hif.Item(MeterField::User3), 9);
+  const std::vector<std::string>& user3 = fields.Elements(hif, MeterField::User3, 9);
   meter.TextPrompt = user3[0];
   meter.ReadDirection = user3[1];
   meter.CompareCode = user3[2];
@@ -338,45 +392,45 @@ void FillMeterCodes(MVRSReadMeter& meter, clsHIF& hif) {
   meter.MeterConstant = user3[5];
   meter.ConstantFlag = user3[6];
   meter.HHFPosition = user3[7];
-  const std::vector<std::string> user4 = Elements(hif.Item(MeterField::User4), 6);
+  const std::vector<std::string>& user4 = fields.Elements(hif, MeterField::User4, 6);
   meter.GeographicArea = Val(user4[0]);
   meter.RFFrequency = user4[1];
   meter.RFTone = user4[2];
   meter.ERTType = user4[3];
   meter.DeviceID = user4[4];
   meter.WandProgram = user4[5];
-  meter.SpecialMessage = Elements(hif.Item(MeterField::User5), 9)[0];
+  meter.SpecialMessage = fields.Elements(hif, MeterField::User5, 9)[0];
 }
 
 // The working meter, from the plain fields, the reading the handheld added,
 // and the user fields.
-void FillMeter(MVRSReadRecord& record, clsHIF& hif) {
+void FillMeter(MVRSReadRecord& record, FieldReader& fields, clsHIF& hif) {
   MVRSReadMeter& meter = record.meter;
   meter = MVRSReadMeter();
-  meter.MeterNumber = TextOf(hif.Item(MeterField::MeterSerialNbr));
-  meter.ReadSequence = NumberOf(hif.Item(MeterField::Sequence));
-  meter.TagNumber = NumberOf(hif.Item(MeterField::MeterTagNbr));
+  meter.MeterNumber = fields.Text(hif, MeterField::MeterSerialNbr);
+  meter.ReadSequence = fields.Number(hif, MeterField::Sequence);
+  meter.TagNumber = fields.Number(hif, MeterField::MeterTagNbr);
   static const char* const kCategories[] = {"W", "G", "E", "S", "I"};
-  const int32_t type = NumberOf(hif.Item(MeterField::MeterType));
+  const int32_t type = fields.Number(hif, MeterField::MeterType);
   if (type >= 1 && type <= 5) meter.MeterCategory = kCategories[type - 1];
-  meter.NumberDials = NumberOf(hif.Item(MeterField::Digits));
-  meter.NumberDecimals = NumberOf(hif.Item(MeterField::Decimals));
-  meter.CurReading = NumberOf(hif.Item(MeterField::CurReading));
-  meter.PreviousReading = NumberOf(hif.Item(MeterField::PrvReading));
-  record.status = NumberOf(hif.Item(MeterField::Status));
-  record.readType = NumberOf(hif.Item(MeterField::ReadType));
-  const std::string readingDate = TextOf(hif.Item(MeterField::ReadingDate));
+  meter.NumberDials = fields.Number(hif, MeterField::Digits);
+  meter.NumberDecimals = fields.Number(hif, MeterField::Decimals);
+  meter.CurReading = fields.Number(hif, MeterField::CurReading);
+  meter.PreviousReading = fields.Number(hif, MeterField::PrvReading);
+  record.status = fields.Number(hif, MeterField::Status);
+  record.readType = fields.Number(hif, MeterField::ReadType);
+  const std::string& readingDate = fields.Text(hif, MeterField::ReadingDate);
   if (NumericPrefix(readingDate) != 0 && record.status != 0) {
     const std::string date = readingDate.substr(std::min<size_t>(4, readingDate.size()), 2) + "/" +
                              readingDate.substr(std::min<size_t>(6, readingDate.size()), 2) + "/" +
                              readingDate.substr(0, 4);
     if (!ReadDateText(date, meter.ReadDate)) throw Failure(fail::kTypeMismatch);
-    meter.ReadTimeNumber = NumberOf(hif.Item(MeterField::ReadingTime));
+    meter.ReadTimeNumber = fields.Number(hif, MeterField::ReadingTime);
   }
-  record.responseCode = NumberOf(hif.Item(MeterField::ResponseCode));
-  meter.ResponseCodeText = TextOf(hif.Item(MeterField::ResponseCode));
-  meter.ResponseTextCopy = TextOf(hif.Item(MeterField::ResponseText));
-  FillMeterCodes(meter, hif);
+  record.responseCode = fields.Number(hif, MeterField::ResponseCode);
+  meter.ResponseCodeText = fields.Text(hif, MeterField::ResponseCode);
+  meter.ResponseTextCopy = fields.Text(hif, MeterField::ResponseText);
+  FillMeterCodes(meter, fields, hif);
   const char* method = ReadMethodOf(record.readType);
   meter.NewReadMethod = record.status == 0 ? "N" : (method != nullptr ? method : "");
 }
@@ -601,10 +655,11 @@ void WriteMeterRecord(MVRSReadingRun& run, clsHIF& hif) {
   run.Step([&] { recType = NumberOf(hif.Item(MeterField::RecType)); });
   if (recType != kRecMeter) return;
   ChangeRoute(run, hif);
-  MVRSReadRecord record;
+  MVRSReadRecord& record = run.record;
+  record.Clear();
   run.Step([&] {
-    FillCustomer(record.customer, hif);
-    FillMeter(record, hif);
+    FillCustomer(record.customer, run.fields, hif);
+    FillMeter(record, run.fields, hif);
   });
   const MVRSReadMeter& meter = record.meter;
   const std::string meterNumber = Trim(meter.MeterNumber) == "0" ? " " : meter.MeterNumber;

@@ -54,6 +54,15 @@ class clsHIF {
   // A meter field by the place the schema gave it when it was built; one the
   // schema lacks reads and writes as by its name.
   Value Item(MeterField field);
+  // The same into a value kept from record to record: a text reuses its room.
+  void ReadItem(MeterField field, Value& value) {
+    const int16_t index = meterFields_[IndexOf(field)];
+    if (index == 0) {
+      value = Item(NameOf(field));
+    } else {
+      db_->ReadItem(int32_t{index}, value);  // a schema index means the schema is built
+    }
+  }
   void SetItem(MeterField field, const Value& value) {
     const int16_t index = meterFields_[IndexOf(field)];
     if (index == 0) return SetItem(NameOf(field), value);
