@@ -207,15 +207,15 @@ std::string_view clsExchange::OutputText(const Value* given, const MapField& fie
 
 std::string clsExchange::AssembleFixed(MappedRecord& values) {
   const std::vector<MapField>& fields = ActiveMap->Fields();
-  std::string line;
-  line.reserve(lineRoom_);
+  // Blanks where no field writes; each field's columns filled with its pad,
+  // and its text written over them at the right end when it is aligned
+  // right, else at the left. A later field stands over an earlier one.
+  std::string line(values.FixedLength(), ' ');
   try {
     for (size_t i = 0; i < fields.size(); ++i) {
       const MapField& field = fields[i];
       if (field.MapOption != kOptionDestination) continue;
-      const auto position = static_cast<size_t>(std::max<int32_t>(field.DataPosition, 1));
       const auto width = static_cast<size_t>(std::max<int32_t>(field.DataWidth, 0));
-      if (line.size() < position - 1) line.resize(position - 1, ' ');
       std::string_view shown = OutputText(values.ForMapField(i), field, fieldText_);
       if (field.MapAlign == 1) shown = Trim(shown);
       if (shown.size() > width) {
@@ -223,28 +223,14 @@ std::string clsExchange::AssembleFixed(MappedRecord& values) {
         const bool text = field.DataType == kTypeText || field.DataType == kTypeDate || field.DataType == kTypeTime;
         shown = text ? shown.substr(0, width) : shown.substr(shown.size() - width);
       }
-      // The field's columns filled with its pad, and the text written over
-      // them at its right end when it is aligned right, else at its left.
-      const auto appendPadded = [&field, &shown, width](std::string& to) {
-        const size_t at = to.size() + (field.MapAlign == 2 ? width - shown.size() : 0);
-        to.append(width, field.MapPad == 2 ? ' ' : '0');
-        shown.copy(to.data() + at, shown.size());
-      };
-      // A line exactly DataPosition long is appended to, so the field lands
-      // one column late; that is how the files have always come out.
-      if (line.size() <= position) {
-        appendPadded(line);
-      } else {
-        std::string padded;
-        appendPadded(padded);
-        line.replace(position - 1, std::min(width, line.size() - (position - 1)), padded);
-      }
+      char* columns = line.data() + values.FixedColumn(i);
+      std::fill_n(columns, width, field.MapPad == 2 ? ' ' : '0');
+      shown.copy(columns + (field.MapAlign == 2 ? width - shown.size() : 0), shown.size());
     }
   } catch (const Failure& failure) {
     Log("Error: " + failure.Description());
     return {};
   }
-  lineRoom_ = std::max(lineRoom_, line.size() + 2);
   return line;
 }
 

@@ -1,5 +1,7 @@
 #include "exchange/MappedRecord.h"
 
+#include <algorithm>
+
 #include "base/Failure.h"
 
 namespace hifx {
@@ -9,6 +11,17 @@ void MappedRecord::Plan(const clsExchMap& map, const clsPalmDB& db) {
   for (const MapField& field : map.Fields()) schemaIndex_.push_back(db.FindItem(field.FieldName));
   namesOnce_ = true;
   for (int16_t i = 1; i <= db.FieldCount(); ++i) namesOnce_ = namesOnce_ && db.Field(i).firstOfName;
+  fixedColumn_.assign(map.Fields().size(), 0);
+  fixedLength_ = 0;
+  for (size_t i = 0; i < map.Fields().size(); ++i) {
+    const MapField& field = map.Fields()[i];
+    if (field.MapOption != kOptionDestination) continue;
+    const auto start = static_cast<size_t>(std::max<int32_t>(field.DataPosition, 1)) - 1;
+    const auto width = static_cast<size_t>(std::max<int32_t>(field.DataWidth, 0));
+    fixedLength_ = std::max(fixedLength_, start);  // blanks up to the field
+    fixedColumn_[i] = fixedLength_ <= start + 1 ? fixedLength_ : start;
+    fixedLength_ = std::max(fixedLength_, fixedColumn_[i] + width);
+  }
 }
 
 void MappedRecord::Read(clsPalmDB& db) {

@@ -270,7 +270,6 @@ class clsExchange {
   std::string numberText_;    // and of an autonumber's
   // The longest output line so far and its end of line: a fixed line takes
   // its room at once rather than growing field by field.
-  size_t lineRoom_ = 0;
   std::string fieldText_;  // AssembleFixed's room for the text of one field
   // One fault of a line's validation: logged while fewer than fifty are,
   // or, in a check, kept with the rest.
