@@ -26,13 +26,13 @@ std::string From(const std::string& text, size_t from) { return from < text.size
 // visited; one of ReadType 2 with a reading of 0 counts as unread, one of
 // ReadType 1 with 0 is written.
 bool Passes(clsHIF& hif) {
-  const int32_t readType = NumberOf(hif.Item(MeterField::ReadType));
-  return readType != 4 && NumberOf(hif.Item(MeterField::ReadingDate)) != 0 &&
-         !(readType == 2 && NumberOf(hif.Item(MeterField::CurReading)) == 0);
+  const int32_t readType = hif.NumberItem(MeterField::ReadType);
+  return readType != 4 && hif.NumberItem(MeterField::ReadingDate) != 0 &&
+         !(readType == 2 && hif.NumberItem(MeterField::CurReading) == 0);
 }
 
 size_t RouteOf(clsHIF& hif, size_t routes) {
-  const int32_t route = NumberOf(hif.Item(MeterField::RouteNbr));
+  const int32_t route = hif.NumberItem(MeterField::RouteNbr);
   if (route < 0 || static_cast<size_t>(route) >= routes) throw Failure(fail::kSubscript);
   return static_cast<size_t>(route);
 }
@@ -60,12 +60,12 @@ void SummariseRecord(E5KUploadRun& run, clsHIF& hif, int32_t recType, size_t rou
     run.employer = response.substr(response.size() - std::min<size_t>(response.size(), 3));
   } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
     // The route conversion left the download's account count here.
-    run.summaries[RouteOf(hif, run.summaries.size())].accounts = NumberOf(hif.Item(MeterField::User1));
+    run.summaries[RouteOf(hif, run.summaries.size())].accounts = hif.NumberItem(MeterField::User1);
   } else if (recType == kRecMeter && Passes(hif)) {
     E5KRouteSummary& summary = run.summaries[RouteOf(hif, run.summaries.size())];
     ++summary.meters;
     if (summary.readDate.empty()) summary.readDate = From(TextOf(hif.Item(MeterField::ReadingDate)), 2);
-    const int32_t sequence = NumberOf(hif.Item(MeterField::Sequence));
+    const int32_t sequence = hif.NumberItem(MeterField::Sequence);
     if (summary.firstSequence == 0) summary.firstSequence = sequence;
     summary.lastSequence = sequence;
   }
@@ -177,7 +177,7 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   // file order.
   while (hif.ReadData()) {
     env_.shell.SetProgressButton(255, hif.Position255());
-    const int32_t recType = NumberOf(hif.Item(MeterField::RecType));
+    const int32_t recType = hif.NumberItem(MeterField::RecType);
     if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       KeepRouteRecord(hif, recType);
     }
@@ -187,7 +187,7 @@ bool clsExchange::ConvertReadingE5K(int16_t version) {
   // Second pass: the lines of the meters that pass.
   hif.Rewind();
   while (hif.ReadData()) {
-    if (NumberOf(hif.Item(MeterField::RecType)) == kRecMeter && Passes(hif)) WriteMeter(run, hif, RouteInitials);
+    if (hif.NumberItem(MeterField::RecType) == kRecMeter && Passes(hif)) WriteMeter(run, hif, RouteInitials);
   }
   // The file always ends with a "Z" line: with no meter to upload it is the
   // only line, and names no route.

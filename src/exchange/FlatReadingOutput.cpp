@@ -314,7 +314,7 @@ bool clsExchange::KeepOutput() {
 }
 
 void clsExchange::KeepRouteRecord(clsHIF& hif, int32_t recType) {
-  const int32_t route = NumberOf(hif.Item(MeterField::RouteNbr));
+  const int32_t route = hif.NumberItem(MeterField::RouteNbr);
   if (recType == kRecFileHeader) {
     if (route < 0 || route > kMostRoutes) {
       throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(ReadingSource)) + " counts " + std::to_string(route) +
@@ -423,7 +423,7 @@ bool clsExchange::ConvertOrphanFlat(int16_t version) {
   values.Plan(*ActiveMap, hif.DB());
   while (hif.ReadData()) {
     env_.shell.SetProgressButton(255, hif.Position255());
-    const int32_t recType = NumberOf(hif.Item(MeterField::RecType));
+    const int32_t recType = hif.NumberItem(MeterField::RecType);
     if (recType == kRecFileHeader || recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       KeepRouteRecord(hif, recType);
       continue;

@@ -217,7 +217,7 @@ void OpenReadingFile(MVRSReadingRun& run) {
 // Pass 1, the file header: a route table of as many empty entries as it
 // counts routes.
 void SizeRouteTable(MVRSReadingRun& run, clsHIF& hif) {
-  const int32_t routes = NumberOf(hif.Item(MeterField::RouteNbr));
+  const int32_t routes = hif.NumberItem(MeterField::RouteNbr);
   if (routes > 32767) {
     throw Failure(fail::kOutOfMemory, "The file header of " + std::string(Trim(run.exchange.ReadingSource)) + " counts " +
                                           std::to_string(routes) + " routes, more than a handheld file holds");
@@ -228,8 +228,8 @@ void SizeRouteTable(MVRSReadingRun& run, clsHIF& hif) {
 // Pass 1, a route record: its entry takes the route's values.
 void TakeRouteRecord(MVRSReadingRun& run, clsHIF& hif) {
   run.routeTotal = Add16(run.routeTotal, 1);
-  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item(MeterField::RouteNbr)));
-  route.MeterCount = ToInt16(NumberOf(hif.Item(MeterField::PrvReading)));
+  MVRSRouteTotals& route = run.Entry(hif.NumberItem(MeterField::RouteNbr));
+  route.MeterCount = ToInt16(hif.NumberItem(MeterField::PrvReading));
   route.RouteNumber = TextOf(hif.Item(MeterField::Initials));
   const std::vector<std::string> user = Elements(hif.Item(MeterField::User1), 5);
   route.Region = user[0];
@@ -246,14 +246,14 @@ void CountMeter(MVRSReadingRun& run, clsHIF& hif) {
   run.meterTotal = Add16(run.meterTotal, 1);
   run.readTotal = Add16(run.readTotal, 1);
   run.customerTotal = Add16(run.customerTotal, 1);
-  MVRSRouteTotals& route = run.Entry(NumberOf(hif.Item(MeterField::RouteNbr)));
+  MVRSRouteTotals& route = run.Entry(hif.NumberItem(MeterField::RouteNbr));
   route.Meters = Add16(route.Meters, 1);
-  const int32_t type = NumberOf(hif.Item(MeterField::MeterType));
+  const int32_t type = hif.NumberItem(MeterField::MeterType);
   if (type == 1) route.Water = Add16(route.Water, 1);
   if (type == 2) route.Gas = Add16(route.Gas, 1);
   if (type == 3) route.Electric = Add16(route.Electric, 1);
-  const int32_t status = NumberOf(hif.Item(MeterField::Status));
-  const int32_t readType = NumberOf(hif.Item(MeterField::ReadType));
+  const int32_t status = hif.NumberItem(MeterField::Status);
+  const int32_t readType = hif.NumberItem(MeterField::ReadType);
   if (status == 0 || (status == 1 && readType == 0)) route.Missed = Add16(route.Missed, 1);
   if (status == 1 && readType == 1) route.Radio = Add16(route.Radio, 1);
   if (status == 1 && readType == 2) route.Keyed = Add16(route.Keyed, 1);
@@ -262,7 +262,7 @@ void CountMeter(MVRSReadingRun& run, clsHIF& hif) {
 }
 
 void CountRecord(MVRSReadingRun& run, clsHIF& hif) {
-  const int32_t recType = NumberOf(hif.Item(MeterField::RecType));
+  const int32_t recType = hif.NumberItem(MeterField::RecType);
   if (recType == kRecFileHeader) {
     SizeRouteTable(run, hif);
   } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
@@ -340,7 +340,7 @@ void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
 // its own with "RHD".
 void ChangeRoute(MVRSReadingRun& run, clsHIF& hif) {
   int32_t routeNbr = run.current;
-  run.Step([&] { routeNbr = NumberOf(hif.Item(MeterField::RouteNbr)); });
+  run.Step([&] { routeNbr = hif.NumberItem(MeterField::RouteNbr); });
   if (routeNbr == run.current) return;
   if (run.current != 0) run.Step([&] { WriteRouteLine(run, "RTR", run.current); });
   run.Step([&] { WriteRouteLine(run, "RHD", routeNbr); });
@@ -652,7 +652,7 @@ void WriteDeviceLines(MVRSReadingRun& run, const MVRSReadRecord& record) {
 // route calls for. Every other record is passed over.
 void WriteMeterRecord(MVRSReadingRun& run, clsHIF& hif) {
   int32_t recType = -1;
-  run.Step([&] { recType = NumberOf(hif.Item(MeterField::RecType)); });
+  run.Step([&] { recType = hif.NumberItem(MeterField::RecType); });
   if (recType != kRecMeter) return;
   ChangeRoute(run, hif);
   MVRSReadRecord& record = run.record;

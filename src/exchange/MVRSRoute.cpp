@@ -266,7 +266,7 @@ void FlushMeter(MVRSFold& fold) {
   fold.meter = MVRSMeter();
   if (exchange.CreateIndexes) {
     clsHIF& hif = *exchange.ActiveHIF;
-    exchange.UpdateIndexes(NumberOf(hif.Item(MeterField::RouteNbr)), exchange.MeterRecordNumber,
+    exchange.UpdateIndexes(hif.NumberItem(MeterField::RouteNbr), exchange.MeterRecordNumber,
                            TextOf(hif.Item(MeterField::MeterTagNbr)), TextOf(hif.Item(MeterField::MeterSerialNbr)),
                            TextOf(hif.Item(MeterField::BillingName)), TextOf(hif.Item(MeterField::ServiceAddress)),
                            TextOf(hif.Item(MeterField::ServiceUniqueID)));

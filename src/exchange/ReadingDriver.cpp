@@ -20,10 +20,10 @@ uint64_t LengthOf(const std::string& path) {
 
 // A meter to visit again: unread, or read outside its window.
 bool IsException(clsHIF& hif) {
-  const int32_t status = NumberOf(hif.Item(MeterField::Status));
-  const int32_t low = NumberOf(hif.Item(MeterField::MinReading));
-  const int32_t high = NumberOf(hif.Item(MeterField::MaxReading));
-  const int32_t reading = NumberOf(hif.Item(MeterField::CurReading));
+  const int32_t status = hif.NumberItem(MeterField::Status);
+  const int32_t low = hif.NumberItem(MeterField::MinReading);
+  const int32_t high = hif.NumberItem(MeterField::MaxReading);
+  const int32_t reading = hif.NumberItem(MeterField::CurReading);
   return status == 0 || (low < high && (reading < low || reading > high)) ||
          (low > high && reading < low && reading > high);
 }
@@ -179,14 +179,14 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
   std::vector<int32_t> counts{0};  // exceptions of each route, from 1
   source.Rewind();
   while (source.ReadData()) {
-    const int32_t recType = NumberOf(source.Item(MeterField::RecType));
-    if (recType == kRecFileHeader && NumberOf(source.Item(MeterField::MeterType)) > 0) {
-      version = ToInt16(NumberOf(source.Item(MeterField::MeterType)));
+    const int32_t recType = source.NumberItem(MeterField::RecType);
+    if (recType == kRecFileHeader && source.NumberItem(MeterField::MeterType) > 0) {
+      version = ToInt16(source.NumberItem(MeterField::MeterType));
     } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       if (counts.size() > 32767) throw Failure(fail::kOverflow);
       counts.push_back(0);
     } else if (recType == kRecMeter) {
-      const int32_t route = NumberOf(source.Item(MeterField::RouteNbr));
+      const int32_t route = source.NumberItem(MeterField::RouteNbr);
       if (route < 1 || static_cast<size_t>(route) >= counts.size()) throw Failure(fail::kSubscript);
       if (IsException(source)) ++counts[static_cast<size_t>(route)];
     }
@@ -213,7 +213,7 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
   source.Rewind();
   size_t routeRecord = 0;
   while (source.ReadData()) {
-    const int32_t recType = NumberOf(source.Item(MeterField::RecType));
+    const int32_t recType = source.NumberItem(MeterField::RecType);
     auto copy = [&] {
       target.AddNew();
       target.SetRawData(source.RawData());
@@ -235,7 +235,7 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
         target.WriteData();
       }
     } else if (recType == kRecMeter) {
-      const auto route = static_cast<size_t>(NumberOf(source.Item(MeterField::RouteNbr)));
+      const auto route = static_cast<size_t>(source.NumberItem(MeterField::RouteNbr));
       if (route < counts.size() && counts[route] >= 1 && IsException(source)) {
         // Back in the state of a meter not yet read.
         copy();

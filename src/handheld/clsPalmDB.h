@@ -78,6 +78,19 @@ class clsPalmDB {
   }
   // The same into a value kept from record to record: a text reuses its room.
   void ReadItem(int32_t index, Value& value) { ReadField(FindItem(index), value); }
+  // NumberOf the field's value; a number wholly within the record is read
+  // in place, without a value made for it.
+  int32_t NumberItem(int32_t index) {
+    const int16_t at = FindItem(index);
+    const SchemaField& field = schema_[static_cast<size_t>(at)];
+    if (field.width != 0 && field.position >= 0 &&
+        static_cast<size_t>(field.position) + field.width <= buffer_.size()) {
+      return NumberAt(field.position, field.width);
+    }
+    Value value;
+    ReadOtherField(at, value);
+    return NumberOf(value);
+  }
   // An unknown field is reported and nothing changes.
   void SetItem(std::string_view name, const Value& value);
   void SetItem(int32_t index, const Value& value) {

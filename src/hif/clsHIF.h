@@ -54,6 +54,11 @@ class clsHIF {
   // A meter field by the place the schema gave it when it was built; one the
   // schema lacks reads and writes as by its name.
   Value Item(MeterField field);
+  // NumberOf the field's value, a number field read in place.
+  int32_t NumberItem(MeterField field) {
+    const int16_t index = meterFields_[IndexOf(field)];
+    return index == 0 ? NumberOf(Item(NameOf(field))) : db_->NumberItem(int32_t{index});
+  }
   // The same into a value kept from record to record: a text reuses its room.
   void ReadItem(MeterField field, Value& value) {
     const int16_t index = meterFields_[IndexOf(field)];
