@@ -109,10 +109,11 @@ double NumericPrefix(std::string_view text) {
   // Digits alone to the end, as most number columns hold them, are read
   // here: up to fifteen of them the sum is exact, as the scan's is.
   const std::string_view digits = text.substr(start);
-  if (digits.size() <= 15 && std::all_of(digits.begin(), digits.end(), IsDigit)) {
+  if (digits.size() <= 15) {
     uint64_t number = 0;
-    for (const char c : digits) number = number * 10 + static_cast<uint64_t>(c - '0');
-    return static_cast<double>(number);
+    size_t i = 0;
+    for (; i < digits.size() && IsDigit(digits[i]); ++i) number = number * 10 + static_cast<uint64_t>(digits[i] - '0');
+    if (i == digits.size()) return static_cast<double>(number);
   }
   double value = 0.0;
   if (ScanNumber(text.substr(start), value) == 0) return 0.0;
