@@ -50,13 +50,13 @@ void clsRecType::SetID(int16_t start, int16_t length, std::string id) {
 void clsRecType::AddField(std::string fieldName, int16_t fieldType, int16_t start, int16_t length) {
   size_t existing = 0;
   if (FindField(fieldName, existing) != nullptr) throw Failure(fail::kDuplicateKey);
+  if (fields_.size() >= kMaxFields) throw Failure(fail::kOutOfMemory);
   clsField field;
   field.FieldName = std::move(fieldName);
   field.FieldType = fieldType;
   field.Start = start == 0 ? static_cast<int16_t>(recLen_ + 1) : start;
   field.Length = length;
   recLen_ = static_cast<int16_t>(recLen_ + length);
-  if (fields_.size() >= kMaxFields) throw Failure(fail::kOutOfMemory);
   const uint32_t signature = Signature(field.FieldName);
   signatures_.push_back(signature);
   fields_.push_back(std::move(field));
@@ -337,11 +337,10 @@ void clsRecType::SetLongOf(const clsField* field, size_t slot, std::string_view 
 }
 
 void clsRecType::SetValueOf(const clsField* field, size_t slot, std::string_view name, Value value) {
-  int32_t number = 0;
   if (field != nullptr && value.IsText()) {
     SetTextOf(field, slot, name, value.Text());
-  } else if (field != nullptr && value.Kind() == ValueKind::Long && value.IsWholeNumber(number)) {
-    SetLongOf(field, slot, name, number);
+  } else if (field != nullptr && value.Kind() == ValueKind::Long) {
+    SetLongOf(field, slot, name, value.ToInt32());
   } else {
     ValueToSet(field, slot, name) = std::move(value);
   }

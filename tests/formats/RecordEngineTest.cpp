@@ -156,6 +156,16 @@ TEST(RecordEngine, RecordTypeParsesAndBuildsByName) {
   type.Parse("RHDROUTE-020042");
   EXPECT_EQ(type.GetValue("Count"), Value::Long(42));
   EXPECT_EQ(type.GetValue("Other"), Value());
+
+  // A kind holds 64 fields; one more is refused and leaves it as it was.
+  clsRecType wide;
+  for (int i = 0; i < 64; ++i) wide.AddField("F" + std::to_string(i), fldText, 0, 1);
+  EXPECT_THROW(wide.AddField("F64", fldText, 0, 1), Failure);
+  EXPECT_EQ(wide.RecLen(), 64);
+  wide.SetText("F63", "x");
+  EXPECT_EQ(wide.Buffer(0), std::string(63, ' ') + "x");
+  wide.Parse(std::string(64, 'y'));
+  EXPECT_EQ(wide.Buffer(0), std::string(64, 'y'));
 }
 
 // Texts and numbers read straight from the parsed line agree with the
