@@ -127,6 +127,56 @@ TEST_F(QtDeviceTest, APdfSaysWhatItIsAndWhen) {
   EXPECT_EQ(Output("pdfinfo " + (dir / "qt.pdf").string() + " 2>&1").find("Author:"), std::string::npos);
 }
 
+// A line is set in a PDF as text that reads back and ends where it was
+// measured to end: the font's own glyphs at their advances, and an
+// underlined line through Qt's text layout.
+TEST_F(QtDeviceTest, APdfLineReadsBackAndEndsWhereItWasMeasured) {
+  if (Output("command -v pdftotext").empty()) GTEST_SKIP() << "no pdftotext";
+  const auto pdf = dir / "lines.pdf";
+  struct Line {
+    std::string font;
+    bool underline;
+    std::string text;
+    std::string words;  // as they read back
+  };
+  const Line lines[] = {
+      {"Arial", false, "Caf\xe9 \x80 5 WWii", "Caf\xc3\xa9 \xe2\x82\xac 5 WWii"},
+      {"Courier New", false, "Acct 00012 (x)", "Acct 00012 (x)"},
+      {"Arial", true, "Under lined", "Under lined"},
+  };
+  std::vector<double> ends;  // in points from the page's left
+  {
+    const auto printers = QtPrinters::ToPdf(pdf);
+    IRptDevice& page = printers->Printer();
+    page.SetScaleMode(kScaleInches);
+    double y = 1;
+    for (const Line& line : lines) {
+      page.SetFontName(line.font);
+      page.SetFontSize(12);
+      page.SetFontUnderline(line.underline);
+      page.SetCurrentX(1);
+      page.SetCurrentY(y);
+      page.Print(line.text);
+      ends.push_back((1 + page.TextWidth(line.text)) * 72);
+      y += 0.5;
+    }
+    page.EndDoc();
+    printers->Finish();
+  }
+  const std::string text = Output("pdftotext -layout " + pdf.string() + " - 2>&1");
+  const std::string boxes = Output("pdftotext -bbox " + pdf.string() + " - 2>&1");
+  size_t at = 0;
+  for (size_t i = 0; i < std::size(lines); ++i) {
+    EXPECT_NE(text.find(lines[i].words), std::string::npos) << text;
+    // The line's last word ends where the line was measured to end.
+    const std::string last = lines[i].words.substr(lines[i].words.rfind(' ') + 1);
+    at = boxes.find(">" + last + "</word>", at);
+    ASSERT_NE(at, std::string::npos) << boxes;
+    const size_t xMax = boxes.rfind("xMax=\"", at) + 6;
+    EXPECT_NEAR(std::stod(boxes.substr(xMax)), ends[i], 0.05) << lines[i].text;
+  }
+}
+
 // A PDF is written whole or not at all: on a device that fails, the old
 // file stays and the failure names it.
 TEST_F(QtDeviceTest, APdfThatCannotBeWrittenLeavesTheOldFile) {

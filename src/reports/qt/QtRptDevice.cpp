@@ -4,15 +4,16 @@
 #include <QtCore/QSettings>
 #include <QtGui/QFont>
 #include <QtGui/QFontMetricsF>
+#include <QtGui/QGlyphRun>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtGui/QPageLayout>
 #include <QtGui/QPageSize>
 #include <QtGui/QPainter>
 #include <QtGui/QPdfWriter>
+#include <QtGui/QRawFont>
 #include <QtPrintSupport/QPrinter>
 #include <QtPrintSupport/QPrinterInfo>
-
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -75,12 +76,18 @@ struct QtSurface::Impl {
     double ascent = 0;
     double lineSpacing = 0;
     std::array<double, 256> advance{};
+    // For a paged device, the font's own glyph of each character, or 0 for
+    // one it lacks or a control character: a text of drawable characters
+    // is set as those glyphs at its advances, without Qt's text layout.
+    QRawFont raw;
+    std::array<quint32, 256> glyph{};
   };
   using Key = std::tuple<std::string, float, bool, bool, bool>;
   mutable std::map<Key, std::unique_ptr<Measured>> fonts;
   mutable const Measured* last = nullptr;
   mutable RptFont lastFont;
   const Measured* painted = nullptr;  // the painter's font
+  bool textPen = false;               // the painter is set for text
 
   // Texts are measured and lettered as at the printer's resolution and
   // scaled down to the device's: a screen's font sizes fall on whole
@@ -114,12 +121,16 @@ struct QtSurface::Impl {
       // on screen is laid out and lettered as it is on paper.
       font.setHintingPreference(QFont::PreferNoHinting);
       const QFontMetricsF metrics(font, &device);
-      slot = std::make_unique<Measured>(Measured{font, metrics.ascent() / textScale, metrics.lineSpacing() / textScale});
+      slot = std::make_unique<Measured>();
+      slot->font = font;
+      slot->ascent = metrics.ascent() / textScale;
+      slot->lineSpacing = metrics.lineSpacing() / textScale;
       for (int c = 0; c < 256; ++c) {
         const char byte = static_cast<char>(c);
         slot->advance[static_cast<size_t>(c)] =
             metrics.horizontalAdvance(FromCodePage(std::string_view(&byte, 1))) / textScale;
       }
+      if (!raster) FindGlyphs(*slot);
     }
     last = slot.get();
     lastFont = f;
@@ -130,13 +141,50 @@ struct QtSurface::Impl {
     if (!painter.isActive() && !ended) {
       painter.begin(&device);
       painted = nullptr;
+      textPen = false;
       painter.setRenderHint(QPainter::Antialiasing, false);
     }
     return painter;
   }
 
+  void FindGlyphs(Measured& measured) const {
+    if (measured.font.underline() || measured.font.strikeOut()) return;
+    measured.raw = QRawFont::fromFont(QFont(measured.font, &device));
+    if (!measured.raw.isValid()) return;
+    for (int c = 0; c < 256; ++c) {
+      const char byte = static_cast<char>(c);
+      const QString text = FromCodePage(std::string_view(&byte, 1));
+      if (!text[0].isPrint() || !measured.raw.supportsCharacter(text[0])) continue;
+      const QList<quint32> indexes = measured.raw.glyphIndexesForString(text);
+      if (indexes.size() == 1) measured.glyph[static_cast<size_t>(c)] = indexes[0];
+    }
+  }
+
+  // Sets the line as the font's glyphs at their advances from the pen at
+  // (x, baseline); false, with nothing drawn, for a character without a
+  // glyph of its own.
+  bool PaintGlyphs(const Measured& measured, double x, double baseline, std::string_view line) {
+    glyphs.clear();
+    positions.clear();
+    for (const char c : line) {
+      const auto byte = static_cast<unsigned char>(c);
+      if (measured.glyph[byte] == 0) return false;
+      glyphs.push_back(measured.glyph[byte]);
+      positions.emplace_back(x, baseline);
+      x += measured.advance[byte];
+    }
+    QGlyphRun run;
+    run.setRawFont(measured.raw);
+    run.setRawData(glyphs.data(), positions.data(), static_cast<int>(glyphs.size()));
+    painter.drawGlyphRun(QPointF(0, 0), run);
+    return true;
+  }
+  std::vector<quint32> glyphs;  // kept from line to line
+  std::vector<QPointF> positions;
+
   void Pen(int16_t drawMode) {
     QPainter& p = Painter();
+    textPen = false;
     QPen pen(Qt::black);
     // A printer's one-pixel line would be a hairline at PDF resolution.
     pen.setWidthF(std::max(1.0, dotsPerInch / 300.0));
@@ -174,14 +222,18 @@ void QtSurface::PaintText(double x, double y, std::string_view line) {
   if (line.empty()) return;
   const auto& measured = impl_->For(Font());
   QPainter& p = impl_->Painter();
-  p.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  p.setPen(Qt::black);
+  if (!impl_->textPen) {
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    p.setPen(Qt::black);
+    impl_->textPen = true;
+  }
   if (impl_->painted != &measured) {
     p.setFont(measured.font);
     impl_->painted = &measured;
   }
   const double scale = impl_->textScale;
   if (scale == 1.0) {
+    if (impl_->PaintGlyphs(measured, x, y + measured.ascent, line)) return;
     p.drawText(QPointF(x, y + measured.ascent), FromCodePage(line));
     return;
   }
