@@ -88,6 +88,12 @@ std::string TextOf(const Value& value) {
   return value.ToText();
 }
 
+std::string_view TextOf(const Value& value, std::string& room) {
+  if (value.IsText()) return value.Text();
+  room = TextOf(value);
+  return room;
+}
+
 int32_t NumberOf(const Value& value) {
   if (value.IsEmpty() || value.IsNull()) return 0;
   return value.IsText() ? ToInt32(NumericPrefix(value.Text())) : value.ToInt32();

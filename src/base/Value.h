@@ -105,6 +105,9 @@ class Value {
 // The value as a text: a text as it is, empty and null as "", anything else
 // in its text form.
 std::string TextOf(const Value& value);
+// The same text, viewed where it lies when the value is a text and written
+// into `room` when it is not.
+std::string_view TextOf(const Value& value, std::string& room);
 
 // A field's value as a whole number: empty and null as 0, a text by its
 // leading number.

@@ -264,8 +264,9 @@ std::string clsAdvanced::LookupMessage(const std::string& billing, const std::st
       {{"Account", &account}, {"SerialNbr", &serial}, {"TagNbr", &tag}}};
   std::string key;
   for (const auto& [type, argument] : kinds) {
-    if (argument->find_first_not_of(' ') == std::string::npos) continue;
     AdvancedList& list = *MessageList(type);
+    // A list without records (positions from 1) has no message to find.
+    if (list.LowerBound() == 0 || argument->find_first_not_of(' ') == std::string::npos) continue;
     // The route's own message first, then one for any route.
     key.assign(route).append("||").append(*argument);
     int16_t position = list.FindKey(key);

@@ -265,11 +265,7 @@ void FlushMeter(MVRSFold& fold) {
   ++exchange.MetersWritten;
   fold.meter = MVRSMeter();
   if (exchange.CreateIndexes) {
-    clsHIF& hif = *exchange.ActiveHIF;
-    exchange.UpdateIndexes(hif.NumberItem(MeterField::RouteNbr), exchange.MeterRecordNumber,
-                           TextOf(hif.Item(MeterField::MeterTagNbr)), TextOf(hif.Item(MeterField::MeterSerialNbr)),
-                           TextOf(hif.Item(MeterField::BillingName)), TextOf(hif.Item(MeterField::ServiceAddress)),
-                           TextOf(hif.Item(MeterField::ServiceUniqueID)));
+    exchange.IndexWrittenMeter(exchange.ActiveHIF->NumberItem(MeterField::RouteNbr));
   }
   exchange.MeterRecordNumber = Add16(exchange.MeterRecordNumber, 1);
 }

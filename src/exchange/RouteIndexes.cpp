@@ -1,5 +1,6 @@
 // The indexes and code lists that a route HIF carries behind its meters.
 #include <array>
+#include <utility>
 
 #include "base/CaseBlind.h"
 #include "base/Failure.h"
@@ -20,12 +21,15 @@ bool clsExchange::IsIndexToken(int32_t type, std::string_view word) {
   return false;
 }
 
-std::vector<std::string> clsExchange::IndexWords(const std::string& text, int32_t type) {
-  std::string clean = UpperCase(text);
+template <typename Take>
+void clsExchange::ForEachIndexWord(std::string_view text, int32_t type, Take take) {
+  // Upper case, with everything but letters, digits and spaces a space.
+  std::string& clean = indexText_;
+  clean.assign(text);
   for (char& c : clean) {
+    c = FoldCase(c);
     if (!((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ')) c = ' ';
   }
-  std::vector<std::string> words;
   size_t at = 0;
   while (at < clean.size()) {
     while (at < clean.size() && clean[at] == ' ') ++at;
@@ -36,10 +40,15 @@ std::vector<std::string> clsExchange::IndexWords(const std::string& text, int32_
       // 1ST, 2ND and 3RD are kept; 4TH and plain numbers are not, on purpose.
       const std::string_view ending = word.substr(word.size() - 2);
       const bool ordinal = ending == "ST" || ending == "ND" || ending == "RD";
-      if ((word[0] >= 'A' || ordinal) && !IsIndexToken(type, word)) words.emplace_back(word);
+      if ((word[0] >= 'A' || ordinal) && !IsIndexToken(type, word)) take(word);
     }
     at = end;
   }
+}
+
+std::vector<std::string> clsExchange::IndexWords(std::string_view text, int32_t type) {
+  std::vector<std::string> words;
+  ForEachIndexWord(text, type, [&](std::string_view word) { words.emplace_back(word); });
   return words;
 }
 
@@ -50,18 +59,24 @@ void clsExchange::WriteIndexedMeter() {
   // The index takes the fields as the record holds them. What it gathers is
   // only ever written as index records, so with none to write it gathers
   // nothing.
-  if (CreateIndexes) {
-    using enum MeterField;
-    UpdateIndexes(hif.Item(RouteNbr).ToInt32(), MeterRecordNumber, TextOf(hif.Item(MeterTagNbr)),
-                  TextOf(hif.Item(MeterSerialNbr)), TextOf(hif.Item(BillingName)),
-                  TextOf(hif.Item(ServiceAddress)), TextOf(hif.Item(ServiceUniqueID)));
-  }
+  if (CreateIndexes) IndexWrittenMeter(hif.Item(MeterField::RouteNbr).ToInt32());
   MeterRecordNumber = ToInt16(MeterRecordNumber + 1.0);
 }
 
-void clsExchange::UpdateIndexes(int32_t route, int16_t number, const std::string& tag,
-                                const std::string& serial, const std::string& name,
-                                const std::string& address, const std::string& account) {
+void clsExchange::IndexWrittenMeter(int32_t route) {
+  using enum MeterField;
+  constexpr std::array<MeterField, 5> kIndexed = {MeterTagNbr, MeterSerialNbr, BillingName, ServiceAddress,
+                                                  ServiceUniqueID};
+  std::array<std::string_view, kIndexed.size()> texts;
+  for (size_t i = 0; i < kIndexed.size(); ++i) {
+    ActiveHIF->ReadItem(kIndexed[i], indexed_[i].value);
+    texts[i] = TextOf(indexed_[i].value, indexed_[i].text);
+  }
+  UpdateIndexes(route, MeterRecordNumber, texts[0], texts[1], texts[2], texts[3], texts[4]);
+}
+
+void clsExchange::UpdateIndexes(int32_t route, int16_t number, std::string_view tag, std::string_view serial,
+                                std::string_view name, std::string_view address, std::string_view account) {
   if (indexes_.empty() && route > 0) indexes_.resize(kIndexTypes);
   if (route != indexRoute_ && indexRoute_ > 0 && CreateIndexes) {
     for (int type = 0; type < static_cast<int>(indexes_.size()); ++type) {
@@ -73,21 +88,22 @@ void clsExchange::UpdateIndexes(int32_t route, int16_t number, const std::string
   }
   for (int type = 0; type < static_cast<int>(indexes_.size()); ++type) {
     clsIndex& index = indexes_[static_cast<size_t>(type)];
+    const auto insert = [&](std::string_view key) { index.Insert(std::string(key), number); };
     switch (type) {
       case 0:
-        for (std::string& word : IndexWords(name, 0)) index.Insert(std::move(word), number);
+        ForEachIndexWord(name, 0, insert);
         break;
       case 1:
-        for (std::string& word : IndexWords(address, 1)) index.Insert(std::move(word), number);
+        ForEachIndexWord(address, 1, insert);
         break;
       case 2: {
-        const std::string key = UpperCase(Trim(tag));
-        if (!key.empty() && key != "0") index.Insert(key, number);
+        std::string key = UpperCase(Trim(tag));
+        if (!key.empty() && key != "0") index.Insert(std::move(key), number);
         break;
       }
       default: {
-        const std::string key = UpperCase(Trim(type == 3 ? serial : account));
-        if (!key.empty()) index.Insert(key, number);
+        std::string key = UpperCase(Trim(type == 3 ? serial : account));
+        if (!key.empty()) index.Insert(std::move(key), number);
         break;
       }
     }

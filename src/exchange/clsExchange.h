@@ -2,6 +2,7 @@
 // conversion. One object lives for the whole run of the program.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -114,9 +115,15 @@ class clsExchange {
   bool DisplayPrompts(const clsExchMap& map);
 
   // Index and code records behind the meters.
-  void UpdateIndexes(int32_t route, int16_t number, const std::string& tag, const std::string& serial,
-                     const std::string& name, const std::string& address, const std::string& account);
-  std::vector<std::string> IndexWords(const std::string& text, int32_t type);
+  // Hands the meter record just written, numbered MeterRecordNumber, to the
+  // indexes of `route`.
+  void IndexWrittenMeter(int32_t route);
+  void UpdateIndexes(int32_t route, int16_t number, std::string_view tag, std::string_view serial,
+                     std::string_view name, std::string_view address, std::string_view account);
+  // The words of a name (type 0) or an address (type 1) that its index files.
+  std::vector<std::string> IndexWords(std::string_view text, int32_t type);
+  template <typename Take>
+  void ForEachIndexWord(std::string_view text, int32_t type, Take take);
   bool IsIndexToken(int32_t type, std::string_view word);
   void WriteLoginRecord();
   void WriteSkipRecord();
@@ -328,6 +335,14 @@ class clsExchange {
   std::unique_ptr<clsAdvanced> advanced_;
   std::unordered_map<std::string, int16_t> routeIndex_;  // RouteNames by name
   std::vector<clsIndex> indexes_;
+  // The fields of the meter just written that its indexes take, kept from
+  // meter to meter with the text of each; and the text being split into words.
+  struct IndexedField {
+    Value value;
+    std::string text;
+  };
+  std::array<IndexedField, 5> indexed_;
+  std::string indexText_;
   int32_t indexRoute_ = 0;  // the route the gathered index entries belong to
 };
 

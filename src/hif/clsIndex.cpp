@@ -1,7 +1,9 @@
 #include "hif/clsIndex.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace hifx {
 
@@ -16,8 +18,10 @@ namespace {
 // short key padded with zeros: two keys whose heads differ are in the order
 // of their heads; only equal heads need the whole keys compared.
 uint64_t HeadOf(const std::string& key) {
+  std::array<unsigned char, 8> bytes{};
+  std::memcpy(bytes.data(), key.data(), std::min<size_t>(key.size(), bytes.size()));
   uint64_t head = 0;
-  for (size_t i = 0; i < 8; ++i) head = head << 8 | (i < key.size() ? static_cast<uint8_t>(key[i]) : 0u);
+  for (const unsigned char byte : bytes) head = head << 8 | byte;
   return head;
 }
 
