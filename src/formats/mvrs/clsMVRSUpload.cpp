@@ -15,6 +15,16 @@ constexpr std::array<std::string_view, 18> kWritable = {"FHD", "FTR", "RHD", "RT
                                                         "RTS", "RTM", "RMR", "CUS", "CSX", "MTR",
                                                         "MTS", "RDG", "MTC", "PRB", "RFF", "WRR"};
 
+// Equal kinds, compared a byte at a time: a kind is three letters, and a
+// call of memcmp for them costs more than the comparing.
+bool SameKind(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 clsMVRSUpload::clsMVRSUpload(IShell* shell) : shell_(shell), types_(BuildRecordTypes(MVRSUploadCatalogue(), shell)) {
@@ -40,7 +50,7 @@ bool clsMVRSUpload::CreateFile(const std::string& path) {
 
 clsRecType* clsMVRSUpload::SetupRecord(std::string_view id) {
   for (const auto& [kind, type] : writable_) {
-    if (kind == id) {
+    if (SameKind(kind, id)) {
       type->Init();
       return type;
     }
