@@ -16,14 +16,16 @@ LineReader::LineReader(const std::filesystem::path& path) {
 }
 
 bool LineReader::Fill() {
+  constexpr size_t kRead = 65536;
   if (next_ > 0) {
-    buffer_.erase(0, next_);
+    std::memmove(buffer_.data(), buffer_.data() + next_, end_ - next_);
+    end_ -= next_;
     next_ = 0;
   }
-  char chunk[65536];
-  in_.read(chunk, sizeof chunk);
+  if (buffer_.size() < end_ + kRead) buffer_.resize(end_ + kRead);
+  in_.read(buffer_.data() + end_, kRead);
   const auto got = static_cast<size_t>(in_.gcount());
-  buffer_.append(chunk, got);
+  end_ += got;
   return got > 0;
 }
 
@@ -34,21 +36,21 @@ bool LineReader::ReadLine(std::string& line) {
     {
       // The first CR or LF from end on, found with two fast searches.
       const char* from = buffer_.data() + end;
-      const size_t left = buffer_.size() - end;
+      const size_t left = end_ - end;
       const void* lf = std::memchr(from, '\n', left);
       const size_t lfAt = lf == nullptr ? left : static_cast<size_t>(static_cast<const char*>(lf) - from);
       const void* cr = std::memchr(from, '\r', lfAt);
       end += cr == nullptr ? lfAt : static_cast<size_t>(static_cast<const char*>(cr) - from);
     }
     scanned = end - next_;
-    if (end < buffer_.size()) {
+    if (end < end_) {
       // A CR that ends the buffer may be the first half of a CR LF: read on
       // before deciding. Fill moves the unread bytes to the front.
-      if (buffer_[end] == '\r' && end + 1 == buffer_.size() && Fill()) continue;
+      if (buffer_[end] == '\r' && end + 1 == end_ && Fill()) continue;
       end = next_ + scanned;
-      line.assign(buffer_, next_, scanned);
+      line.assign(buffer_.data() + next_, scanned);
       size_t after = end + 1;
-      if (buffer_[end] == '\r' && after < buffer_.size() && buffer_[after] == '\n') ++after;
+      if (buffer_[end] == '\r' && after < end_ && buffer_[after] == '\n') ++after;
       position_ += after - next_;
       next_ = after;
       return true;
@@ -58,9 +60,9 @@ bool LineReader::ReadLine(std::string& line) {
     }
     if (!Fill()) {
       if (scanned == 0) return false;
-      line.assign(buffer_, next_, scanned);
+      line.assign(buffer_.data() + next_, scanned);
       position_ += scanned;
-      next_ = buffer_.size();
+      next_ = end_;
       return true;
     }
   }

@@ -28,7 +28,10 @@ class LineReader {
   bool Fill();
 
   std::ifstream in_;
+  // The bytes read lie in buffer_ up to end_; the room past it is read
+  // into, and grows only for a line longer than a read.
   std::string buffer_;
+  size_t end_ = 0;
   size_t next_ = 0;
   uint64_t position_ = 0;
   uint64_t size_ = 0;

@@ -21,6 +21,16 @@ constexpr std::string_view TrimRight(std::string_view text) {
   return text;
 }
 
+// Equal texts, compared a byte at a time: for the few letters of a record
+// kind, a call of memcmp costs more than the comparing.
+constexpr bool SameShortText(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
 // The text without white space (blank, tab, CR, LF) at both ends: for lines
 // of a text file edited by hand, where a tab or a line end is no data.
 constexpr std::string_view TrimWhiteSpace(std::string_view text) {

@@ -76,25 +76,25 @@ int32_t HifMeterType(const std::string& letter) {
 
 void TakeAccountLine(const clsRecType& record, E5KAccount& account) {
   const std::string& kind = record.IDText;
-  if (kind == "A") {
+  if (SameShortText(kind, "A")) {
     account.AccountNumber = TextField(record, "AccountNumber");
     account.MeterSequenceNumber = record.GetValue("MeterSequenceNumber");
     account.SpecialInstruction = TextField(record, "SpecialInstruction");
-  } else if (kind == "B") {
+  } else if (SameShortText(kind, "B")) {
     account.CustomerName = TextField(record, "CustomerName");
     account.Address = TextField(record, "Address");
-  } else if (kind == "E") {
+  } else if (SameShortText(kind, "E")) {
     account.CustomerAddressLotandPlan = TextField(record, "CustomerAddressLotandPlan");
-  } else if (kind == "C") {
+  } else if (SameShortText(kind, "C")) {
     account.PropertyVGKey = TextField(record, "PropertyVGKey");
   }
 }
 
 void TakeMeterLine(const clsRecType& record, E5KMeter& meter) {
   const std::string& kind = record.IDText;
-  if (kind == "D") {
+  if (SameShortText(kind, "D")) {
     meter.SpecialInstructions = TextField(record, "SpecialInstructions");
-  } else if (kind == "H" || kind == "I") {
+  } else if (SameShortText(kind, "H") || SameShortText(kind, "I")) {
     meter.pending = true;
     meter.MeterSerialNumber = TextField(record, "MeterSerialNumber");
     meter.NumberofDials = record.GetValue("NumberofDials");
@@ -103,11 +103,11 @@ void TakeMeterLine(const clsRecType& record, E5KMeter& meter) {
     meter.PriorRead = record.GetValue("PriorRead");
     meter.MeterType = TextField(record, "MeterType");
     meter.NoDecimals = record.GetValue("NoDecimals");
-  } else if (kind == "K01") {
+  } else if (SameShortText(kind, "K01")) {
     meter.MeterLocationDesc1 = TextField(record, "MeterLocationDesc1");
-  } else if (kind == "K05") {
+  } else if (SameShortText(kind, "K05")) {
     meter.MeterLocationDesc2 = TextField(record, "MeterLocationDesc2");
-  } else if (kind == "L") {
+  } else if (SameShortText(kind, "L")) {
     meter.Location = TextField(record, "Location");
   }
 }
@@ -141,13 +141,13 @@ void clsExchange::CountE5KRoutes(E5KRouteRun& run) {
   while (const clsRecType* record = download.ReadNext()) {
     env_.shell.SetProgressButton(255, download.Position255());
     const std::string& kind = record->IDText;
-    if (kind == "F") {
+    if (SameShortText(kind, "F")) {
       run.route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
       run.accounts.resize(RouteNames.size(), 0);
-    } else if (kind == "H" || kind == "I") {
+    } else if (SameShortText(kind, "H") || SameShortText(kind, "I")) {
       CountUp(RouteCounts[run.route]);
       ++run.meters;
-    } else if (kind == "Z") {
+    } else if (SameShortText(kind, "Z")) {
       run.accounts[run.route] = NumberOf(record->GetValue("NumberofAccounts"));
     } else if (kind == kE5KUnknownKind) {
       Log("Error: Unknown record type '" + TextOf(record->GetValue("RecID")) + "' at line " +
@@ -183,10 +183,11 @@ void clsExchange::ReadE5KMeters(E5KRouteRun& run) {
   while (const clsRecType* record = download.ReadNext()) {
     env_.shell.SetProgressButton(255, download.Position255());
     const std::string& kind = record->IDText;
-    if (kind == "F") {
+    if (SameShortText(kind, "F")) {
       WriteE5KMeter(run);
       run.route = static_cast<size_t>(AddRoute(TextField(*record, "Route")));
-    } else if (kind == "A" || kind == "D" || kind == "H" || kind == "I") {
+    } else if (SameShortText(kind, "A") || SameShortText(kind, "D") || SameShortText(kind, "H") ||
+               SameShortText(kind, "I")) {
       WriteE5KMeter(run);
     }
     TakeAccountLine(*record, run.account);

@@ -112,14 +112,14 @@ MVRSRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
   while (clsRecType* record = reader.ReadNext()) {
     shell.SetProgressButton(765, reader.Position255());
     const std::string& kind = record->IDText;
-    if (kind == "FHD") {
+    if (SameShortText(kind, "FHD")) {
       routeTotal = counts.customerTotal = counts.meterTotal = 0;
-    } else if (kind == "CHD") {
+    } else if (SameShortText(kind, "CHD")) {
       cycleDate = record->GetValue("CycleDate");
       const int32_t routes = Number(*record, Key<"NumberRoutes">());
       routeTotal = Add16(routeTotal, routes == 0 ? 1 : routes);
       counts.table.resize(static_cast<size_t>(std::max<int16_t>(routeTotal, 0)));
-    } else if (kind == "RHD") {
+    } else if (SameShortText(kind, "RHD")) {
       counts.customerTotal = Add16(counts.customerTotal, Number(*record, Key<"NumberCustomerRecords">()));
       counts.meterTotal = Add16(counts.meterTotal, Number(*record, Key<"NumberMeterRecords">()));
       MVRSRouteEntry& entry = EntryAt(counts.table, ++filled);
@@ -129,7 +129,7 @@ MVRSRouteCounts CountRoutes(clsMVRSDownload& reader, IShell& shell) {
       record->GetText(Key<"Office">(), entry.Office);
       entry.CycleDate = cycleDate;
       entry.NumberRemoteWandReads = ToInt16(Number(*record, Key<"NumberRemoteWandReads">()));
-    } else if (kind == "MTR") {
+    } else if (SameShortText(kind, "MTR")) {
       MVRSRouteEntry& entry = EntryAt(counts.table, filled);
       entry.MeterCount = Add16(entry.MeterCount, 1);
       counts.meterLines = Add16(counts.meterLines, 1);
@@ -369,26 +369,26 @@ void TakeReadingLine(MVRSMeter& meter, const clsRecType& line) {
 // One line of pass 2 into the working records; other kinds are passed over.
 void FoldLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
   const std::string& kind = line.IDText;
-  if (kind == "RHD") {
+  if (SameShortText(kind, "RHD")) {
     TakeRouteLine(fold, line);
-  } else if (kind == "CUS") {
+  } else if (SameShortText(kind, "CUS")) {
     TakeCustomerLine(fold, line);
-  } else if (kind == "CSX") {
+  } else if (SameShortText(kind, "CSX")) {
     TakeFixed20(line, Key<"Name">(), fold.customer.Name2);
     TakeFixed20(line, Key<"Address3">(), fold.customer.Address3);
-  } else if (kind == "MTR") {
+  } else if (SameShortText(kind, "MTR")) {
     TakeMeterLine(fold, line);
-  } else if (kind == "RTS") {
+  } else if (SameShortText(kind, "RTS")) {
     line.GetText(Key<"SurveyText1">(), fold.meter.SurveyText1);
     line.GetText(Key<"SurveyText2">(), fold.meter.SurveyText2);
-  } else if (kind == "RFF") {
+  } else if (SameShortText(kind, "RFF")) {
     TakeRadioLine(fold, line, lineNo);
-  } else if (kind == "WRR") {
+  } else if (SameShortText(kind, "WRR")) {
     line.GetText(Key<"WandProgram">(), fold.meter.WandProgram);
     line.GetText(Key<"DeviceID">(), fold.meter.DeviceID);
-  } else if (kind == "MTS") {
+  } else if (SameShortText(kind, "MTS")) {
     line.GetText(Key<"SpecialMessageText">(), fold.meter.SpecialMessageText);
-  } else if (kind == "RDG") {
+  } else if (SameShortText(kind, "RDG")) {
     TakeReadingLine(fold.meter, line);
   }
 }

@@ -13,6 +13,7 @@
 #include "base/CaseBlind.h"
 #include "base/KeyedCollection.h"
 #include "base/Shell.h"
+#include "base/Text.h"
 #include "base/Value.h"
 #include "formats/FieldKey.h"
 #include "formats/clsField.h"
@@ -43,7 +44,7 @@ class clsRecType {
     const auto start = static_cast<size_t>(IDStart - 1);
     if (start >= line.size()) return IDText.empty();
     const std::string_view id = line.substr(start, static_cast<size_t>(IDLength));
-    return id.size() == IDText.size() && (id.empty() || (id[0] == IDText[0] && id == IDText));
+    return SameShortText(id, IDText);
   }
   void ClearFields();
   void ClearValues();

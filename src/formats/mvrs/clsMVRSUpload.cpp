@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "formats/mvrs/MVRSCatalogue.h"
 
 namespace hifx {
@@ -14,16 +15,6 @@ namespace {
 constexpr std::array<std::string_view, 18> kWritable = {"FHD", "FTR", "RHD", "RTR", "ERH", "ERT",
                                                         "RTS", "RTM", "RMR", "CUS", "CSX", "MTR",
                                                         "MTS", "RDG", "MTC", "PRB", "RFF", "WRR"};
-
-// Equal kinds, compared a byte at a time: a kind is three letters, and a
-// call of memcmp for them costs more than the comparing.
-bool SameKind(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (a[i] != b[i]) return false;
-  }
-  return true;
-}
 
 }  // namespace
 
@@ -50,7 +41,7 @@ bool clsMVRSUpload::CreateFile(const std::string& path) {
 
 clsRecType* clsMVRSUpload::SetupRecord(std::string_view id) {
   for (const auto& [kind, type] : writable_) {
-    if (SameKind(kind, id)) {
+    if (SameShortText(kind, id)) {
       type->Init();
       return type;
     }
