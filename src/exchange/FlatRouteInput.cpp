@@ -32,8 +32,10 @@ std::vector<std::string> Split(const std::string& text, const std::string& delim
 
 }  // namespace
 
-void clsExchange::AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds,
-                           bool keep) {
+// Inline, as is TakeFixedField: they run for every field of every line, and
+// a call of them cost as much as their work.
+inline void clsExchange::AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds,
+                                  bool keep) {
   if (!keep && !routeLine_.Is(position, MeterField::RouteNbr)) {
     // Nothing is kept, but a number that doesn't fit its field still fails
     // here as it would in the second pass. One too short to overflow isn't
@@ -160,7 +162,8 @@ void clsExchange::PlanRouteLine() {
   }
 }
 
-void clsExchange::TakeFixedField(size_t position, const std::string& line, std::string_view& raw, bool onlyRoute) {
+inline void clsExchange::TakeFixedField(size_t position, const std::string& line, std::string_view& raw,
+                                        bool onlyRoute) {
   const MapField& field = ActiveMap->Fields()[position];
   switch (field.MapOption) {
     case kOptionDoNotMap:
