@@ -33,7 +33,7 @@ std::vector<std::string> Split(const std::string& text, const std::string& delim
 }  // namespace
 
 // Inline, as is TakeFixedField: they run for every field of every line, and
-// a call of them cost as much as their work.
+// a call of them costs as much as their work.
 inline void clsExchange::AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds,
                                   bool keep) {
   if (!keep && !routeLine_.Is(position, MeterField::RouteNbr)) {
