@@ -88,7 +88,7 @@ void clsExchange::UpdateIndexes(int32_t route, int16_t number, std::string_view 
   }
   for (int type = 0; type < static_cast<int>(indexes_.size()); ++type) {
     clsIndex& index = indexes_[static_cast<size_t>(type)];
-    const auto insert = [&](std::string_view key) { index.Insert(std::string(key), number); };
+    const auto insert = [&](std::string_view key) { index.Insert(key, number); };
     switch (type) {
       case 0:
         ForEachIndexWord(name, 0, insert);
@@ -98,12 +98,12 @@ void clsExchange::UpdateIndexes(int32_t route, int16_t number, std::string_view 
         break;
       case 2: {
         std::string key = UpperCase(Trim(tag));
-        if (!key.empty() && key != "0") index.Insert(std::move(key), number);
+        if (!key.empty() && key != "0") index.Insert(key, number);
         break;
       }
       default: {
         std::string key = UpperCase(Trim(type == 3 ? serial : account));
-        if (!key.empty()) index.Insert(std::move(key), number);
+        if (!key.empty()) index.Insert(key, number);
         break;
       }
     }

@@ -36,8 +36,7 @@ void AppendWord(std::string& record, int32_t value) {
 
 }  // namespace
 
-void clsHIF::AddIndexRecord(int16_t route, int16_t type, int32_t count,
-                            const std::vector<std::string>& keys,
+void clsHIF::AddIndexRecord(int16_t route, int16_t type, int32_t count, const std::vector<std::string_view>& keys,
                             const std::vector<int16_t>& numbers) {
   clsPalmDB& db = DB();
   db.AddNew();
@@ -52,12 +51,15 @@ void clsHIF::AddIndexRecord(int16_t route, int16_t type, int32_t count,
   // A group a key: the offset of the next group (-1 for the last), the key
   // packed to an even length, and the numbers filed under it.
   std::string record;
+  size_t room = 6;
+  for (const std::string_view key : keys) room += key.size() + 7;
+  record.reserve(room);
   AppendWord(record, kRecIndex);
   AppendWord(record, route);
   AppendWord(record, type);
   size_t nextAt = 0;  // where the open group's next offset goes
   for (int32_t i = 0; i < count; ++i) {
-    const std::string& key = keys[static_cast<size_t>(i)];
+    const std::string_view key = keys[static_cast<size_t>(i)];
     if (i == 0 || key != keys[static_cast<size_t>(i - 1)]) {
       if (i > 0) {
         record[nextAt] = static_cast<char>((record.size() & 0xFF00) / 256);

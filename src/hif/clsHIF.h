@@ -95,7 +95,7 @@ class clsHIF {
                      const std::vector<std::string>& texts3);
   // An index record of one route and one index type; keys sorted, equal keys
   // next to each other, numbers parallel to them.
-  void AddIndexRecord(int16_t route, int16_t type, int32_t count, const std::vector<std::string>& keys,
+  void AddIndexRecord(int16_t route, int16_t type, int32_t count, const std::vector<std::string_view>& keys,
                       const std::vector<int16_t>& numbers);
   // With an index record in the buffer: its route, type, and one text an
   // entry, the key and each meter number joined by ":" ("MAIN:12:40").

@@ -2,64 +2,90 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
-#include <cstring>
+#include <utility>
 
 namespace hifx {
-
-void clsIndex::Insert(std::string key, int16_t number) {
-  keys_.push_back(std::move(key));
-  numbers_.push_back(number);
-}
-
 namespace {
 
-// A key's first eight bytes as one number that orders as the bytes do, a
-// short key padded with zeros: two keys whose heads differ are in the order
-// of their heads; only equal heads need the whole keys compared.
-uint64_t HeadOf(const std::string& key) {
-  std::array<unsigned char, 8> bytes{};
-  std::memcpy(bytes.data(), key.data(), std::min<size_t>(key.size(), bytes.size()));
+// A key's first eight bytes, a short key padded with zeros: two keys whose
+// heads differ are in the order of their heads; only equal heads need the
+// whole keys compared.
+uint64_t HeadOf(std::string_view key) {
   uint64_t head = 0;
-  for (const unsigned char byte : bytes) head = head << 8 | byte;
+  const size_t size = std::min<size_t>(key.size(), 8);
+  for (size_t i = 0; i < size; ++i) head |= uint64_t{static_cast<unsigned char>(key[i])} << (56 - 8 * i);
   return head;
 }
 
 }  // namespace
 
+void clsIndex::Insert(std::string_view key, int16_t number) {
+  entries_.push_back({HeadOf(key), static_cast<uint32_t>(text_.size()), static_cast<uint32_t>(key.size()), number});
+  text_.append(key);
+}
+
+// The result of a stable bubble sort on the keys' bytes, in linear time for
+// the heads and n log n only among keys with equal heads.
 void clsIndex::Sort() {
-  // The result of a stable bubble sort on the keys' bytes, in n log n.
-  struct Entry {
-    uint64_t head;
-    size_t size;
-    size_t at;
-  };
-  std::vector<Entry> order(keys_.size());
-  for (size_t i = 0; i < keys_.size(); ++i) order[i] = {HeadOf(keys_[i]), keys_[i].size(), i};
-  std::stable_sort(order.begin(), order.end(), [&](const Entry& a, const Entry& b) {
-    if (a.head != b.head) return a.head < b.head;
-    // Two keys no longer than their heads differ only in trailing NULs.
-    if (a.size <= 8 && b.size <= 8) return a.size < b.size;
-    return keys_[a.at] < keys_[b.at];
-  });
-  std::vector<std::string> keys;
-  std::vector<int16_t> numbers;
-  keys.reserve(order.size());
-  numbers.reserve(order.size());
-  for (const Entry& entry : order) {
-    keys.push_back(std::move(keys_[entry.at]));
-    numbers.push_back(numbers_[entry.at]);
+  SortByHead();
+  SortEqualHeads();
+}
+
+// A stable radix sort on the heads, a byte a pass from the lowest, leaving
+// out the passes of a byte all keys share.
+void clsIndex::SortByHead() {
+  std::array<std::array<uint32_t, 256>, 8> counts{};
+  for (const Entry& entry : entries_) {
+    for (size_t b = 0; b < 8; ++b) ++counts[b][(entry.head >> (8 * b)) & 0xFF];
   }
-  keys_ = std::move(keys);
-  numbers_ = std::move(numbers);
+  spare_.resize(entries_.size());
+  for (size_t b = 0; b < 8; ++b) {
+    std::array<uint32_t, 256>& starts = counts[b];
+    if (std::find(starts.begin(), starts.end(), entries_.size()) != starts.end()) continue;
+    uint32_t next = 0;
+    for (uint32_t& start : starts) next += std::exchange(start, next);
+    for (const Entry& entry : entries_) spare_[starts[(entry.head >> (8 * b)) & 0xFF]++] = entry;
+    entries_.swap(spare_);
+  }
+}
+
+// Keys with the same head, in a stretch of their own, are put in order by
+// their whole text; two no longer than their heads differ only in trailing
+// NULs.
+void clsIndex::SortEqualHeads() {
+  const auto before = [this](const Entry& a, const Entry& b) {
+    if (a.size <= 8 && b.size <= 8) return a.size < b.size;
+    return KeyOf(a) < KeyOf(b);
+  };
+  for (auto first = entries_.begin(); first != entries_.end();) {
+    const auto last =
+        std::find_if(first + 1, entries_.end(), [&](const Entry& entry) { return entry.head != first->head; });
+    // Mostly a word met again: the same key, already in order.
+    if (last - first > 1 && !std::is_sorted(first, last, before)) std::stable_sort(first, last, before);
+    first = last;
+  }
+}
+
+std::vector<std::string_view> clsIndex::Keys() const {
+  std::vector<std::string_view> keys;
+  keys.reserve(entries_.size());
+  for (const Entry& entry : entries_) keys.push_back(KeyOf(entry));
+  return keys;
+}
+
+std::vector<int16_t> clsIndex::Numbers() const {
+  std::vector<int16_t> numbers;
+  numbers.reserve(entries_.size());
+  for (const Entry& entry : entries_) numbers.push_back(entry.number);
+  return numbers;
 }
 
 void clsIndex::WriteRecord(clsHIF& hif) {
-  if (keys_.empty()) return;
+  if (entries_.empty()) return;
   Sort();
-  hif.AddIndexRecord(Route, static_cast<int16_t>(IndexType), Count(), keys_, numbers_);
-  keys_.clear();
-  numbers_.clear();
+  hif.AddIndexRecord(Route, static_cast<int16_t>(IndexType), Count(), Keys(), Numbers());
+  entries_.clear();
+  text_.clear();
 }
 
 }  // namespace hifx
