@@ -136,9 +136,11 @@ void clsExchange::PlanRouteLine() {
   routeLine_.Plan(map);
   firstPassFields_.clear();
   firstPassMap_ = &map;
+  validatedFields_.clear();
   const std::vector<MapField>& fields = map.Fields();
   for (size_t i = 0; i < fields.size(); ++i) {
     const MapField& field = fields[i];
+    if (field.MaxValue > 0 || field.Required) validatedFields_.push_back(i);
     const bool checked = field.DataType == kTypeInteger || field.DataType == kTypeLong;
     bool walked = checked || routeLine_.Is(i, MeterField::RouteNbr);
     switch (field.MapOption) {

@@ -35,8 +35,8 @@ int16_t clsExchange::ValidateRoute(const RouteLine& values) {
   const bool untagged = LastReadType == "M" || LastReadType == "P" || LastReadType == "S";
   const std::vector<MapField>& fields = ActiveMap->Fields();
   const auto line = [this] { return std::to_string(LineNumber); };
-  for (size_t i = 0; i < fields.size(); ++i) {
-    const MapField& field = fields[i];
+  for (const size_t i : validatedFields_) {
+    const MapField& field = fields.at(i);
     const bool skipTag = untagged && values.Is(i, MeterField::MeterTagNbr);
     const Value& value = values.At(i);
     if (!skipTag && field.MaxValue > 0) {
@@ -55,7 +55,7 @@ int16_t clsExchange::ValidateRoute(const RouteLine& values) {
           Report(field.FieldName + " zero in Line " + line(), result,
                  {LineNumber, field.FieldName, TextOf(value), kFaultZero, {}});
         }
-      } else if (Trim(TextOf(value)).empty()) {
+      } else if (value.IsText() ? Trim(value.Text()).empty() : Trim(TextOf(value)).empty()) {
         Report(field.FieldName + " empty in Line " + line(), result,
                {LineNumber, field.FieldName, TextOf(value), kFaultEmpty, {}});
       }

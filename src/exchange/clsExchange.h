@@ -98,10 +98,10 @@ class clsExchange {
   const RouteLine& ParseRoute(const std::string& line, bool onlyRoute = false);
   const RouteLine& ParseRouteFixed(const std::string& line, bool onlyRoute = false);
   const RouteLine& ParseRouteDelimited(const std::string& line, bool onlyRoute = false);
-  // Finds the fields a conversion reads among the active map's, and the
-  // fields a first pass must walk.
+  // Finds the fields a conversion reads among the active map's, the fields
+  // a first pass must walk and those a line is validated on.
   void PlanRouteLine();
-  // 0 no fault, 1 messages logged, 3 stop.
+  // 0 no fault, 1 messages logged, 3 stop. PlanRouteLine comes first.
   int16_t ValidateRoute(const RouteLine& values);
   bool CheckDuplicateTag(const std::string& tag, const std::string& info, int32_t line);
   // The same with the line as the caller words it.
@@ -270,6 +270,8 @@ class clsExchange {
   // can fail or that count. Planned for firstPassMap_ alone.
   std::vector<size_t> firstPassFields_;
   const clsExchMap* firstPassMap_ = nullptr;
+  // The fields with a maximum or required, by position.
+  std::vector<size_t> validatedFields_;
   // One field of a fixed-column line into routeLine_; `raw` is the text of
   // the field before, which a field may repeat.
   void TakeFixedField(size_t position, const std::string& line, std::string_view& raw, bool onlyRoute);
