@@ -3,6 +3,7 @@
 // the handheld doesn't use but the reading file must give back travels in
 // the five user fields.
 #include <algorithm>
+#include <charconv>
 
 #include "base/Failure.h"
 #include "base/Numbers.h"
@@ -188,28 +189,44 @@ struct MVRSFold {
   std::string routeNumber;
   MVRSCustomer customer;
   MVRSMeter meter;
+  std::string userRoom;  // where a text of a meter's record is put together
+};
+
+// A number's decimal text in a room of its own, read as a view while it
+// lives.
+struct NumberText {
+  explicit NumberText(int32_t number)
+      : size(static_cast<size_t>(std::to_chars(text, text + sizeof text, number).ptr - text)) {}
+  operator std::string_view() const { return {text, size}; }  // NOLINT: read as the text it is
+  char text[12];
+  size_t size;
 };
 
 // What the handheld doesn't use but the reading file must give back, packed
-// in the five user fields.
-void SetUserFields(clsHIF& hif, const MVRSCustomer& customer, const MVRSMeter& meter) {
-  hif.SetItem(MeterField::User1, Value(clsExchange::CombineUser({Str(customer.CustomerSlot), customer.Account,
-                                                       customer.GroupCode, customer.ExtraIndicator,
-                                                       customer.SegmentCode, customer.PassThru,
-                                                       customer.CustomerInfo})));
-  hif.SetItem(MeterField::User2, Value(clsExchange::CombineUser(
-                           {meter.GroupCode, meter.SurveyCode1DisplayIndicator, meter.SurveyCode2DisplayIndicator,
-                            meter.BillCode, meter.MeterStatus, meter.OpticalProbeID, Str(meter.MeterType),
-                            meter.MeterLocation, Str(meter.ReadInstruction1), Str(meter.ReadInstruction2),
-                            Str(meter.SpecialMessageDisplayIndicator), meter.SurveyText1, meter.LocationExtraMeter,
-                            meter.AdditionalMeterInfo, meter.ReadSequenceText})));
-  hif.SetItem(MeterField::User3, Value(clsExchange::CombineUser({meter.TextPrompt, meter.ReadDirection, Str(meter.CompareCode),
-                                                       Str(meter.ValidationCode), meter.ReadMethod,
-                                                       Str(meter.MeterConstant), Str(meter.ConstantFlag),
-                                                       Str(meter.HHFPosition), Str(meter.NumberDecimals)})));
-  hif.SetItem(MeterField::User4, Value(clsExchange::CombineUser({Str(meter.GeographicArea), meter.RFFrequency, meter.RFTone,
-                                                       "", meter.DeviceID, meter.WandProgram})));
-  hif.SetItem(MeterField::User5, Value(clsExchange::CombineUser({meter.SpecialMessageText})));
+// in the five user fields, each joined in the fold's room.
+void SetUserFields(clsHIF& hif, const MVRSCustomer& customer, const MVRSMeter& meter, std::string& room) {
+  using N = NumberText;
+  hif.SetText(
+      MeterField::User1,
+      clsExchange::CombineUser({N(customer.CustomerSlot), customer.Account, customer.GroupCode, customer.ExtraIndicator,
+                                customer.SegmentCode, customer.PassThru, customer.CustomerInfo},
+                               room));
+  hif.SetText(MeterField::User2,
+              clsExchange::CombineUser(
+                  {meter.GroupCode, meter.SurveyCode1DisplayIndicator, meter.SurveyCode2DisplayIndicator,
+                   meter.BillCode, meter.MeterStatus, meter.OpticalProbeID, N(meter.MeterType), meter.MeterLocation,
+                   N(meter.ReadInstruction1), N(meter.ReadInstruction2), N(meter.SpecialMessageDisplayIndicator),
+                   meter.SurveyText1, meter.LocationExtraMeter, meter.AdditionalMeterInfo, meter.ReadSequenceText},
+                  room));
+  hif.SetText(MeterField::User3,
+              clsExchange::CombineUser({meter.TextPrompt, meter.ReadDirection, N(meter.CompareCode),
+                                        N(meter.ValidationCode), meter.ReadMethod, N(meter.MeterConstant),
+                                        N(meter.ConstantFlag), N(meter.HHFPosition), N(meter.NumberDecimals)},
+                                       room));
+  hif.SetText(MeterField::User4, clsExchange::CombineUser({N(meter.GeographicArea), meter.RFFrequency, meter.RFTone, "",
+                                                           meter.DeviceID, meter.WandProgram},
+                                                          room));
+  hif.SetText(MeterField::User5, clsExchange::CombineUser({meter.SpecialMessageText}, room));
 }
 
 // The pending meter as one HIF record of the current route.
@@ -248,12 +265,14 @@ void WriteMeterRecord(MVRSFold& fold) {
                              std::string(Trim(meter.SpecialMessageText)), fold.routeNumber,
                              std::string(Trim(customer.Account)), std::string(Trim(meter.MeterNumber)),
                              std::string(Trim(tag)))));
-  hif.SetItem(MeterField::ServiceAddress, Value(std::string(Trim(customer.Address1 + customer.Address2 + customer.Address3))));
-  hif.SetItem(MeterField::BillingName, Value(std::string(Trim(customer.Name + customer.Name2))));
-  hif.SetItem(MeterField::ServiceUniqueID, Value(customer.Account));
-  hif.SetItem(MeterField::MeterSerialNbr, Value(meter.MeterNumber));
-  hif.SetItem(MeterField::ReceiverData, Value(""));
-  SetUserFields(hif, customer, meter);
+  std::string& room = fold.userRoom;
+  hif.SetText(MeterField::ServiceAddress,
+              Trim(room.assign(customer.Address1).append(customer.Address2).append(customer.Address3)));
+  hif.SetText(MeterField::BillingName, Trim(room.assign(customer.Name).append(customer.Name2)));
+  hif.SetText(MeterField::ServiceUniqueID, customer.Account);
+  hif.SetText(MeterField::MeterSerialNbr, meter.MeterNumber);
+  hif.SetText(MeterField::ReceiverData, "");
+  SetUserFields(hif, customer, meter, fold.userRoom);
   hif.WriteData();
 }
 
@@ -407,9 +426,15 @@ void FoldMeters(clsExchange& exchange, clsMVRSDownload& reader, const std::vecto
 }  // namespace
 
 std::string clsExchange::CombineUser(std::initializer_list<std::string_view> values) {
+  std::string joined;
+  CombineUser(values, joined);
+  return joined;
+}
+
+std::string_view clsExchange::CombineUser(std::initializer_list<std::string_view> values, std::string& joined) {
   size_t length = values.size() > 0 ? values.size() - 1 : 0;  // the tildes
   for (const std::string_view value : values) length += value.size();
-  std::string joined(length, '~');  // the values are written between the tildes
+  joined.assign(length, '~');  // the values are written between the tildes
   size_t at = 0;
   for (const std::string_view value : values) {
     value.copy(joined.data() + at, value.size());

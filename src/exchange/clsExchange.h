@@ -86,6 +86,8 @@ class clsExchange {
   bool ConvertRouteMVRS();
   // Values joined with "~" for a user field, NULs made code 1.
   static std::string CombineUser(std::initializer_list<std::string_view> values);
+  // The same joined in `joined`, whose room is kept.
+  static std::string_view CombineUser(std::initializer_list<std::string_view> values, std::string& joined);
   // An E5000 download file through the fixed E5000 layout.
   bool ConvertRouteE5K();
   // True when every character of the trimmed text is a digit.

@@ -97,6 +97,13 @@ class clsPalmDB {
     if (index > 0 && index <= FieldCount()) return WriteField(static_cast<int16_t>(index), value);
     ReportNoField(std::to_string(index));
   }
+  // The same for a text, set in place when the field holds a text.
+  void SetTextItem(int32_t index, std::string_view text) {
+    if (index > 0 && index <= FieldCount() && schema_[static_cast<size_t>(index)].type == kFieldText) {
+      return SetText(schema_[static_cast<size_t>(index)].position, text);
+    }
+    SetItem(index, Value(std::string(text)));
+  }
 
   void AddNew();
   void Rewind();

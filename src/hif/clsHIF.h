@@ -73,6 +73,12 @@ class clsHIF {
     if (index == 0) return SetItem(NameOf(field), value);
     db_->SetItem(int32_t{index}, value);  // a schema index means the schema is built
   }
+  // A text into a text field as it stands, with no value made for it.
+  void SetText(MeterField field, std::string_view text) {
+    const int16_t index = meterFields_[IndexOf(field)];
+    if (index == 0) return SetItem(NameOf(field), Value(std::string(text)));
+    db_->SetTextItem(int32_t{index}, text);
+  }
   void AddNew();
   bool WriteData();
   void Rewind();
