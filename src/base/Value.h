@@ -41,6 +41,7 @@ class Value {
   // simply overwritten, as a value kept from record to record mostly is.
   void SetInteger(int16_t v) { SetNumber(v); }
   void SetLong(int32_t v) { SetNumber(v); }
+  void SetDouble(double v) { SetNumber(v); }
 
   // The value as a number. Empty is 0; a text must be one whole number;
   // null is an invalid use of null.

@@ -56,7 +56,9 @@ inline void clsExchange::AddValue(size_t position, const MapField& field, std::s
       routeLine_.Slot(position).SetLong(number);
       break;
     }
-    case kTypeNumber: routeLine_.Set(position, Value::Double(NumericPrefix(raw))); break;
+    case kTypeNumber:
+      routeLine_.Slot(position).SetDouble(NumericPrefix(raw));
+      break;
     case kTypeDate:
     case kTypeTime: routeLine_.Slot(position).SetText(TrimRight(raw)); break;
     default: break;

@@ -13,8 +13,6 @@ void RouteLine::Clear(size_t fields) {
   filled_.assign(fields, 0);
 }
 
-void RouteLine::Set(size_t position, Value value) { Slot(position) = std::move(value); }
-
 void RouteLine::ThrowInvalidCall() { throw Failure(fail::kInvalidCall); }
 
 }  // namespace hifx

@@ -19,10 +19,9 @@ class RouteLine {
   void Plan(const clsExchMap& map);
   // Every field without a value, ready for the next line of fields fields.
   void Clear(size_t fields);
-  // position: the field's place in the map, from 0.
-  void Set(size_t position, Value value);
-  // The field's value to be filled in place, counted as given. Inline, as
-  // these run for every field of every line.
+  // The value of the field at position, its place in the map from 0, to be
+  // filled in place and counted as given. Inline, as these run for every
+  // field of every line.
   Value& Slot(size_t position) {
     if (position >= values_.size()) ThrowInvalidCall();
     filled_[position] = 1;
