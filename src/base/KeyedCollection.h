@@ -51,6 +51,7 @@ class KeyedCollection {
     if (position < 1 || position > items_.size()) throw Failure(fail::kInvalidCall);
     return items_[position - 1].second;
   }
+  T& Item(size_t position) { return const_cast<T&>(std::as_const(*this).Item(position)); }
 
   const std::string& Key(size_t position) const {
     if (position < 1 || position > items_.size()) throw Failure(fail::kInvalidCall);

@@ -133,7 +133,9 @@ void clsRecType::ClearValues() {
     std::fill(line_.begin(), line_.end(), ' ');
     lineWritten_ = false;
   }
-  if (otherValues_.Count() > 0) otherValues_ = KeyedCollection<Value>();
+  // A name no field has keeps its entry, empty as it reads when never set,
+  // so that a kind set line after line adds none again.
+  for (size_t i = 1; i <= otherValues_.Count(); ++i) otherValues_.Item(i) = Value();
 }
 
 void clsRecType::Parse(std::string_view line) {
