@@ -1,12 +1,14 @@
 #include "cli/CliShell.h"
 
-#include "base/Text.h"
-
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <string>
 
 #include "base/CaseBlind.h"
+#include "base/Failure.h"
+#include "base/Text.h"
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -23,6 +25,25 @@ void UseBinaryStandardStreams() {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
 #endif
+}
+
+namespace {
+
+[[noreturn]] void StandardOutputFailed(int error) {
+  throw WriteFailure(error == ENOSPC || error == EFBIG ? fail::kDiskFull : fail::kPathAccess, "Could not write",
+                     "standard output", error != 0 ? std::strerror(error) : "an earlier write failed");
+}
+
+}  // namespace
+
+void WriteOut(std::string_view bytes) {
+  errno = 0;
+  if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size()) StandardOutputFailed(errno);
+}
+
+void CheckStandardOutput() {
+  errno = 0;
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) StandardOutputFailed(errno);
 }
 
 bool IsTerminal(int fd) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Shell.h"
@@ -15,6 +16,14 @@ namespace hifx {
 // Standard output and error carry the engine's bytes as they are: on Windows
 // too a line ends in LF alone, so a script reads the same words everywhere.
 void UseBinaryStandardStreams();
+
+// Bytes onto standard output, written as a file is: a write that doesn't
+// all reach it (a full disk or a closed pipe behind a redirection) raises,
+// naming standard output and why.
+void WriteOut(std::string_view bytes);
+// Raises in the same words when anything written to standard output before
+// did not reach it.
+void CheckStandardOutput();
 
 // Whether standard input (0) or standard error (2) is a terminal: on Windows a
 // console, which the NUL device, a character device too, is not.

@@ -1,16 +1,17 @@
 // The command line as a whole: the global options, one parser for every
 // command, usage lines made from the same definitions, and the one place
 // where a failure becomes words on standard error and an exit code.
-#include <CLI/CLI.hpp>
+#include "cli/CommandLine.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <new>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "base/Failure.h"
 #include "cli/CliShell.h"
-#include "cli/CommandLine.h"
 #include "cli/Version.h"
 
 namespace hifx::cli {
@@ -188,7 +189,9 @@ void AddGlobalOptions(CLI::App& root, GlobalOptions& global) {
 // Runs the command; a failure no command frame took is said here.
 int Run(const CLI::App& command, const Runner& run, Context& session) {
   try {
-    return run(session);
+    const int status = run(session);
+    CheckStandardOutput();
+    return status;
   } catch (const std::bad_alloc&) {
     // Said without asking for memory, of which there is none to be had.
     std::fflush(stdout);
@@ -199,6 +202,17 @@ int Run(const CLI::App& command, const Runner& run, Context& session) {
     const app::FailureReport report = app::ReportOf(failure);
     std::fprintf(stderr, "hifx: %s: %s\n", command.get_name().c_str(), report.words.c_str());
     return report.exitCode;
+  }
+}
+
+// The exit of a run that only printed, a failure to print said as any is.
+int Printed() {
+  try {
+    CheckStandardOutput();
+    return kExitOk;
+  } catch (const Failure& failure) {
+    std::fprintf(stderr, "hifx: %s\n", failure.what());
+    return app::ReportOf(failure).exitCode;
   }
 }
 
@@ -277,10 +291,10 @@ int Main(int argc, const char* const* argv) {
     root.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
     std::fputs(root.help().c_str(), stdout);
-    return kExitOk;
+    return Printed();
   } catch (const CLI::CallForVersion& version) {
     std::printf("%s\n", version.what());
-    return kExitOk;
+    return Printed();
   } catch (const CLI::ParseError& error) {
     const CLI::App& command = AboutGlobalOption(root, error.what()) ? root : Deepest(root);
     return SayUsage(root, command, ProblemOf(root, command, error));

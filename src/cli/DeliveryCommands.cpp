@@ -1,6 +1,5 @@
 // users and install: handheld delivery through the desktop sync folders.
 #include <CLI/CLI.hpp>
-
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -8,6 +7,7 @@
 #include <system_error>
 
 #include "base/Failure.h"
+#include "cli/CliShell.h"
 #include "cli/Commands.h"
 #include "config/SiteRegistry.h"
 #include "delivery/SyncFolders.h"
@@ -28,7 +28,7 @@ int Users(Context& context) {
     }
   }();
   for (const PalmUser& user : users.Users()) {
-    std::fwrite(user.UserName.data(), 1, user.UserName.size(), stdout);
+    WriteOut(user.UserName);
     std::fputc('\n', stdout);
   }
   if (users.UserCount() == 0) {

@@ -1,13 +1,13 @@
 // dump and view: what a HIF file holds, for scripts and for people.
-#include <cstdio>
 #include <CLI/CLI.hpp>
-
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 #include <optional>
 
 #include "base/Csv.h"
 #include "base/Failure.h"
+#include "cli/CliShell.h"
 #include "cli/Commands.h"
 #include "cli/HifFile.h"
 #include "handheld/PalmFileCheck.h"
@@ -80,7 +80,7 @@ void PrintTable(const std::vector<std::vector<std::string>>& rows, const std::ve
     }
     line.erase(line.find_last_not_of(' ') + 1);
     line += '\n';
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    WriteOut(line);
   }
 }
 
@@ -147,17 +147,19 @@ int Dump(const std::string& file) {
       out.push_back('\n');
       ++record;
       if (out.size() > (1u << 16)) {
-        std::fwrite(out.data(), 1, out.size(), stdout);
+        WriteOut(out);
         out.clear();
       }
     }
+  } catch (const WriteFailure&) {
+    throw;  // standard output, not the file
   } catch (const Failure& failure) {
     // What was read before the damage is shown, then where it is.
     std::fwrite(out.data(), 1, out.size(), stdout);
     throw Failure(FailureKind::BadInput, failure.Number(), {}, file,
                   "record " + std::to_string(record) + ": " + failure.Description());
   }
-  std::fwrite(out.data(), 1, out.size(), stdout);
+  WriteOut(out);
   return kExitOk;
 }
 
@@ -175,11 +177,11 @@ int View(Context& context, const std::string& file, std::optional<int32_t> route
   for (const auto& row : table.rows) {
     append(out, row);
     if (out.size() > (1u << 16)) {
-      std::fwrite(out.data(), 1, out.size(), stdout);
+      WriteOut(out);
       out.clear();
     }
   }
-  std::fwrite(out.data(), 1, out.size(), stdout);
+  WriteOut(out);
   return kExitOk;
 }
 

@@ -1,9 +1,8 @@
 // map list, map show NAME, map check NAME: the map files of the site folder.
 #include <CLI/CLI.hpp>
-
 #include <algorithm>
-#include <memory>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -12,6 +11,7 @@
 #include "base/CaseBlind.h"
 #include "base/Failure.h"
 #include "base/Value.h"
+#include "cli/CliShell.h"
 #include "cli/Commands.h"
 #include "cli/MapNames.h"
 #include "maps/MapCatalogues.h"
@@ -21,7 +21,7 @@ namespace hifx::cli {
 namespace {
 
 void Print(const std::string& line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
+  WriteOut(line);
   std::fputc('\n', stdout);
 }
 

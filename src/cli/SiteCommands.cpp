@@ -1,7 +1,6 @@
 // settings, site, dist and registry: the site's configuration from the
 // command line.
 #include <CLI/CLI.hpp>
-
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -9,14 +8,15 @@
 #include <optional>
 
 #include "base/Failure.h"
+#include "cli/CliShell.h"
+#include "cli/Commands.h"
+#include "cli/MapNames.h"
+#include "cli/RunSummary.h"
 #include "config/RegistryRoot.h"
 #include "config/SiteRegistry.h"
 #include "config/clsAdvanced.h"
 #include "config/clsDist.h"
 #include "config/clsRegistry.h"
-#include "cli/Commands.h"
-#include "cli/MapNames.h"
-#include "cli/RunSummary.h"
 #include "exchange/ExchangeSettings.h"
 #include "exchange/clsExchange.h"
 
@@ -24,7 +24,7 @@ namespace hifx::cli {
 namespace {
 
 void PrintLine(const std::string& line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
+  WriteOut(line);
   std::fputc('\n', stdout);
 }
 
@@ -157,7 +157,7 @@ int ShowSite(Context& context) {
 int RegistryDump(Context& context) {
   const std::string dump = clsRegistry(context.Store()).GetKeyInfo(
       {std::string(kRootHive), std::string(kRootPath)}, context.Shell());
-  std::fwrite(dump.data(), 1, dump.size(), stdout);
+  WriteOut(dump);
   return dump == "Error opening key." ? kExitNotComplete : kExitOk;
 }
 

@@ -181,6 +181,12 @@ TEST_F(FileSafety, AFileSizeLimitFailsTheRunAndKeepsTheOldFiles) {
   EXPECT_NE(r.err.find("route.pdb"), std::string::npos) << r.out << r.err;
   EXPECT_NE(r.err.find(": File too large"), std::string::npos) << r.err;
   EXPECT_TRUE(ReadBytes(dir / "route.pdb") == "OLD ROUTE");
+  // Standard output is written as a file is: a dump that can't all reach it
+  // fails the run, with nothing else wrong.
+  ASSERT_EQ(Hifx({"route", "--source", (dir / "big.txt").string(), "--dest", (dir / "big.pdb").string()}).status, 0);
+  const auto o = limited(16, {"dump", (dir / "big.pdb").string()});
+  EXPECT_EQ(o.status, 74);
+  EXPECT_EQ(o.err, "hifx: dump: Could not write standard output: File too large\n");
   // Where the settings can't even be opened for writing, the run says so by
   // the file's name and the setting stays as it was.
   ASSERT_EQ(Hifx({"settings", "set", "RouteMap", "Before"}).status, 0);
