@@ -227,6 +227,8 @@ def make_hif_read():
         stem = name.rsplit(".", 1)[0]
         if len(data) < PDB_HEADER:
             continue
+        if data[0:2] != b"\0\0" and PDB_HEADER + 8 * struct.unpack(">H", data[76:78])[0] > len(data):
+            continue  # a seed damaged already stays as it is, without variants
         if data[0:2] == b"\0\0":
             vfs_variants(corpus, stem, data)
             corpus.add(f"{stem}-as-pdb", make_pdb(vfs_records(data)))
@@ -558,8 +560,50 @@ def make_registry_values():
     return corpus
 
 
+def sfnt(tables):
+    """A font file of these tables (tag, bytes), in tag order, each aligned."""
+    tables = sorted(tables)
+    power = 1
+    while power * 2 <= len(tables):
+        power *= 2
+    out = struct.pack(">IHHHH", 0x00010000, len(tables), power * 16, power.bit_length() - 1,
+                      len(tables) * 16 - power * 16)
+    offset = 12 + 16 * len(tables)
+    body = b""
+    for tag, data in tables:
+        out += tag + struct.pack(">III", 0, offset + len(body), len(data))
+        body += data + b"\0" * (-len(data) % 4)
+    return out + body
+
+
+def make_font_subset():
+    corpus = Corpus("font_subset")
+    head = bytearray(54)
+    struct.pack_into(">H", head, 18, 2048)
+    struct.pack_into(">hhhh", head, 36, -100, -200, 1000, 1800)
+    maxp = struct.pack(">IH", 0x5000, 4)
+    hhea = bytearray(36)
+    struct.pack_into(">hhH", hhea, 4, 1800, -400, 0)
+    struct.pack_into(">H", hhea, 34, 2)
+    simple = struct.pack(">hhhhh", 1, 0, 0, 500, 700) + b"\0" * 6
+    composite = struct.pack(">hhhhhHHbb", -1, 0, 0, 500, 700, 0x0020, 1, 0, 0) + struct.pack(">HHhh", 0x0001, 3, 10, 10)
+    glyf = simple + simple + composite + simple
+    for long_offsets in (0, 1):
+        struct.pack_into(">H", head, 50, long_offsets)
+        ends = [0, len(simple), 2 * len(simple), 2 * len(simple) + len(composite), len(glyf)]
+        loca = b"".join(struct.pack(">I", e) if long_offsets else struct.pack(">H", e // 2) for e in ends)
+        # The first bytes of the font are its first glyphs used: glyph 2 is
+        # the composite of glyphs 1 and 3.
+        font = sfnt([(b"head", bytes(head)), (b"maxp", maxp), (b"hhea", bytes(hhea)),
+                     (b"hmtx", b"\1\0\0\0\1\0\0\0\0\0\0\0"), (b"loca", loca), (b"glyf", glyf),
+                     (b"name", b"names"), (b"post", b"\0\3\0\0")])
+        corpus.add(f"truetype-{'long' if long_offsets else 'short'}", font)
+    corpus.add("compact", sfnt([(b"CFF ", b"\1\0\4\2"), (b"head", bytes(head))]).replace(b"\0\1\0\0", b"OTTO", 1))
+    return corpus
+
+
 def main():
-    made = [make_hif_read(), make_reading("reading"), make_reading("report"), make_map_load(),
+    made = [make_font_subset(), make_hif_read(), make_reading("reading"), make_reading("report"), make_map_load(),
             make_dist_load(), make_route_flat(), make_route_reread(), make_route_mvrs(), make_e5k_read(),
             make_registry_values()]
     for corpus in made:

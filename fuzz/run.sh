@@ -10,14 +10,15 @@
 #   fuzz/run.sh NAME [SECONDS]       one target, e.g. fuzz/run.sh map_load 3600
 #
 # NAME: hif_read map_load dist_load route_flat route_reread route_mvrs e5k_read
-#       reading report registry_values
+#       reading report registry_values font_subset
 # The seed corpora in fuzz/corpus/ are made by fuzz/make-corpus.sh.
 # HIFX_FUZZ_TIMEOUT: seconds one input may take before it counts as a hang
 # (default 10); give more on a machine busy with other work.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-all=(hif_read map_load dist_load route_flat route_reread route_mvrs e5k_read reading report registry_values)
+all=(hif_read map_load dist_load route_flat route_reread route_mvrs e5k_read reading report registry_values
+  font_subset)
 usage() {
   echo "usage: fuzz/run.sh [SECONDS] [NAME]...  or  fuzz/run.sh NAME [SECONDS]" >&2
   exit 2

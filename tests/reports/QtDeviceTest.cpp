@@ -101,7 +101,7 @@ TEST_F(QtDeviceTest, AReportPageRendered) {
 
 // A report's PDF says what it is: its title as printed (in the report's code
 // page), the site as its author, the report's kind and the clock's moment,
-// in an update appended to what Qt wrote, whose pages stay as they were.
+// in an update appended to the file as drawn, whose pages stay as they were.
 TEST_F(QtDeviceTest, APdfSaysWhatItIsAndWhen) {
   if (Output("command -v pdfinfo").empty()) GTEST_SKIP() << "no pdfinfo";
   const test::Env env{{"SOURCE_DATE_EPOCH", "1710000000"}, {"TZ", "UTC"}, {"XDG_CONFIG_HOME", (dir / "config").string()}};
@@ -118,8 +118,8 @@ TEST_F(QtDeviceTest, APdfSaysWhatItIsAndWhen) {
     EXPECT_NE(info.find(line), std::string::npos) << line << "\n" << info;
   }
   EXPECT_EQ(info.find("rror"), std::string::npos) << info;  // no syntax error, the cross-references sound
-  // The file up to its first end is what Qt wrote, its date aside: the same
-  // text is read from it.
+  // The file up to its first end is the file as drawn: the same text is read
+  // from it.
   test::WriteBytes(dir / "qt.pdf", pdf.substr(0, pdf.find("%%EOF\n") + 6));
   const std::string text = Output("pdftotext " + (dir / "a.pdf").string() + " - 2>&1");
   EXPECT_NE(text.find("Caf"), std::string::npos) << text;
@@ -128,8 +128,8 @@ TEST_F(QtDeviceTest, APdfSaysWhatItIsAndWhen) {
 }
 
 // A line is set in a PDF as text that reads back and ends where it was
-// measured to end: the font's own glyphs at their advances, and an
-// underlined line through Qt's text layout.
+// measured to end: the font's own glyphs at their advances. An underlined
+// line has its rule under the whole of it.
 TEST_F(QtDeviceTest, APdfLineReadsBackAndEndsWhereItWasMeasured) {
   if (Output("command -v pdftotext").empty()) GTEST_SKIP() << "no pdftotext";
   const auto pdf = dir / "lines.pdf";
@@ -175,6 +175,24 @@ TEST_F(QtDeviceTest, APdfLineReadsBackAndEndsWhereItWasMeasured) {
     const size_t xMax = boxes.rfind("xMax=\"", at) + 6;
     EXPECT_NEAR(std::stod(boxes.substr(xMax)), ends[i], 0.05) << lines[i].text;
   }
+  // At 72 pixels an inch a pixel is a point: a row under the last line's
+  // words is dark from its start to its end.
+  const size_t word = boxes.rfind("<word", at);
+  const double top = std::stod(boxes.substr(boxes.find("yMin=\"", word) + 6));
+  const double bottom = std::stod(boxes.substr(boxes.find("yMax=\"", word) + 6));
+  ASSERT_EQ(std::system(("pdftoppm -r 72 -gray " + pdf.string() + " " + (dir / "lines").string()).c_str()), 0);
+  const std::string pgm = test::ReadBytes(dir / "lines-1.pgm");
+  ASSERT_EQ(pgm.substr(0, 11), "P5\n612 792\n");
+  const size_t pixels = pgm.size() - 612 * 792;
+  bool ruled = false;
+  for (auto row = static_cast<size_t>(top); row <= static_cast<size_t>(bottom) + 2 && !ruled; ++row) {
+    size_t dark = 0;
+    for (auto x = static_cast<size_t>(73); x < static_cast<size_t>(ends[2] - 1); ++x) {
+      dark += static_cast<unsigned char>(pgm[pixels + row * 612 + x]) < 160;
+    }
+    ruled = dark + 2 >= static_cast<size_t>(ends[2] - 1) - 73;
+  }
+  EXPECT_TRUE(ruled) << "no rule under \"Under lined\"";
 }
 
 // A PDF is written whole or not at all: on a device that fails, the old

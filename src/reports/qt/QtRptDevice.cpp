@@ -21,6 +21,7 @@
 #include <tuple>
 
 #include "base/AtomicFile.h"
+#include "reports/PdfDocument.h"
 
 namespace hifx {
 namespace {
@@ -42,6 +43,26 @@ QString FromCodePage(std::string_view text) {
 }
 
 QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+// A zlib stream of the bytes: Qt's own compression less the length it puts
+// before it.
+std::string Deflate(std::string_view bytes) {
+  const QByteArray packed =
+      qCompress(reinterpret_cast<const uchar*>(bytes.data()), static_cast<qsizetype>(bytes.size()), 6);
+  return packed.size() > 4 ? std::string(packed.constData() + 4, static_cast<size_t>(packed.size() - 4))
+                           : std::string();
+}
+
+// The font's file, made again from the tables the font engine hands out.
+std::string FontProgram(const QRawFont& raw) {
+  std::vector<std::pair<std::string, std::string>> tables;
+  for (const char* tag : {"OS/2", "cmap", "cvt ", "fpgm", "glyf", "head", "hhea", "hmtx", "loca", "maxp", "name",
+                          "post", "prep", "CFF "}) {
+    const QByteArray table = raw.fontTable(tag);
+    if (!table.isEmpty()) tables.emplace_back(tag, table.toStdString());
+  }
+  return SfntFile(std::move(tables));
+}
 
 }  // namespace
 
@@ -81,6 +102,8 @@ struct QtSurface::Impl {
     // is set as those glyphs at its advances, without Qt's text layout.
     QRawFont raw;
     std::array<quint32, 256> glyph{};
+    mutable int pdfFont = -1;                  // the font's number in a PDF drawn by hand
+    mutable std::array<bool, 256> pdfGlyph{};  // each character's glyph told the PDF
   };
   using Key = std::tuple<std::string, float, bool, bool, bool>;
   mutable std::map<Key, std::unique_ptr<Measured>> fonts;
@@ -98,9 +121,16 @@ struct QtSurface::Impl {
 
   double dotsPerInch;  // asked of the device once: the asking is not cheap
 
-  Impl(QPaintDevice& d, QPagedPaintDevice* p)
+  // A PDF is drawn by hand: the device only measures, as it would print.
+  std::unique_ptr<PdfDocument> pdf;
+  std::map<std::pair<QString, QString>, int> pdfFaces;  // family and style
+  std::vector<std::pair<RptPicture, int>> pdfImages;
+  std::string pdfBytes;  // the finished file
+
+  Impl(QPaintDevice& d, QPagedPaintDevice* p, bool drawsPdf)
       : device(d), paged(p), raster(d.devType() == QInternal::Image), dotsPerInch(d.logicalDpiX()) {
     if (raster) textScale = kLayoutDotsPerInch / dotsPerInch;
+    if (drawsPdf) pdf = std::make_unique<PdfDocument>(&Deflate);
   }
 
   const Measured& For(const RptFont& f) const {
@@ -148,7 +178,7 @@ struct QtSurface::Impl {
   }
 
   void FindGlyphs(Measured& measured) const {
-    if (measured.font.underline() || measured.font.strikeOut()) return;
+    if (pdf == nullptr && (measured.font.underline() || measured.font.strikeOut())) return;
     measured.raw = QRawFont::fromFont(QFont(measured.font, &device));
     if (!measured.raw.isValid()) return;
     for (int c = 0; c < 256; ++c) {
@@ -182,12 +212,105 @@ struct QtSurface::Impl {
   std::vector<quint32> glyphs;  // kept from line to line
   std::vector<QPointF> positions;
 
+  double PointsPerPixel() const { return 72.0 / dotsPerInch; }
+
+  // The PDF's page being drawn, started on first use; none once the
+  // document has ended.
+  PdfDocument* PdfPage() {
+    if (ended) return nullptr;
+    const double k = PointsPerPixel();
+    if (!pdf->PageStarted()) pdf->StartPage(device.width() * k, device.height() * k);
+    return pdf.get();
+  }
+
+  // The measured font's face in the PDF.
+  int PdfFontOf(const Measured& measured) {
+    if (measured.pdfFont >= 0) return measured.pdfFont;
+    const std::pair<QString, QString> face{measured.raw.familyName(), measured.raw.styleName()};
+    auto found = pdfFaces.find(face);
+    if (found == pdfFaces.end()) {
+      QString name = face.first + "-" + face.second;
+      name.remove(' ');
+      found = pdfFaces.emplace(face, pdf->AddFont(name.toStdString(), FontProgram(measured.raw))).first;
+    }
+    measured.pdfFont = found->second;
+    return measured.pdfFont;
+  }
+
+  // The character's glyph, told the PDF at the advance the layout gave it
+  // when it is first used.
+  uint16_t PdfGlyph(const Measured& measured, unsigned char byte) {
+    const quint32 glyph = measured.glyph[byte];
+    if (glyph == 0 || glyph > 0xFFFF) return 0;
+    if (!measured.pdfGlyph[byte]) {
+      measured.pdfGlyph[byte] = true;
+      const char c = static_cast<char>(byte);
+      pdf->DescribeGlyph(measured.pdfFont, static_cast<uint16_t>(glyph),
+                         static_cast<int>(std::lround(measured.advance[byte] / measured.raw.pixelSize() * 1000)),
+                         FromCodePage(std::string_view(&c, 1))[0].unicode());
+    }
+    return static_cast<uint16_t>(glyph);
+  }
+
+  // The line's glyphs from the pen at (x, y); a character without a glyph
+  // of its own is a gap of its width.
+  void PdfText(const Measured& measured, double x, double y, std::string_view line) {
+    PdfDocument* page = PdfPage();
+    if (page == nullptr) return;
+    const int font = PdfFontOf(measured);
+    const double k = PointsPerPixel();
+    const double size = measured.raw.pixelSize() * k;
+    const double baseline = y + measured.ascent;
+    double start = x, at = x;
+    pdfGlyphs.clear();
+    for (const char c : line) {
+      const auto byte = static_cast<unsigned char>(c);
+      const uint16_t glyph = PdfGlyph(measured, byte);
+      at += measured.advance[byte];
+      if (glyph != 0) {
+        pdfGlyphs.push_back(glyph);
+        continue;
+      }
+      page->Text(font, size, start * k, baseline * k, pdfGlyphs);
+      pdfGlyphs.clear();
+      start = at;
+    }
+    page->Text(font, size, start * k, baseline * k, pdfGlyphs);
+    if (measured.font.underline()) {
+      const double thickness = std::max(measured.raw.lineThickness(), 1.0);
+      page->Fill(x * k, (baseline + measured.raw.underlinePosition() - thickness / 2) * k, (at - x) * k, thickness * k);
+    }
+  }
+  std::vector<uint16_t> pdfGlyphs;  // kept from line to line
+
+  // A picture is set down in the PDF once and drawn where it is used.
+  void PdfImage(const RptPicture& picture, double x, double y, double width, double height) {
+    PdfDocument* page = PdfPage();
+    if (page == nullptr) return;
+    int number = -1;
+    for (const auto& [seen, index] : pdfImages) {
+      if (seen.width == picture.width && seen.height == picture.height && seen.pixels == picture.pixels) {
+        number = index;
+      }
+    }
+    if (number < 0) {
+      number = page->AddImage(picture.width, picture.height, picture.pixels);
+      pdfImages.emplace_back(picture, number);
+    }
+    const double k = PointsPerPixel();
+    page->Image(number, x * k, y * k, width * k, height * k);
+  }
+
+  double PenWidth() const {
+    // A printer's one-pixel line would be a hairline at PDF resolution.
+    return std::max(1.0, dotsPerInch / 300.0);
+  }
+
   void Pen(int16_t drawMode) {
     QPainter& p = Painter();
     textPen = false;
     QPen pen(Qt::black);
-    // A printer's one-pixel line would be a hairline at PDF resolution.
-    pen.setWidthF(std::max(1.0, dotsPerInch / 300.0));
+    pen.setWidthF(PenWidth());
     p.setPen(pen);
     if (!raster) return;
     switch (drawMode) {
@@ -198,8 +321,8 @@ struct QtSurface::Impl {
   }
 };
 
-QtSurface::QtSurface(QPaintDevice& device, QPagedPaintDevice* paged)
-    : impl_(std::make_unique<Impl>(device, paged)) {}
+QtSurface::QtSurface(QPaintDevice& device, QPagedPaintDevice* paged, bool drawsPdf)
+    : impl_(std::make_unique<Impl>(device, paged, drawsPdf)) {}
 
 QtSurface::~QtSurface() {
   if (impl_->painter.isActive()) impl_->painter.end();
@@ -221,6 +344,7 @@ double QtSurface::LineHeightPixels() const { return impl_->For(Font()).lineSpaci
 void QtSurface::PaintText(double x, double y, std::string_view line) {
   if (line.empty()) return;
   const auto& measured = impl_->For(Font());
+  if (impl_->pdf) return impl_->PdfText(measured, x, y, line);
   QPainter& p = impl_->Painter();
   if (!impl_->textPen) {
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
@@ -243,11 +367,21 @@ void QtSurface::PaintText(double x, double y, std::string_view line) {
 }
 
 void QtSurface::PaintLine(double x1, double y1, double x2, double y2) {
+  if (impl_->pdf) {
+    const double k = impl_->PointsPerPixel();
+    if (PdfDocument* page = impl_->PdfPage()) page->Line(x1 * k, y1 * k, x2 * k, y2 * k, impl_->PenWidth() * k);
+    return;
+  }
   impl_->Pen(DrawMode());
   impl_->painter.drawLine(QPointF(x1, y1), QPointF(x2, y2));
 }
 
 void QtSurface::PaintFill(double x, double y, double width, double height) {
+  if (impl_->pdf) {
+    const double k = impl_->PointsPerPixel();
+    if (PdfDocument* page = impl_->PdfPage()) page->Fill(x * k, y * k, width * k, height * k);
+    return;
+  }
   impl_->Pen(DrawMode());
   impl_->painter.fillRect(QRectF(x, y, width, height), Qt::black);
 }
@@ -257,6 +391,7 @@ void QtSurface::PaintImage(const RptPicture& picture, double x, double y, double
       picture.pixels.size() < static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height)) {
     return;
   }
+  if (impl_->pdf) return impl_->PdfImage(picture, x, y, width, height);
   const QImage image(reinterpret_cast<const uchar*>(picture.pixels.data()), picture.width, picture.height,
                      picture.width * 4, QImage::Format_ARGB32);
   QPainter& p = impl_->Painter();
@@ -266,6 +401,12 @@ void QtSurface::PaintImage(const RptPicture& picture, double x, double y, double
 
 void QtSurface::NewPage() {
   if (impl_->paged == nullptr) return;
+  if (impl_->pdf) {
+    if (impl_->PdfPage() == nullptr) return;
+    const double k = impl_->PointsPerPixel();
+    impl_->pdf->StartPage(impl_->device.width() * k, impl_->device.height() * k);
+    return;
+  }
   impl_->Painter();
   impl_->paged->newPage();
 }
@@ -275,9 +416,21 @@ void QtSurface::PausePainting() {
 }
 
 void QtSurface::EndDoc() {
+  if (impl_->pdf) {
+    if (impl_->PdfPage() == nullptr) return;
+    impl_->pdfBytes = impl_->pdf->Finish();
+    impl_->ended = true;
+    return;
+  }
   impl_->Painter();
   impl_->painter.end();
   impl_->ended = true;
+}
+
+std::string QtSurface::TakePdf() {
+  if (!impl_->pdf) return {};
+  EndDoc();
+  return std::move(impl_->pdfBytes);
 }
 
 namespace {
@@ -370,17 +523,6 @@ long long NumberAfter(const std::string& text, const char* key, size_t at) {
   return end == text.c_str() + found + std::strlen(key) ? -1 : number;
 }
 
-// Qt's own CreationDate rewritten as the same moment, blanks after it filling
-// what is left of the old one, so that no offset moves.
-void OverwriteQtDate(std::string& pdf, const std::string& date) {
-  const size_t key = pdf.find("/CreationDate (");
-  if (key == std::string::npos) return;
-  const size_t open = key + std::strlen("/CreationDate ");
-  const size_t close = pdf.find(')', open);
-  if (close == std::string::npos || close + 1 - open < date.size()) return;
-  pdf.replace(open, close + 1 - open, date + std::string(close + 1 - open - date.size(), ' '));
-}
-
 // The reference "N G R" that follows key in text, from at on; empty when
 // there is none.
 std::string ReferenceAfter(const std::string& text, const char* key, size_t at) {
@@ -393,8 +535,8 @@ std::string ReferenceAfter(const std::string& text, const char* key, size_t at) 
 
 std::string InfoDictionary(const PdfInfo& info, const std::string& date) {
   return "<<\n/Title " + PdfText(FromCodePage(info.title)) + "\n/Author " + PdfText(ToQString(info.author)) +
-         "\n/Subject " + PdfText(FromCodePage(info.subject)) + "\n/Creator (hifx)\n/Producer (Qt " + qVersion() +
-         ")\n/CreationDate " + date + "\n>>";
+         "\n/Subject " + PdfText(FromCodePage(info.subject)) + "\n/Creator (hifx)\n/Producer (hifx)\n/CreationDate " +
+         date + "\n>>";
 }
 
 }  // namespace
@@ -407,7 +549,6 @@ std::string WithPdfInfo(std::string pdf, const PdfInfo& info) {
   const std::string root = ReferenceAfter(pdf, "/Root", trailer);
   if (size <= 0 || previous <= 0 || root.empty()) return pdf;
   const std::string date = PdfDate(info.created);
-  OverwriteQtDate(pdf, date);
   if (pdf.back() != '\n') pdf += '\n';
   const size_t object = pdf.size();
   const std::string number = std::to_string(size);
@@ -421,10 +562,11 @@ std::string WithPdfInfo(std::string pdf, const PdfInfo& info) {
   return pdf;
 }
 
-// One printer: its paint device and the surface on it. A PDF is drawn into
-// memory and written out whole when the report is done.
+// One printer: its paint device and the surface on it. A PDF is drawn by
+// hand into memory, laid out as Qt's PDF writer would print it, and written
+// out whole when the report is done.
 struct QtPrinters::Target {
-  std::unique_ptr<QBuffer> pdf;  // outlives the writer drawing into it
+  std::unique_ptr<QBuffer> pdf;  // outlives the writer, which only measures
   std::unique_ptr<QPagedPaintDevice> device;
   std::unique_ptr<QtSurface> surface;  // goes first, ending its painter
   QtImageDevice* pictures = nullptr;   // the surface, when the pages are pictures
@@ -460,10 +602,10 @@ void QtPrinters::Finish() {
   for (auto& [name, target] : targets_) {
     if (!target) continue;
     target->pictures = nullptr;
+    std::string pdf = target->pdf && target->surface ? target->surface->TakePdf() : std::string();
     target->surface.reset();  // ends the painter: the document is complete
     target->device.reset();
     if (!target->pdf) continue;
-    std::string pdf = target->pdf->data().toStdString();
     if (pdfInfo_) pdf = WithPdfInfo(std::move(pdf), *pdfInfo_);
     ReplaceFile(pdfFile_, pdf);
   }
@@ -506,7 +648,9 @@ QtPrinters::Target& QtPrinters::Current() {
 
 IRptDevice& QtPrinters::Printer() {
   Target& target = Current();
-  if (!target.surface) target.surface = std::make_unique<QtSurface>(*target.device, target.device.get());
+  if (!target.surface) {
+    target.surface = std::make_unique<QtSurface>(*target.device, target.device.get(), target.pdf != nullptr);
+  }
   return *target.surface;
 }
 

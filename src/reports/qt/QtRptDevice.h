@@ -41,8 +41,12 @@ class QtSurface : public RptSurface {
  public:
   // `paged`, when given, is the same device as `device`, able to start new
   // sheets.
-  QtSurface(QPaintDevice& device, QPagedPaintDevice* paged);
+  // With `drawsPdf`, the device only measures and the pages are drawn into
+  // a PDF file of the surface's own.
+  QtSurface(QPaintDevice& device, QPagedPaintDevice* paged, bool drawsPdf = false);
   ~QtSurface() override;
+  // The PDF drawn, its document ended; empty for a surface that draws none.
+  std::string TakePdf();
 
   void NewPage() override;
   void EndDoc() override;
@@ -100,10 +104,9 @@ class QtImageDevice final : public QtSurface {
 std::string PngBytes(const QImage& image);
 
 // The PDF with this information: an update appended to it (the way a PDF
-// editor saves a change) whose Info dictionary carries the four, Creator
-// "hifx" and Qt as the Producer. The date Qt wrote in its own dictionary is
-// overwritten in place by the same moment, so that no other date is in the
-// file. A PDF whose last trailer can't be read comes back as it was.
+// editor saves a change) whose Info dictionary carries the four, and "hifx"
+// as Creator and Producer. A PDF whose last trailer can't be read comes back
+// as it was.
 std::string WithPdfInfo(std::string pdf, const PdfInfo& info);
 
 // The system printer and the installed printers. The system printer is a
