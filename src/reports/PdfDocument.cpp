@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <set>
 
@@ -15,18 +16,28 @@ constexpr int kResources = 3;
 constexpr double kLetterWidth = 612;  // points, when nothing said the size
 constexpr double kLetterHeight = 792;
 
-// A number as a PDF writes it: at most `decimals` places, no trailing zeros.
+// A number as a PDF writes it: rounded to `decimals` places (at most 4),
+// without trailing zeros.
 std::string Num(double value, int decimals = 2) {
-  char text[48];
-  auto [end, error] = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
-  if (error != std::errc()) return "0";
-  std::string_view number(text, static_cast<size_t>(end - text));
-  if (number.find('.') != std::string_view::npos) {
-    while (number.back() == '0') number.remove_suffix(1);
-    if (number.back() == '.') number.remove_suffix(1);
+  static constexpr int64_t kScales[] = {1, 10, 100, 1000, 10000};
+  const int64_t scale = kScales[std::clamp(decimals, 0, 4)];
+  if (!(std::fabs(value) < 1e12)) return "0";  // past any page, or not a number
+  const int64_t scaled = std::llround(value * static_cast<double>(scale));
+  const uint64_t magnitude = scaled < 0 ? static_cast<uint64_t>(-scaled) : static_cast<uint64_t>(scaled);
+  char text[32];
+  char* end = text;
+  if (scaled < 0) *end++ = '-';
+  end = std::to_chars(end, text + sizeof text, magnitude / static_cast<uint64_t>(scale)).ptr;
+  uint64_t fraction = magnitude % static_cast<uint64_t>(scale);
+  if (fraction != 0) {
+    int places = decimals;
+    while (fraction % 10 == 0) fraction /= 10, --places;
+    *end++ = '.';
+    char* digits = end + places;
+    for (char* at = digits; at > end; fraction /= 10) *--at = static_cast<char>('0' + fraction % 10);
+    end = digits;
   }
-  if (number == "-0") return "0";
-  return std::string(number);
+  return std::string(text, end);
 }
 
 void Hex4(std::string& out, unsigned value) {
@@ -204,9 +215,12 @@ std::string SubsetFont(std::string_view font, const std::set<uint16_t>& used) {
   }
   const bool longOffsets = Big16(*head, 50, false) == 1;
   const auto glyphs = static_cast<size_t>(Big16(*maxp, 4, false));
+  const auto Offset = [&](size_t g) -> size_t {
+    return longOffsets ? Big32(*loca, g * 4) : static_cast<size_t>(Big16(*loca, g * 2, false)) * 2;
+  };
   const auto Glyph = [&](size_t g) -> std::string_view {
-    const size_t start = longOffsets ? Big32(*loca, g * 4) : Big16(*loca, g * 2, false) * size_t{2};
-    const size_t end = longOffsets ? Big32(*loca, g * 4 + 4) : Big16(*loca, g * 2 + 2, false) * size_t{2};
+    const size_t start = Offset(g);
+    const size_t end = Offset(g + 1);
     if (g >= glyphs || end < start || end > glyf->size()) return {};
     return std::string_view(*glyf).substr(start, end - start);
   };

@@ -46,6 +46,7 @@ TEST(PdfDocument, EveryObjectIsWhereTheCrossReferencesSay) {
   pdf.DescribeGlyph(font, 10, 700, u'\u20AC');
   pdf.StartPage(612, 792);
   pdf.Text(font, 12, 10, 20, {3, 4});
+  pdf.Text(font, 9.5, -0.254, 20.5, {3});
   pdf.Line(0, 0, 10, 0, 0.24);
   pdf.Line(0, 1, 10, 1, 0.24);
   pdf.Fill(0, 0, 10, 5);
@@ -68,7 +69,7 @@ TEST(PdfDocument, EveryObjectIsWhereTheCrossReferencesSay) {
   EXPECT_EQ(file.substr(file.size() - 6), "%%EOF\n");
 
   // Points from the top left of a page 792 high; a line's width is said once.
-  ExpectHas(file, "BT /F0 12 Tf 10 772 Td <00030004> Tj ET\n");
+  ExpectHas(file, "BT /F0 12 Tf 10 772 Td <00030004> Tj ET\nBT /F0 9.5 Tf -0.25 771.5 Td <0003> Tj ET\n");
   ExpectHas(file, "0.24 w\n0 792 m 10 792 l S\n0 791 m 10 791 l S\n0 787 10 5 re f\n");
   ExpectHas(file, "q 3 0 0 4 1 786 cm /Im0 Do Q\n");
   ExpectHas(file, "/MediaBox [0 0 612 792]");
