@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 #include <set>
 
 namespace hifx {
@@ -18,10 +19,10 @@ constexpr double kLetterHeight = 792;
 
 // A number as a PDF writes it: rounded to `decimals` places (at most 4),
 // without trailing zeros.
-std::string Num(double value, int decimals = 2) {
+void AppendNum(std::string& out, double value, int decimals = 2) {
   static constexpr int64_t kScales[] = {1, 10, 100, 1000, 10000};
   const int64_t scale = kScales[std::clamp(decimals, 0, 4)];
-  if (!(std::fabs(value) < 1e12)) return "0";  // past any page, or not a number
+  if (!(std::fabs(value) < 1e12)) value = 0;  // past any page, or not a number
   const int64_t scaled = std::llround(value * static_cast<double>(scale));
   const uint64_t magnitude = scaled < 0 ? static_cast<uint64_t>(-scaled) : static_cast<uint64_t>(scaled);
   char text[32];
@@ -37,7 +38,21 @@ std::string Num(double value, int decimals = 2) {
     for (char* at = digits; at > end; fraction /= 10) *--at = static_cast<char>('0' + fraction % 10);
     end = digits;
   }
-  return std::string(text, end);
+  out.append(text, end);
+}
+
+std::string Num(double value, int decimals = 2) {
+  std::string out;
+  AppendNum(out, value, decimals);
+  return out;
+}
+
+// The numbers, each followed by a blank.
+void AppendNums(std::string& out, std::initializer_list<double> values) {
+  for (const double value : values) {
+    AppendNum(out, value);
+    out += ' ';
+  }
 }
 
 void Hex4(std::string& out, unsigned value) {
@@ -376,8 +391,13 @@ void PdfDocument::EndPage() {
 void PdfDocument::Text(int font, double size, double x, double baseline, const std::vector<uint16_t>& glyphs) {
   if (glyphs.empty() || font < 0 || static_cast<size_t>(font) >= fonts_.size()) return;
   if (!pageStarted_) StartPage(kLetterWidth, kLetterHeight);
-  content_ +=
-      "BT /F" + std::to_string(font) + " " + Num(size, 3) + " Tf " + Num(x) + " " + Num(Top(baseline)) + " Td <";
+  content_ += "BT /F";
+  AppendNum(content_, font, 0);
+  content_ += ' ';
+  AppendNum(content_, size, 3);
+  content_ += " Tf ";
+  AppendNums(content_, {x, Top(baseline)});
+  content_ += "Td <";
   for (const uint16_t glyph : glyphs) Hex4(content_, glyph);
   content_ += "> Tj ET\n";
 }
@@ -385,22 +405,28 @@ void PdfDocument::Text(int font, double size, double x, double baseline, const s
 void PdfDocument::Line(double x1, double y1, double x2, double y2, double width) {
   if (!pageStarted_) StartPage(kLetterWidth, kLetterHeight);
   if (width != lineWidth_) {
-    content_ += Num(width, 3) + " w\n";
+    AppendNum(content_, width, 3);
+    content_ += " w\n";
     lineWidth_ = width;
   }
-  content_ += Num(x1) + " " + Num(Top(y1)) + " m " + Num(x2) + " " + Num(Top(y2)) + " l S\n";
+  AppendNums(content_, {x1, Top(y1)});
+  content_ += "m ";
+  AppendNums(content_, {x2, Top(y2)});
+  content_ += "l S\n";
 }
 
 void PdfDocument::Fill(double x, double y, double width, double height) {
   if (!pageStarted_) StartPage(kLetterWidth, kLetterHeight);
-  content_ += Num(x) + " " + Num(Top(y + height)) + " " + Num(width) + " " + Num(height) + " re f\n";
+  AppendNums(content_, {x, Top(y + height), width, height});
+  content_ += "re f\n";
 }
 
 void PdfDocument::Image(int image, double x, double y, double width, double height) {
   if (image < 0 || static_cast<size_t>(image) >= images_.size()) return;
   if (!pageStarted_) StartPage(kLetterWidth, kLetterHeight);
-  content_ += "q " + Num(width) + " 0 0 " + Num(height) + " " + Num(x) + " " + Num(Top(y + height)) + " cm /Im" +
-              std::to_string(image) + " Do Q\n";
+  content_ += "q ";
+  AppendNums(content_, {width, 0, 0, height, x, Top(y + height)});
+  content_ += "cm /Im" + std::to_string(image) + " Do Q\n";
 }
 
 int PdfDocument::WriteFont(const Font& font) {
