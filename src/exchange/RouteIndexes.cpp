@@ -97,13 +97,13 @@ void clsExchange::UpdateIndexes(int32_t route, int16_t number, std::string_view 
         ForEachIndexWord(address, 1, insert);
         break;
       case 2: {
-        std::string key = UpperCase(Trim(tag));
-        if (!key.empty() && key != "0") index.Insert(key, number);
+        const std::string_view key = Trim(tag);
+        if (!key.empty() && key != "0") index.InsertUpper(key, number);
         break;
       }
       default: {
-        std::string key = UpperCase(Trim(type == 3 ? serial : account));
-        if (!key.empty()) index.Insert(key, number);
+        const std::string_view key = Trim(type == 3 ? serial : account);
+        if (!key.empty()) index.InsertUpper(key, number);
         break;
       }
     }

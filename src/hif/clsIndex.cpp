@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "base/CaseBlind.h"
+
 namespace hifx {
 namespace {
 
@@ -22,6 +24,14 @@ uint64_t HeadOf(std::string_view key) {
 void clsIndex::Insert(std::string_view key, int16_t number) {
   entries_.push_back({HeadOf(key), static_cast<uint32_t>(text_.size()), static_cast<uint32_t>(key.size()), number});
   text_.append(key);
+}
+
+void clsIndex::InsertUpper(std::string_view key, int16_t number) {
+  const size_t at = text_.size();
+  text_.append(key);
+  for (size_t i = at; i < text_.size(); ++i) text_[i] = FoldCase(text_[i]);
+  const std::string_view folded = std::string_view(text_).substr(at);
+  entries_.push_back({HeadOf(folded), static_cast<uint32_t>(at), static_cast<uint32_t>(key.size()), number});
 }
 
 // The result of a stable bubble sort on the keys' bytes, in linear time for

@@ -18,6 +18,8 @@ class clsIndex {
   int32_t IndexType = 0;
 
   void Insert(std::string_view key, int16_t number);
+  // As Insert, the key in upper case.
+  void InsertUpper(std::string_view key, int16_t number);
   // Sorts and writes the record, then starts afresh; nothing when empty.
   void WriteRecord(clsHIF& hif);
   int32_t Count() const { return static_cast<int32_t>(entries_.size()); }

@@ -26,7 +26,7 @@ TEST_F(CodeRecords, AnIndexRecordGroupsKeysAndPacksThemEven) {
   index.IndexType = 1;
   index.Insert("OAK", 5);
   index.Insert("MAIN", 3);
-  index.Insert("MAIN", 7);
+  index.InsertUpper("Main", 7);  // filed as MAIN
   index.WriteRecord(hif);
   EXPECT_EQ(hif.RawData(), Hex("0006 0002 0001  0012") + std::string("MAIN\0\0", 6) + Hex("0003 0007") +
                                Hex("FFFF") + std::string("OAK\0", 4) + Hex("0005"));
