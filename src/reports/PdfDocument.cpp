@@ -305,6 +305,7 @@ void PdfDocument::BeginObject(int number) {
 }
 
 void PdfDocument::WriteStream(int number, std::string_view dictionary, std::string_view bytes, bool compress) {
+  compress = compress && !bytes.empty();
   const std::string packed = compress ? deflate_(bytes) : std::string();
   const std::string_view body = compress ? std::string_view(packed) : bytes;
   BeginObject(number);

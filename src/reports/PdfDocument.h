@@ -26,7 +26,8 @@ std::string SubsetFont(std::string_view font, const std::set<uint16_t>& used);
 
 class PdfDocument {
  public:
-  // Compresses a stream's bytes into a zlib stream, the PDF's FlateDecode.
+  // Compresses a stream's bytes into a zlib stream, the PDF's FlateDecode;
+  // raises when it can't.
   using Deflate = std::function<std::string(std::string_view)>;
   explicit PdfDocument(Deflate deflate);
 

@@ -21,6 +21,7 @@
 #include <tuple>
 
 #include "base/AtomicFile.h"
+#include "base/Failure.h"
 #include "reports/PdfDocument.h"
 
 namespace hifx {
@@ -50,8 +51,9 @@ QString ToQString(std::string_view text) { return QString::fromUtf8(text.data(),
 std::string Deflate(std::string_view bytes) {
   const QByteArray packed =
       qCompress(reinterpret_cast<const uchar*>(bytes.data()), static_cast<qsizetype>(bytes.size()), 3);
-  return packed.size() > 4 ? std::string(packed.constData() + 4, static_cast<size_t>(packed.size() - 4))
-                           : std::string();
+  // Qt gives nothing back when zlib runs out of memory.
+  if (packed.size() <= 4) throw Failure(fail::kOutOfMemory);
+  return std::string(packed.constData() + 4, static_cast<size_t>(packed.size() - 4));
 }
 
 // The font's file, made again from the tables the font engine hands out.
