@@ -11,11 +11,16 @@
 namespace hifx {
 namespace {
 
+// The objects every file has, numbered first; the pages share one set of
+// resources.
 constexpr int kCatalog = 1;
 constexpr int kPages = 2;
 constexpr int kResources = 3;
+
 constexpr double kLetterWidth = 612;  // points, when nothing said the size
 constexpr double kLetterHeight = 792;
+
+std::string Reference(int number) { return std::to_string(number) + " 0 R"; }
 
 // A number as a PDF writes it: rounded to `decimals` places (at most 4),
 // without trailing zeros.
@@ -167,7 +172,7 @@ std::string FontDescriptor(const std::string& name, std::string_view program, in
          Scaled(head, 36) + " " + Scaled(head, 38) + " " + Scaled(head, 40) + " " + Scaled(head, 42) +
          "] /ItalicAngle " + (italic ? "-12" : "0") + " /Ascent " + Scaled(hhea, 4) + " /Descent " + Scaled(hhea, 6) +
          " /CapHeight " + Scaled(hhea, 4) + " /StemV 80 " + (openType ? "/FontFile3 " : "/FontFile2 ") +
-         std::to_string(file) + " 0 R >>";
+         Reference(file) + " >>";
 }
 
 // The glyphs' advances as a W array: a run of neighbouring glyphs shares its
@@ -289,9 +294,7 @@ std::string SfntFile(std::vector<std::pair<std::string, std::string>> tables) {
 
 PdfDocument::PdfDocument(Deflate deflate) : deflate_(std::move(deflate)) {
   out_ = "%PDF-1.4\n%\xE2\xE3\xCF\xD3\n";
-  for (int reserved : {kCatalog, kPages, kResources}) {
-    if (Reserve() != reserved) break;
-  }
+  offsets_.resize(kResources);  // the catalog, the page tree and the resources
 }
 
 int PdfDocument::Reserve() {
@@ -360,7 +363,7 @@ int PdfDocument::AddImage(int width, int height, const std::vector<uint32_t>& ar
   const int image = Reserve();
   WriteStream(image,
               "/Type /XObject /Subtype /Image " + size + " /ColorSpace /DeviceRGB /BitsPerComponent 8" +
-                  (mask != 0 ? " /SMask " + std::to_string(mask) + " 0 R" : ""),
+                  (mask != 0 ? " /SMask " + Reference(mask) : ""),
               colours, true);
   images_.push_back(image);
   return static_cast<int>(images_.size()) - 1;
@@ -384,8 +387,9 @@ void PdfDocument::EndPage() {
   content_.clear();
   const int page = Reserve();
   BeginObject(page);
-  out_ += "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 " + Num(pageWidth_) + " " + Num(pageHeight_) +
-          "] /Resources 3 0 R /Contents " + std::to_string(contents) + " 0 R >>\nendobj\n";
+  out_ += "<< /Type /Page /Parent " + Reference(kPages) + " /MediaBox [0 0 " + Num(pageWidth_) + " " +
+          Num(pageHeight_) + "] /Resources " + Reference(kResources) + " /Contents " + Reference(contents) +
+          " >>\nendobj\n";
   pages_.push_back(page);
 }
 
@@ -445,11 +449,11 @@ int PdfDocument::WriteFont(const Font& font) {
   const int toUnicode = Reserve();
   BeginObject(number);
   out_ += "<< /Type /Font /Subtype /Type0 /BaseFont /" + font.name + " /Encoding /Identity-H /DescendantFonts [" +
-          std::to_string(descendant) + " 0 R] /ToUnicode " + std::to_string(toUnicode) + " 0 R >>\nendobj\n";
+          Reference(descendant) + "] /ToUnicode " + Reference(toUnicode) + " >>\nendobj\n";
   BeginObject(descendant);
   out_ += "<< /Type /Font /Subtype /CIDFontType2 /BaseFont /" + font.name +
           " /CIDSystemInfo << /Registry (Adobe) /Ordering (Identity) /Supplement 0 >> /FontDescriptor " +
-          std::to_string(descriptor) + " 0 R /CIDToGIDMap /Identity /W " + Widths(font.glyphs) + " >>\nendobj\n";
+          Reference(descriptor) + " /CIDToGIDMap /Identity /W " + Widths(font.glyphs) + " >>\nendobj\n";
   WriteStream(toUnicode, {}, ToUnicode(font.glyphs), true);
   return number;
 }
@@ -459,21 +463,21 @@ std::string PdfDocument::Finish() {
   EndPage();
   std::string fonts;
   for (size_t i = 0; i < fonts_.size(); ++i) {
-    fonts += " /F" + std::to_string(i) + " " + std::to_string(WriteFont(fonts_[i])) + " 0 R";
+    fonts += " /F" + std::to_string(i) + " " + Reference(WriteFont(fonts_[i]));
   }
   BeginObject(kResources);
   out_ += "<< /ProcSet [/PDF /Text /ImageC /ImageB] /Font <<" + fonts;
   out_ += " >> /XObject <<";
   for (size_t i = 0; i < images_.size(); ++i) {
-    out_ += " /Im" + std::to_string(i) + " " + std::to_string(images_[i]) + " 0 R";
+    out_ += " /Im" + std::to_string(i) + " " + Reference(images_[i]);
   }
   out_ += " >> >>\nendobj\n";
   BeginObject(kPages);
   out_ += "<< /Type /Pages /Count " + std::to_string(pages_.size()) + " /Kids [";
-  for (const int page : pages_) out_ += std::to_string(page) + " 0 R ";
+  for (const int page : pages_) out_ += Reference(page) + " ";
   out_ += "] >>\nendobj\n";
   BeginObject(kCatalog);
-  out_ += "<< /Type /Catalog /Pages 2 0 R >>\nendobj\n";
+  out_ += "<< /Type /Catalog /Pages " + Reference(kPages) + " >>\nendobj\n";
   const size_t xref = out_.size();
   out_ += "xref\n0 " + std::to_string(offsets_.size() + 1) + "\n0000000000 65535 f \n";
   char entry[32];  // an entry of a cross-reference table is 20 bytes
@@ -481,8 +485,8 @@ std::string PdfDocument::Finish() {
     std::snprintf(entry, sizeof entry, "%010zu 00000 n \n", offset);
     out_ += entry;
   }
-  out_ += "trailer\n<< /Size " + std::to_string(offsets_.size() + 1) + " /Root 1 0 R >>\nstartxref\n" +
-          std::to_string(xref) + "\n%%EOF\n";
+  out_ += "trailer\n<< /Size " + std::to_string(offsets_.size() + 1) + " /Root " + Reference(kCatalog) +
+          " >>\nstartxref\n" + std::to_string(xref) + "\n%%EOF\n";
   return std::move(out_);
 }
 

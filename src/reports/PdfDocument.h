@@ -61,7 +61,6 @@ class PdfDocument {
     std::map<uint16_t, std::pair<int, char16_t>> glyphs;
   };
 
-  int NewObject() { return static_cast<int>(offsets_.size()) + 1; }
   int Reserve();
   void BeginObject(int number);
   void WriteStream(int number, std::string_view dictionary, std::string_view bytes, bool compress);

@@ -221,9 +221,14 @@ struct QtSurface::Impl {
   // document has ended.
   PdfDocument* PdfPage() {
     if (ended) return nullptr;
-    const double k = PointsPerPixel();
-    if (!pdf->PageStarted()) pdf->StartPage(device.width() * k, device.height() * k);
+    if (!pdf->PageStarted()) StartPdfPage();
     return pdf.get();
+  }
+
+  // A new page of the device's size, in points, the one before ended.
+  void StartPdfPage() {
+    const double k = PointsPerPixel();
+    pdf->StartPage(device.width() * k, device.height() * k);
   }
 
   // The measured font's face in the PDF.
@@ -405,9 +410,7 @@ void QtSurface::PaintImage(const RptPicture& picture, double x, double y, double
 void QtSurface::NewPage() {
   if (impl_->paged == nullptr) return;
   if (impl_->pdf) {
-    if (impl_->PdfPage() == nullptr) return;
-    const double k = impl_->PointsPerPixel();
-    impl_->pdf->StartPage(impl_->device.width() * k, impl_->device.height() * k);
+    if (impl_->PdfPage() != nullptr) impl_->StartPdfPage();
     return;
   }
   impl_->Painter();
