@@ -465,7 +465,6 @@ bool clsExchange::ConvertRouteMVRS() {
 
   reader = std::make_unique<clsMVRSDownload>(&env_.shell);
   if (!reader->OpenFile(source)) return false;
-  AutoNumber = 0;
   FoldMeters(*this, *reader, counts.table);
   return !HadProblems;
 }

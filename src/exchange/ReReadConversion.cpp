@@ -86,7 +86,6 @@ void clsExchange::StartReReadRun(ReReadRun& run) {
   MetersWritten = 0;
   UntaggedMeters = 0;
   MessageCount = 0;
-  AutoNumber = 0;
   run.route = AddRoute("REREAD");
   LineNumber = 0;
   SeenTags.Clear();

@@ -25,6 +25,7 @@
 #include "exchange/MappedRecord.h"
 #include "exchange/RouteCheck.h"
 #include "exchange/RouteLine.h"
+#include "exchange/RouteLineParser.h"
 #include "hif/clsHIF.h"
 #include "hif/clsIndex.h"
 #include "maps/clsExchMap.h"
@@ -95,13 +96,11 @@ class clsExchange {
   // One line of a flat route file, a value for each of the map's fields.
   // With onlyRoute, only RouteNbr is kept, and of the others only those
   // that may fail or count are converted: what a first pass needs.
-  // The line's values stay until the next line is parsed; PlanRouteLine
-  // comes first in a run.
+  // The line's values stay until the next line is parsed, and its read type
+  // is LastReadType; PlanRouteLine comes first in a run.
   const RouteLine& ParseRoute(const std::string& line, bool onlyRoute = false);
-  const RouteLine& ParseRouteFixed(const std::string& line, bool onlyRoute = false);
-  const RouteLine& ParseRouteDelimited(const std::string& line, bool onlyRoute = false);
-  // Finds the fields a conversion reads among the active map's, the fields
-  // a first pass must walk and those a line is validated on.
+  // A parser for the active map, with autonumbers from 1, and the fields a
+  // line is validated on.
   void PlanRouteLine();
   // 0 no fault, 1 messages logged, 3 stop. PlanRouteLine comes first.
   int16_t ValidateRoute(const RouteLine& values);
@@ -178,7 +177,6 @@ class clsExchange {
   // Where ActiveHIF is written: beside the destination, which it replaces
   // once complete.
   FileReplacement RouteFile;
-  int16_t AutoNumber = 0;
   int16_t MessageCount = 0;
   std::string LastReadType;
 
@@ -265,20 +263,9 @@ class clsExchange {
   // Writes the meter in the buffer, counts it and hands it to the index.
   void WriteIndexedMeter();
   void WriteCodeRecords();
-  // The value of the map's field at position in routeLine_.
-  void AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds, bool keep);
-  RouteLine routeLine_;
-  // The fields a first pass walks, by position: those that are kept, that
-  // can fail or that count. Planned for firstPassMap_ alone.
-  std::vector<size_t> firstPassFields_;
-  const clsExchMap* firstPassMap_ = nullptr;
+  std::unique_ptr<RouteLineParser> routeParser_;  // of the active map, from PlanRouteLine
   // The fields with a maximum or required, by position.
   std::vector<size_t> validatedFields_;
-  // One field of a fixed-column line into routeLine_; `raw` is the text of
-  // the field before, which a field may repeat.
-  void TakeFixedField(size_t position, const std::string& line, std::string_view& raw, bool onlyRoute);
-  std::string promptedText_;  // the room of a prompted field's text
-  std::string numberText_;    // and of an autonumber's
   // The longest output line so far and its end of line: a fixed line takes
   // its room at once rather than growing field by field.
   std::string fieldText_;  // AssembleFixed's room for the text of one field

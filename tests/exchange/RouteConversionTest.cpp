@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "exchange/RouteLineParser.h"
 #include "support/RouteSite.h"
 
 namespace hifx::test {
@@ -208,16 +209,6 @@ TEST(FlatInput, DelimitedQuotesTildesAndShortLines) {
             std::tuple(Value("12 MAIN, APT 2"), Value("SAY \"HI\""), Value("a,b"), Value("OAK"), Value("")));
 }
 
-// The fixed layout with an autonumbered sequence, a prompted User1 and a
-// constant in one more field.
-std::map<std::string, std::string> NumberedLayout(const std::string& field, const std::string& constant) {
-  auto map = FixedLayout();
-  map["Sequence"] = "A";
-  map["User1"] = "P";
-  map[field] = "C," + constant;
-  return map;
-}
-
 TEST(FlatInput, AutonumbersRepeatInBothPasses) {
   RouteSite site;
   site.Map(NumberedLayout("User2", "K1"));
@@ -237,23 +228,22 @@ TEST(FlatInput, AutonumbersRepeatInBothPasses) {
 TEST(FlatInput, AFirstPassAgreesWithTheWholeLine) {
   RouteSite site;
   site.Map(NumberedLayout("Lat", "123456"));
-  clsExchange& exchange = site.Exchange();
-  exchange.ActiveMap = std::make_unique<clsExchMap>(site.dir.path());
-  ASSERT_TRUE(exchange.ActiveMap->LoadMap("Route.hcm", kUseRoute));
-  exchange.PlanRouteLine();
+  clsExchMap map(site.dir.path());
+  ASSERT_TRUE(map.LoadMap("Route.hcm", kUseRoute));
+  const clsPrompts prompts;
   for (const std::string& line : {FixedLine("7", 0, 11, 'W', 'm', "A", "B"),
                                   FixedLine("8", 0, 12, 'W', 'R', "A", "B", 99999), std::string("9")}) {
     std::vector<std::tuple<std::string, std::string, int16_t, bool>> passes;
     for (const bool onlyRoute : {true, false}) {
-      exchange.AutoNumber = 0;
+      RouteLineParser parser(map, prompts);
       std::string route;
       bool failed = false;
       try {
-        route = TextOf(exchange.ParseRoute(line, onlyRoute)[MeterField::RouteNbr]);
+        route = TextOf(parser.Parse(line, onlyRoute)[MeterField::RouteNbr]);
       } catch (const Failure&) {
         failed = true;
       }
-      passes.emplace_back(route, exchange.LastReadType, exchange.AutoNumber, failed);
+      passes.emplace_back(route, parser.ReadType(), parser.AutoNumber(), failed);
     }
     EXPECT_EQ(passes[0], passes[1]) << line;
   }

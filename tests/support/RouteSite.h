@@ -35,6 +35,16 @@ inline std::map<std::string, std::string> FixedLayout() {
           {"ServiceAddress", "17,10,,,0"}, {"BillingName", "27,10,,,0"}, {"Digits", "37,5,,,0"}};
 }
 
+// The fixed layout with an autonumbered sequence, a prompted User1 and a
+// constant in one more field.
+inline std::map<std::string, std::string> NumberedLayout(const std::string& field, const std::string& constant) {
+  auto map = FixedLayout();
+  map["Sequence"] = "A";
+  map["User1"] = "P";
+  map[field] = "C," + constant;
+  return map;
+}
+
 // One line of the fixed test layout.
 inline std::string FixedLine(const std::string& route, int sequence, int tag, char type, char readType,
                              const std::string& address, const std::string& name, int digits = 5) {
