@@ -94,7 +94,12 @@ class clsPalmDB {
   // An unknown field is reported and nothing changes.
   void SetItem(std::string_view name, const Value& value);
   void SetItem(int32_t index, const Value& value) {
-    if (index > 0 && index <= FieldCount()) return WriteField(static_cast<int16_t>(index), value);
+    if (index > 0 && index <= FieldCount()) {
+      // A caller that sets most fields by index and a few by name goes in
+      // field order: the name is looked for behind this one first.
+      lastFound_ = static_cast<int16_t>(index);
+      return WriteField(static_cast<int16_t>(index), value);
+    }
     ReportNoField(std::to_string(index));
   }
   // The same for a text, set in place when the field holds a text.
