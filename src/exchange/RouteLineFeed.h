@@ -5,17 +5,12 @@
 // before it first.
 #pragma once
 
-#include <array>
-#include <condition_variable>
 #include <cstdint>
-#include <exception>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "base/LineReader.h"
+#include "base/Prefetch.h"
 #include "exchange/RouteLine.h"
 #include "exchange/RouteLineParser.h"
 
@@ -33,40 +28,20 @@ class RouteLineFeed {
   // the map's fields and the prompted values, which must outlive the feed;
   // autonumbers start from 1.
   RouteLineFeed(std::unique_ptr<LineReader> source, const clsExchMap& map, const clsPrompts& prompts);
-  // Stops the reading thread, wherever it is.
-  ~RouteLineFeed();
-  RouteLineFeed(const RouteLineFeed&) = delete;
-  RouteLineFeed& operator=(const RouteLineFeed&) = delete;
 
   // The next line, valid until the next call; nullptr at the end of the
   // file. Raises the failure that stopped the reading once the lines before
   // it are taken.
-  const Line* Next();
+  const Line* Next() { return lines_.Next(); }
 
  private:
-  static constexpr size_t kBatchLines = 256;
-  struct Batch {
-    std::vector<Line> lines;
-    size_t count = 0;            // lines filled
-    bool last = false;           // the reading ends after this batch
-    std::exception_ptr failure;  // why it ended early, raised after the lines
-  };
-  void Read();
-  void Fill(Batch& batch, std::string& text);
+  bool Make(Line& line);
 
+  // The second thread's alone.
   std::unique_ptr<LineReader> source_;
   RouteLineParser parser_;
-  const RouteLine planned_;  // a line with no values, the room of a new one
-  std::array<Batch, 4> batches_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  uint64_t filled_ = 0;  // batches the reader has handed over
-  uint64_t taken_ = 0;   // batches the conversion is done with
-  bool stopping_ = false;
-  // The conversion's place: the batch it reads and the line in it.
-  Batch* current_ = nullptr;
-  size_t next_ = 0;
-  std::thread reader_;
+  std::string text_;
+  Prefetch<Line> lines_;  // last: its thread starts once the rest is ready
 };
 
 }  // namespace hifx
