@@ -4,9 +4,12 @@
 // the five user fields.
 #include <algorithm>
 #include <charconv>
+#include <exception>
+#include <utility>
 
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Prefetch.h"
 #include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
@@ -176,20 +179,236 @@ void WriteRouteRecords(clsHIF& hif, const std::vector<MVRSRouteEntry>& table) {
   }
 }
 
-// Pass 2's working records: the route, the customer and the meter being
-// folded into one HIF record.
-struct MVRSFold {
-  MVRSFold(clsExchange& owner, const std::vector<MVRSRouteEntry>& routes)
-      : exchange(owner), table(routes), radioOption(owner.ActiveMap->MapOptions(1) == "Y") {}
-
-  clsExchange& exchange;
-  const std::vector<MVRSRouteEntry>& table;
-  const bool radioOption;
-  int32_t route = 0;  // the lower bound of the route list until the first route
+// What pass 2's reading hands to its writing, in the order of the file: a
+// meter to write, a transponder tag to check, or the end of the reading at
+// a failure. With each, the progress of the lines read since the one
+// before.
+struct MVRSFoldStep {
+  enum class Kind { Meter, Radio, ReadFailure, Failure };
+  Kind kind = Kind::Meter;
+  std::vector<int16_t> progress;
+  // A meter: its route, customer and own values.
+  int32_t route = 0;
   std::string routeNumber;
   MVRSCustomer customer;
   MVRSMeter meter;
-  std::string userRoom;  // where a text of a meter's record is put together
+  // A transponder: its tag, who it belongs to, and its line.
+  std::string tag;
+  std::string info;
+  int32_t lineNo = 0;
+  // The end at a failure: what the reader says, or what a line raised.
+  std::string failureText;
+  std::exception_ptr failure;
+};
+
+// Pass 2's reading: the lines of each meter, customer and route folded
+// into the working records, and each meter handed over when the next meter,
+// customer or route begins. It runs on the second thread, beside the
+// writing: the route table and the map it reads don't change meanwhile.
+class MVRSFold {
+ public:
+  // reader, open, has no shell: a failure of the reading comes back as a
+  // step, to be shown by the writing, and the record kinds of the format
+  // never ask the person anything.
+  MVRSFold(std::unique_ptr<clsMVRSDownload> reader, const std::vector<MVRSRouteEntry>& routes, bool radioOption)
+      : reader_(std::move(reader)), table_(routes), radioOption_(radioOption) {}
+
+  // The next step; false after the last.
+  bool Make(MVRSFoldStep& step) {
+    step.progress.clear();
+    try {
+      return Fold(step);
+    } catch (...) {
+      step.kind = MVRSFoldStep::Kind::Failure;
+      step.failure = std::current_exception();
+      done_ = true;
+      return true;
+    }
+  }
+
+ private:
+  bool Fold(MVRSFoldStep& step) {
+    if (held_ != nullptr) {
+      // The line that handed the meter before it over goes on.
+      const clsRecType& line = *std::exchange(held_, nullptr);
+      if (TakeLine(step, line, heldLineNo_)) return true;
+    }
+    while (!done_) {
+      const clsRecType* line = reader_->ReadNext();
+      if (line == nullptr) {
+        done_ = true;
+        if (!reader_->LastFailure().empty()) {
+          step.kind = MVRSFoldStep::Kind::ReadFailure;
+          step.failureText = reader_->LastFailure();
+          return true;
+        }
+        break;
+      }
+      step.progress.push_back(static_cast<int16_t>(reader_->Position255() + 255));
+      if (meter_.Pending && StartsNew(line->IDText)) {
+        held_ = line;
+        heldLineNo_ = reader_->LineNo();
+        HandOver(step);
+        return true;
+      }
+      if (TakeLine(step, *line, reader_->LineNo())) return true;
+    }
+    if (!meter_.Pending) return false;
+    HandOver(step);
+    return true;
+  }
+
+  static bool StartsNew(const std::string& kind) {
+    return SameShortText(kind, "RHD") || SameShortText(kind, "CUS") || SameShortText(kind, "MTR");
+  }
+
+  // The pending meter into step, and none pending.
+  void HandOver(MVRSFoldStep& step) {
+    step.kind = MVRSFoldStep::Kind::Meter;
+    step.route = route_;
+    step.routeNumber = routeNumber_;
+    step.customer = customer_;
+    std::swap(step.meter, meter_);
+    meter_ = MVRSMeter();
+  }
+
+  // One line into the working records; true when it makes a step.
+  bool TakeLine(MVRSFoldStep& step, const clsRecType& line, int32_t lineNo) {
+    const std::string& kind = line.IDText;
+    if (SameShortText(kind, "RHD")) {
+      TakeRouteLine(line);
+    } else if (SameShortText(kind, "CUS")) {
+      TakeCustomerLine(line);
+    } else if (SameShortText(kind, "CSX")) {
+      TakeFixed20(line, Key<"Name">(), customer_.Name2);
+      TakeFixed20(line, Key<"Address3">(), customer_.Address3);
+    } else if (SameShortText(kind, "MTR")) {
+      TakeMeterLine(line);
+    } else if (SameShortText(kind, "RTS")) {
+      line.GetText(Key<"SurveyText1">(), meter_.SurveyText1);
+      line.GetText(Key<"SurveyText2">(), meter_.SurveyText2);
+    } else if (SameShortText(kind, "RFF")) {
+      TakeRadioLine(step, line, lineNo);
+      return true;
+    } else if (SameShortText(kind, "WRR")) {
+      line.GetText(Key<"WandProgram">(), meter_.WandProgram);
+      line.GetText(Key<"DeviceID">(), meter_.DeviceID);
+    } else if (SameShortText(kind, "MTS")) {
+      line.GetText(Key<"SpecialMessageText">(), meter_.SpecialMessageText);
+    } else if (SameShortText(kind, "RDG")) {
+      TakeReadingLine(line);
+    }
+    return false;
+  }
+
+  // "RHD": the route of the table with the line's number, or one past the
+  // table's end when none has it.
+  void TakeRouteLine(const clsRecType& line) {
+    line.GetText(Key<"RouteNumber">(), routeNumber_);
+    route_ = static_cast<int32_t>(table_.size()) + 1;
+    for (size_t i = 0; i < table_.size(); ++i) {
+      if (table_[i].RouteNumber == routeNumber_) {
+        route_ = static_cast<int32_t>(i + 1);
+        break;
+      }
+    }
+  }
+
+  // "CUS": a new working customer.
+  void TakeCustomerLine(const clsRecType& line) {
+    MVRSCustomer& customer = customer_;
+    customer.Reset();
+    TakeFixed20(line, Key<"Name">(), customer.Name);
+    TakeFixed20(line, Key<"Address1">(), customer.Address1);
+    TakeFixed20(line, Key<"Address2">(), customer.Address2);
+    line.GetText(Key<"UtilityID">(), customer.UtilityID);
+    line.GetText(Key<"Account">(), customer.Account);
+    line.GetText(Key<"GroupCode">(), customer.GroupCode);
+    line.GetText(Key<"ExtraIndicator">(), customer.ExtraIndicator);
+    line.GetText(Key<"SegmentCode">(), customer.SegmentCode);
+    line.GetText(Key<"PassThru">(), customer.PassThru);
+    line.GetText(Key<"CustomerInfo">(), customer.CustomerInfo);
+  }
+
+  // "MTR": a new pending meter. With the radio option, an 8-digit meter
+  // number is the transponder's, and the meter reads by radio.
+  void TakeMeterLine(const clsRecType& line) {
+    MVRSMeter& meter = meter_;
+    meter = MVRSMeter();
+    meter.Pending = true;
+    line.GetText(Key<"MeterNumber">(), meter.MeterNumber);
+    line.GetText(Key<"MeterCategory">(), meter.MeterCategory);
+    meter.MeterType = Number(line, Key<"MeterType">());
+    line.GetText(Key<"GroupCode">(), meter.GroupCode);
+    // Through a number and back: leading zeros go.
+    meter.MeterLocation = Str(ToInt32(NumericPrefix(Text(line, Key<"MeterLocation">()))));
+    meter.NumberReadings = Number(line, Key<"NumberReadings">());
+    line.GetText(Key<"SurveyCode1DisplayIndicator">(), meter.SurveyCode1DisplayIndicator);
+    line.GetText(Key<"SurveyCode2DisplayIndicator">(), meter.SurveyCode2DisplayIndicator);
+    line.GetText(Key<"BillCode">(), meter.BillCode);
+    line.GetText(Key<"MeterStatus">(), meter.MeterStatus);
+    line.GetText(Key<"OpticalProbeID">(), meter.OpticalProbeID);
+    meter.ReadInstruction1 = Number(line, Key<"ReadInstruction1">());
+    meter.ReadInstruction2 = Number(line, Key<"ReadInstruction2">());
+    meter.SpecialMessageDisplayIndicator = Number(line, Key<"SpecialMessageDisplayIndicator">());
+    line.GetText(Key<"LocationExtraMeter">(), meter.LocationExtraMeter);
+    line.GetText(Key<"AdditionalMeterInfo">(), meter.AdditionalMeterInfo);
+    const int32_t sequence = Number(line, Key<"ReadSequence">());
+    meter.ReadSequence = sequence >= -32768 && sequence <= 32767 ? static_cast<int16_t>(sequence) : 0;
+    meter.ReadSequenceText = Str(sequence);
+    double number = 0.0;
+    if (radioOption_ && Trim(meter.MeterNumber).size() == 8 && ParseWholeNumber(meter.MeterNumber, number)) {
+      meter.TagNumber = ToInt32(number);
+      meter.Radio = true;
+    }
+  }
+
+  // "RFF": the transponder, whose tag the writing checks against those
+  // seen before.
+  void TakeRadioLine(MVRSFoldStep& step, const clsRecType& line, int32_t lineNo) {
+    MVRSMeter& meter = meter_;
+    meter.TagNumber = ToInt32(NumericPrefix(Text(line, Key<"RFERTID">())));
+    meter.GeographicArea = Number(line, Key<"GeographicArea">());
+    line.GetText(Key<"RFFrequency">(), meter.RFFrequency);
+    line.GetText(Key<"RFTone">(), meter.RFTone);
+    meter.Tamper = Number(line, Key<"Tamper">());
+    step.kind = MVRSFoldStep::Kind::Radio;
+    step.tag = Str(meter.TagNumber);
+    step.info = customer_.Name + " " + customer_.Address1;
+    step.lineNo = lineNo;
+  }
+
+  // "RDG": one reading a meter, so a second line overwrites the first.
+  void TakeReadingLine(const clsRecType& line) {
+    MVRSMeter& meter = meter_;
+    meter.NumberDials = Number(line, Key<"NumberDials">());
+    meter.PreviousReading = Number(line, Key<"PreviousReading">());
+    line.GetText(Key<"TextPrompt">(), meter.TextPrompt);
+    line.GetText(Key<"ReadDirection">(), meter.ReadDirection);
+    meter.CompareCode = Number(line, Key<"CompareCode">());
+    meter.ValidationCode = Number(line, Key<"ValidationCode">());
+    meter.ReadMethod = meter.Radio ? "R" : Text(line, Key<"ReadMethod">());
+    meter.MeterConstant = Number(line, Key<"MeterConstant">());
+    meter.ConstantFlag = Number(line, Key<"ConstantFlag">());
+    meter.HHFPosition = Number(line, Key<"HHFPosition">());
+    meter.NumberDecimals = Number(line, Key<"NumberDecimals">());
+    meter.High1 = Number(line, Key<"High1">());
+    meter.Low1 = Number(line, Key<"Low1">());
+  }
+
+  std::unique_ptr<clsMVRSDownload> reader_;
+  const std::vector<MVRSRouteEntry>& table_;
+  const bool radioOption_;
+  int32_t route_ = 0;  // the lower bound of the route list until the first route
+  std::string routeNumber_;
+  MVRSCustomer customer_;
+  MVRSMeter meter_;
+  // A line that begins a new meter, customer or route, held while the meter
+  // before it is handed over; the reader keeps its record until the next
+  // line is read.
+  const clsRecType* held_ = nullptr;
+  int32_t heldLineNo_ = 0;
+  bool done_ = false;
 };
 
 // A number's decimal text in a room of its own, read as a view while it
@@ -230,14 +449,14 @@ void SetUserFields(clsHIF& hif, const MVRSCustomer& customer, const MVRSMeter& m
 }
 
 // The pending meter as one HIF record of the current route.
-void WriteMeterRecord(MVRSFold& fold) {
-  const MVRSCustomer& customer = fold.customer;
-  const MVRSMeter& meter = fold.meter;
-  clsHIF& hif = *fold.exchange.ActiveHIF;
+void WriteMeterRecord(clsExchange& exchange, const MVRSFoldStep& step, std::string& room) {
+  const MVRSCustomer& customer = step.customer;
+  const MVRSMeter& meter = step.meter;
+  clsHIF& hif = *exchange.ActiveHIF;
   const std::string tag = Str(meter.TagNumber);
   hif.AddNew();
   hif.SetItem(MeterField::RecType, Value::Long(kRecMeter));
-  hif.SetItem(MeterField::RouteNbr, Value::Long(fold.route));
+  hif.SetItem(MeterField::RouteNbr, Value::Long(step.route));
   hif.SetItem(MeterField::Sequence, Value::Long(meter.ReadSequence));
   hif.SetItem(MeterField::MeterTagNbr, Value::Long(meter.TagNumber));
   static const std::string kCategories = "WGESI";
@@ -261,166 +480,55 @@ void WriteMeterRecord(MVRSFold& fold) {
   hif.SetItem(MeterField::Lng, Value::Long(0));
   hif.SetItem(MeterField::InitPulseCount, Value::Long(0));
   hif.SetItem(MeterField::InitTamperCount, Value::Long(0));
-  hif.SetItem(MeterField::Message, Value(fold.exchange.Advanced().LookupMessage(
-                             std::string(Trim(meter.SpecialMessageText)), fold.routeNumber,
-                             std::string(Trim(customer.Account)), std::string(Trim(meter.MeterNumber)),
-                             std::string(Trim(tag)))));
-  std::string& room = fold.userRoom;
+  hif.SetItem(MeterField::Message,
+              Value(exchange.Advanced().LookupMessage(std::string(Trim(meter.SpecialMessageText)), step.routeNumber,
+                                                      std::string(Trim(customer.Account)),
+                                                      std::string(Trim(meter.MeterNumber)), std::string(Trim(tag)))));
   hif.SetText(MeterField::ServiceAddress,
               Trim(room.assign(customer.Address1).append(customer.Address2).append(customer.Address3)));
   hif.SetText(MeterField::BillingName, Trim(room.assign(customer.Name).append(customer.Name2)));
   hif.SetText(MeterField::ServiceUniqueID, customer.Account);
   hif.SetText(MeterField::MeterSerialNbr, meter.MeterNumber);
   hif.SetText(MeterField::ReceiverData, "");
-  SetUserFields(hif, customer, meter, fold.userRoom);
+  SetUserFields(hif, customer, meter, room);
   hif.WriteData();
 }
 
-// Writes the pending meter, if any, counts it and hands it to the index.
-void FlushMeter(MVRSFold& fold) {
-  if (!fold.meter.Pending) return;
-  clsExchange& exchange = fold.exchange;
-  WriteMeterRecord(fold);
+// Writes a meter handed over, counts it and hands it to the index.
+void WriteFoldedMeter(clsExchange& exchange, const MVRSFoldStep& step, std::string& room) {
+  WriteMeterRecord(exchange, step, room);
   ++exchange.MetersWritten;
-  fold.meter = MVRSMeter();
   if (exchange.CreateIndexes) {
     exchange.IndexWrittenMeter(exchange.ActiveHIF->NumberItem(MeterField::RouteNbr));
   }
   exchange.MeterRecordNumber = Add16(exchange.MeterRecordNumber, 1);
 }
 
-// "RHD": the route of the table with the line's number, or one past the
-// table's end when none has it.
-void TakeRouteLine(MVRSFold& fold, const clsRecType& line) {
-  FlushMeter(fold);
-  line.GetText(Key<"RouteNumber">(), fold.routeNumber);
-  fold.route = static_cast<int32_t>(fold.table.size()) + 1;
-  for (size_t i = 0; i < fold.table.size(); ++i) {
-    if (fold.table[i].RouteNumber == fold.routeNumber) {
-      fold.route = static_cast<int32_t>(i + 1);
-      break;
+// Pass 2: each meter with the lines that follow it, until the next meter,
+// customer or route, as one HIF record. The lines are read and folded on a
+// second thread while this one writes the meters.
+void FoldMeters(clsExchange& exchange, std::unique_ptr<clsMVRSDownload> reader,
+                const std::vector<MVRSRouteEntry>& table) {
+  IShell& shell = exchange.Environment().shell;
+  MVRSFold fold(std::move(reader), table, exchange.ActiveMap->MapOptions(1) == "Y");
+  Prefetch<MVRSFoldStep> steps([&fold](MVRSFoldStep& step) { return fold.Make(step); }, MVRSFoldStep());
+  std::string room;  // where a text of a meter's record is put together
+  while (MVRSFoldStep* step = steps.Next()) {
+    for (const int16_t progress : step->progress) shell.SetProgressButton(765, progress);
+    switch (step->kind) {
+      case MVRSFoldStep::Kind::Meter:
+        WriteFoldedMeter(exchange, *step, room);
+        break;
+      case MVRSFoldStep::Kind::Radio:
+        if (exchange.CheckDuplicateTag(step->tag, step->info, step->lineNo)) exchange.HadProblems = true;
+        break;
+      case MVRSFoldStep::Kind::ReadFailure:
+        shell.MsgBox("Error in Readnext: " + step->failureText);
+        break;
+      case MVRSFoldStep::Kind::Failure:
+        std::rethrow_exception(step->failure);
     }
   }
-}
-
-// "CUS": a new working customer.
-void TakeCustomerLine(MVRSFold& fold, const clsRecType& line) {
-  FlushMeter(fold);
-  MVRSCustomer& customer = fold.customer;
-  customer.Reset();
-  TakeFixed20(line, Key<"Name">(), customer.Name);
-  TakeFixed20(line, Key<"Address1">(), customer.Address1);
-  TakeFixed20(line, Key<"Address2">(), customer.Address2);
-  line.GetText(Key<"UtilityID">(), customer.UtilityID);
-  line.GetText(Key<"Account">(), customer.Account);
-  line.GetText(Key<"GroupCode">(), customer.GroupCode);
-  line.GetText(Key<"ExtraIndicator">(), customer.ExtraIndicator);
-  line.GetText(Key<"SegmentCode">(), customer.SegmentCode);
-  line.GetText(Key<"PassThru">(), customer.PassThru);
-  line.GetText(Key<"CustomerInfo">(), customer.CustomerInfo);
-}
-
-// "MTR": a new pending meter. With the radio option, an 8-digit meter number
-// is the transponder's, and the meter reads by radio.
-void TakeMeterLine(MVRSFold& fold, const clsRecType& line) {
-  FlushMeter(fold);
-  MVRSMeter& meter = fold.meter;
-  meter = MVRSMeter();
-  meter.Pending = true;
-  line.GetText(Key<"MeterNumber">(), meter.MeterNumber);
-  line.GetText(Key<"MeterCategory">(), meter.MeterCategory);
-  meter.MeterType = Number(line, Key<"MeterType">());
-  line.GetText(Key<"GroupCode">(), meter.GroupCode);
-  // Through a number and back: leading zeros go.
-  meter.MeterLocation = Str(ToInt32(NumericPrefix(Text(line, Key<"MeterLocation">()))));
-  meter.NumberReadings = Number(line, Key<"NumberReadings">());
-  line.GetText(Key<"SurveyCode1DisplayIndicator">(), meter.SurveyCode1DisplayIndicator);
-  line.GetText(Key<"SurveyCode2DisplayIndicator">(), meter.SurveyCode2DisplayIndicator);
-  line.GetText(Key<"BillCode">(), meter.BillCode);
-  line.GetText(Key<"MeterStatus">(), meter.MeterStatus);
-  line.GetText(Key<"OpticalProbeID">(), meter.OpticalProbeID);
-  meter.ReadInstruction1 = Number(line, Key<"ReadInstruction1">());
-  meter.ReadInstruction2 = Number(line, Key<"ReadInstruction2">());
-  meter.SpecialMessageDisplayIndicator = Number(line, Key<"SpecialMessageDisplayIndicator">());
-  line.GetText(Key<"LocationExtraMeter">(), meter.LocationExtraMeter);
-  line.GetText(Key<"AdditionalMeterInfo">(), meter.AdditionalMeterInfo);
-  const int32_t sequence = Number(line, Key<"ReadSequence">());
-  meter.ReadSequence = sequence >= -32768 && sequence <= 32767 ? static_cast<int16_t>(sequence) : 0;
-  meter.ReadSequenceText = Str(sequence);
-  double number = 0.0;
-  if (fold.radioOption && Trim(meter.MeterNumber).size() == 8 && ParseWholeNumber(meter.MeterNumber, number)) {
-    meter.TagNumber = ToInt32(number);
-    meter.Radio = true;
-  }
-}
-
-// "RFF": the transponder, whose tag must not be one seen before.
-void TakeRadioLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
-  MVRSMeter& meter = fold.meter;
-  meter.TagNumber = ToInt32(NumericPrefix(Text(line, Key<"RFERTID">())));
-  meter.GeographicArea = Number(line, Key<"GeographicArea">());
-  line.GetText(Key<"RFFrequency">(), meter.RFFrequency);
-  line.GetText(Key<"RFTone">(), meter.RFTone);
-  meter.Tamper = Number(line, Key<"Tamper">());
-  const MVRSCustomer& customer = fold.customer;
-  if (fold.exchange.CheckDuplicateTag(Str(meter.TagNumber), customer.Name + " " + customer.Address1, lineNo)) {
-    fold.exchange.HadProblems = true;
-  }
-}
-
-// "RDG": one reading a meter, so a second line overwrites the first.
-void TakeReadingLine(MVRSMeter& meter, const clsRecType& line) {
-  meter.NumberDials = Number(line, Key<"NumberDials">());
-  meter.PreviousReading = Number(line, Key<"PreviousReading">());
-  line.GetText(Key<"TextPrompt">(), meter.TextPrompt);
-  line.GetText(Key<"ReadDirection">(), meter.ReadDirection);
-  meter.CompareCode = Number(line, Key<"CompareCode">());
-  meter.ValidationCode = Number(line, Key<"ValidationCode">());
-  meter.ReadMethod = meter.Radio ? "R" : Text(line, Key<"ReadMethod">());
-  meter.MeterConstant = Number(line, Key<"MeterConstant">());
-  meter.ConstantFlag = Number(line, Key<"ConstantFlag">());
-  meter.HHFPosition = Number(line, Key<"HHFPosition">());
-  meter.NumberDecimals = Number(line, Key<"NumberDecimals">());
-  meter.High1 = Number(line, Key<"High1">());
-  meter.Low1 = Number(line, Key<"Low1">());
-}
-
-// One line of pass 2 into the working records; other kinds are passed over.
-void FoldLine(MVRSFold& fold, const clsRecType& line, int32_t lineNo) {
-  const std::string& kind = line.IDText;
-  if (SameShortText(kind, "RHD")) {
-    TakeRouteLine(fold, line);
-  } else if (SameShortText(kind, "CUS")) {
-    TakeCustomerLine(fold, line);
-  } else if (SameShortText(kind, "CSX")) {
-    TakeFixed20(line, Key<"Name">(), fold.customer.Name2);
-    TakeFixed20(line, Key<"Address3">(), fold.customer.Address3);
-  } else if (SameShortText(kind, "MTR")) {
-    TakeMeterLine(fold, line);
-  } else if (SameShortText(kind, "RTS")) {
-    line.GetText(Key<"SurveyText1">(), fold.meter.SurveyText1);
-    line.GetText(Key<"SurveyText2">(), fold.meter.SurveyText2);
-  } else if (SameShortText(kind, "RFF")) {
-    TakeRadioLine(fold, line, lineNo);
-  } else if (SameShortText(kind, "WRR")) {
-    line.GetText(Key<"WandProgram">(), fold.meter.WandProgram);
-    line.GetText(Key<"DeviceID">(), fold.meter.DeviceID);
-  } else if (SameShortText(kind, "MTS")) {
-    line.GetText(Key<"SpecialMessageText">(), fold.meter.SpecialMessageText);
-  } else if (SameShortText(kind, "RDG")) {
-    TakeReadingLine(fold.meter, line);
-  }
-}
-
-// Pass 2: each meter with the lines that follow it, until the next meter,
-// customer or route, as one HIF record.
-void FoldMeters(clsExchange& exchange, clsMVRSDownload& reader, const std::vector<MVRSRouteEntry>& table) {
-  MVRSFold fold(exchange, table);
-  while (clsRecType* record = reader.ReadNext()) {
-    exchange.Environment().shell.SetProgressButton(765, reader.Position255() + 255);
-    FoldLine(fold, *record, reader.LineNo());
-  }
-  FlushMeter(fold);
 }
 
 }  // namespace
@@ -463,9 +571,9 @@ bool clsExchange::ConvertRouteMVRS() {
   WriteHeaderRecord(*this, counts, source);
   WriteRouteRecords(*ActiveHIF, counts.table);
 
-  reader = std::make_unique<clsMVRSDownload>(&env_.shell);
+  reader = std::make_unique<clsMVRSDownload>(nullptr);
   if (!reader->OpenFile(source)) return false;
-  FoldMeters(*this, *reader, counts.table);
+  FoldMeters(*this, std::move(reader), counts.table);
   return !HadProblems;
 }
 

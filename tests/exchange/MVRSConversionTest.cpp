@@ -5,6 +5,7 @@
 #include <map>
 
 #include "base/DateSerial.h"
+#include "base/LineReader.h"
 #include "exchange/ExchangeText.h"
 #include "formats/mvrs/MVRSCatalogue.h"
 #include "support/HifImage.h"
@@ -162,6 +163,30 @@ TEST(MVRSRoute, ADuplicateTransponderIsAProblemButEveryMeterIsWritten) {
             std::string::npos)
       << log;
   EXPECT_NE(log.find("Problems encountered; Route file unusable\n"), std::string::npos);
+}
+
+// The lines are read on a second thread in batches: a line that can't be
+// read stops the reading where it stands, after every meter before it, the
+// one it interrupts included, and is shown once in each pass.
+TEST(MVRSRoute, ALineThatCantBeReadEndsTheMetersWhereItStands) {
+  MVRSSite site;
+  std::vector<std::string> lines = {Route("CHD", {{"NumberRoutes", "1"}}), Route("RHD", {{"RouteNumber", "R1"}})};
+  for (int i = 1; i <= 600; ++i) {
+    lines.push_back(Route("CUS", {{"Account", "A" + std::to_string(i)}}));
+    lines.push_back(Route("MTR", {{"MeterNumber", "M" + std::to_string(i)}}));
+    lines.push_back(Route("RFF", {{"RFERTID", std::to_string(i)}}));
+  }
+  lines.push_back(std::string(LineReader::kMaxLine + 200000, 'X'));
+  lines.push_back(Route("MTR", {{"MeterNumber", "AFTER"}}));
+  site.Convert(lines);
+  const auto meters = site.Meters();
+  ASSERT_EQ(meters.size(), 600u);
+  EXPECT_EQ(std::pair(Text(meters[0], "MeterSerialNbr"), Text(meters[599], "MeterSerialNbr")),
+            std::pair(std::string("M1          "), std::string("M600        ")));
+  EXPECT_EQ(meters[599].Item("MeterTagNbr"), Value::Long(600));
+  ASSERT_EQ(site.shell.questions.size(), 2u);
+  EXPECT_EQ(site.shell.questions[0].text.rfind("Error in Readnext: ", 0), 0u) << site.shell.questions[0].text;
+  EXPECT_EQ(site.shell.questions[1].text, site.shell.questions[0].text);
 }
 
 TEST(MVRSRoute, ARouteWithoutACycleFailsInTheDriversFrame) {

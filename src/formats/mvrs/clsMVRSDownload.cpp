@@ -20,7 +20,8 @@ clsRecType* clsMVRSDownload::ReadNext() {
       return type;
     }
   } catch (const Failure& failure) {
-    if (shell_ != nullptr) shell_->MsgBox("Error in Readnext: " + failure.Description());
+    failure_ = failure.Description();
+    if (shell_ != nullptr) shell_->MsgBox("Error in Readnext: " + failure_);
   }
   return nullptr;
 }

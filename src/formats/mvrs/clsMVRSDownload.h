@@ -28,6 +28,8 @@ class clsMVRSDownload {
   clsRecType* ReadNext();
   // The number of the line last read, from 1.
   int32_t LineNo() const { return file_.LineNo(); }
+  // What stopped the reading at a failure, and empty before one.
+  const std::string& LastFailure() const { return failure_; }
 
  private:
   IShell* shell_;
@@ -35,6 +37,7 @@ class clsMVRSDownload {
   RecordKinds kinds_;
   RecordLineReader file_;
   std::string line_;
+  std::string failure_;
 };
 
 }  // namespace hifx
