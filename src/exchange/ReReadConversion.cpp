@@ -68,7 +68,7 @@ bool clsExchange::CheckReReadFiles(ReReadRun& run) {
 bool clsExchange::LoadReReadMap() {
   if (ReReadMap.empty()) return Fail("Error: ReRead Conversion Map not specified");
   Log("Using Map: " + ReReadMap);
-  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  NewActiveMap();
   if (!ActiveMap->LoadMap(ReReadMap + MapExtension(kUseReRead), kUseReRead)) {
     return Fail("Error: Could not load ReRead Conversion Map");
   }

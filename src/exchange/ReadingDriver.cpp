@@ -71,7 +71,7 @@ bool clsExchange::ConvertReading() {
   }
 
   Log("Using map " + ReadingMap);
-  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  NewActiveMap();
   if (!ActiveMap->LoadMap(ReadingMap + MapExtension(kUseReading), kUseReading)) {
     return Fail("Error: Could not load Reading Conversion Map");
   }
@@ -116,7 +116,7 @@ bool clsExchange::OrphanStep(int16_t version) {
         " bytes lost.");
   }
   Log("Using map " + OrphanMap);
-  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  NewActiveMap();
   if (!ActiveMap->LoadMap(OrphanMap + MapExtension(kUseOrphan), kUseOrphan)) {
     return Fail("Error: Could not load Orphan Conversion Map");
   }

@@ -138,10 +138,16 @@ bool clsExchange::CheckRouteFiles(std::string& destination) {
   return DestinationFree(destination, "Route", false);
 }
 
+void clsExchange::NewActiveMap() {
+  // A parser planned for the map before must not outlive it.
+  routeParser_.reset();
+  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+}
+
 bool clsExchange::LoadRouteMap() {
   if (RouteMap.empty()) return Fail("Error: Route Conversion Map not specified");
   Log("Using Map: " + RouteMap);
-  ActiveMap = std::make_unique<clsExchMap>(env_.siteFolder);
+  NewActiveMap();
   if (!ActiveMap->LoadMap(RouteMap + MapExtension(kUseRoute), kUseRoute)) {
     return Fail("Error: Could not load Route Conversion Map");
   }

@@ -264,6 +264,8 @@ class clsExchange {
   void WriteIndexedMeter();
   void WriteCodeRecords();
   std::unique_ptr<RouteLineParser> routeParser_;  // of the active map, from PlanRouteLine
+  // An empty ActiveMap of the site, to be loaded, in place of the one before.
+  void NewActiveMap();
   // The fields with a maximum or required, by position.
   std::vector<size_t> validatedFields_;
   // The longest output line so far and its end of line: a fixed line takes
