@@ -10,6 +10,7 @@
 #include "base/DateText.h"
 #include "base/Failure.h"
 #include "base/Numbers.h"
+#include "base/Prefetch.h"
 #include "base/Text.h"
 #include "exchange/ExchangeText.h"
 #include "exchange/clsExchange.h"
@@ -346,13 +347,17 @@ void WriteRouteLine(MVRSReadingRun& run, const char* kind, int32_t index) {
 
 // A meter of another route closes the current route with "RTR" and opens
 // its own with "RHD".
-void ChangeRoute(MVRSReadingRun& run, clsHIF& hif) {
-  int32_t routeNbr = run.current;
-  run.Step([&] { routeNbr = hif.NumberItem(MeterField::RouteNbr); });
+void ChangeRouteTo(MVRSReadingRun& run, int32_t routeNbr) {
   if (routeNbr == run.current) return;
   if (run.current != 0) run.Step([&] { WriteRouteLine(run, "RTR", run.current); });
   run.Step([&] { WriteRouteLine(run, "RHD", routeNbr); });
   run.current = routeNbr;
+}
+
+void ChangeRoute(MVRSReadingRun& run, clsHIF& hif) {
+  int32_t routeNbr = run.current;
+  run.Step([&] { routeNbr = hif.NumberItem(MeterField::RouteNbr); });
+  ChangeRouteTo(run, routeNbr);
 }
 
 // The working customer, from the meter record.
@@ -655,6 +660,18 @@ void WriteDeviceLines(MVRSReadingRun& run, const MVRSReadRecord& record) {
   if (meter.ReadMethod == "R" || meter.ReadMethod == "W") run.Step([&] { WriteDeviceReadLine(run, record); });
 }
 
+// Pass 2, the lines of one meter as read.
+void WriteMeterLines(MVRSReadingRun& run, const MVRSReadRecord& record) {
+  const MVRSReadMeter& meter = record.meter;
+  const std::string meterNumber = Trim(meter.MeterNumber) == "0" ? " " : meter.MeterNumber;
+  run.Step([&] { WriteCustomerLine(run, record.customer); });
+  if (record.customer.ExtraIndicator == "Y") run.Step([&] { WriteExtraCustomerLine(run, record.customer); });
+  run.Step([&] { WriteMeterLine(run, record, meterNumber); });
+  if (!Trim(meter.SpecialMessage).empty()) run.Step([&] { WriteSpecialMessageLine(run, meter, meterNumber); });
+  run.Step([&] { WriteReadingLine(run, record); });
+  WriteDeviceLines(run, record);
+}
+
 // Pass 2 for one record: a meter's lines, after the route lines a change of
 // route calls for. Every other record is passed over.
 void WriteMeterRecord(MVRSReadingRun& run, clsHIF& hif) {
@@ -668,14 +685,88 @@ void WriteMeterRecord(MVRSReadingRun& run, clsHIF& hif) {
     FillCustomer(record.customer, run.fields, hif);
     FillMeter(record, run.fields, hif);
   });
-  const MVRSReadMeter& meter = record.meter;
-  const std::string meterNumber = Trim(meter.MeterNumber) == "0" ? " " : meter.MeterNumber;
-  run.Step([&] { WriteCustomerLine(run, record.customer); });
-  if (record.customer.ExtraIndicator == "Y") run.Step([&] { WriteExtraCustomerLine(run, record.customer); });
-  run.Step([&] { WriteMeterLine(run, record, meterNumber); });
-  if (!Trim(meter.SpecialMessage).empty()) run.Step([&] { WriteSpecialMessageLine(run, meter, meterNumber); });
-  run.Step([&] { WriteReadingLine(run, record); });
-  WriteDeviceLines(run, record);
+  WriteMeterLines(run, record);
+}
+
+// One record of pass 2 as the reading ahead found it.
+struct MVRSReadStep {
+  int16_t position255 = 0;
+  int32_t recType = 0;
+  int32_t routeNbr = 0;  // of a meter
+  MVRSReadRecord record;
+  bool stopped = false;  // the reading ahead stopped at this record
+};
+
+// Pass 2's records read ahead on the second thread, while this one writes
+// the lines of those before. The reading ahead asks nobody anything: at the
+// first record that fails, or would show a message, it stops, and the
+// conversion reads that record and the rest itself, where the person can be
+// asked as before.
+class MVRSReadAhead {
+ public:
+  MVRSReadAhead(const std::string& source, int16_t version) : hif_(shell_) {
+    hif_.SetVersion(version);
+    try {
+      stopped_ = hif_.OpenHIF(source);
+    } catch (...) {
+      stopped_ = true;
+    }
+  }
+
+  bool Make(MVRSReadStep& step) {
+    if (done_) return false;
+    try {
+      if (stopped_ || !hif_.ReadData()) {
+        done_ = true;
+        step.stopped = stopped_;
+        return stopped_;
+      }
+      step.position255 = hif_.Position255();
+      step.recType = hif_.NumberItem(MeterField::RecType);
+      if (step.recType == kRecMeter) {
+        step.routeNbr = hif_.NumberItem(MeterField::RouteNbr);
+        step.record.Clear();
+        FillCustomer(step.record.customer, fields_, hif_);
+        FillMeter(step.record, fields_, hif_);
+      }
+      step.stopped = false;
+    } catch (...) {
+      done_ = true;
+      step.stopped = true;
+    }
+    return true;
+  }
+
+ private:
+  // Stops the reading ahead at any word to the person.
+  struct StoppingShell : IShell {
+    struct Stop {};
+    void WriteLog(std::string_view) override { throw Stop{}; }
+    void SetProgressButton(int32_t, int32_t) override {}
+    MsgAnswer MsgBox(std::string_view, std::string_view, MsgButtons, MsgIcon) override { throw Stop{}; }
+  };
+
+  StoppingShell shell_;
+  clsHIF hif_;
+  FieldReader fields_;
+  bool stopped_ = false;
+  bool done_ = false;
+};
+
+// Pass 2 through the reading ahead; the records it took, and whether it
+// stopped before the end.
+bool WriteAheadRecords(MVRSReadingRun& run, int32_t& taken) {
+  MVRSReadAhead ahead(std::string(Trim(run.exchange.ReadingSource)), run.version);
+  Prefetch<MVRSReadStep> steps([&ahead](MVRSReadStep& step) { return ahead.Make(step); }, MVRSReadStep());
+  while (const MVRSReadStep* step = steps.Next()) {
+    if (step->stopped) return true;
+    ++taken;
+    run.shell.SetProgressButton(255, 127 + step->position255 / 2);
+    if (step->recType != kRecMeter) continue;
+    ChangeRouteTo(run, step->routeNbr);
+    WriteMeterLines(run, step->record);
+  }
+  return false;
 }
 
 // Pass 2, from the start of the file again: "FHD", the lines of each meter
@@ -684,11 +775,17 @@ void WriteReadingFile(MVRSReadingRun& run) {
   run.exchange.ActiveHIF.reset();
   run.Step([&] { OpenReadingFile(run); });
   run.Step([&] { WriteFileLine(run, "FHD"); });
-  bool more = true;
-  while (run.exchange.ActiveHIF && run.Next(more)) {
-    clsHIF& hif = *run.exchange.ActiveHIF;
-    run.shell.SetProgressButton(255, 127 + hif.Position255() / 2);
-    WriteMeterRecord(run, hif);
+  int32_t taken = 0;
+  if (run.exchange.ActiveHIF && WriteAheadRecords(run, taken)) {
+    // The rest from where the reading ahead stopped, past the records it
+    // took.
+    bool more = true;
+    for (int32_t i = 0; i < taken && more; ++i) run.Next(more);
+    while (more && run.exchange.ActiveHIF && run.Next(more)) {
+      clsHIF& hif = *run.exchange.ActiveHIF;
+      run.shell.SetProgressButton(255, 127 + hif.Position255() / 2);
+      WriteMeterRecord(run, hif);
+    }
   }
   if (run.current != 0) run.Step([&] { WriteRouteLine(run, "RTR", run.current); });
   run.Step([&] { WriteFileLine(run, "FTR"); });

@@ -207,6 +207,7 @@ struct ReadMeter {
   std::string serial = "M1";
   std::string user2 = "";
   int recType = 2;
+  int readingDate = 20240305;
 };
 
 class MVRSReadingSite : public MVRSSite {
@@ -219,18 +220,31 @@ class MVRSReadingSite : public MVRSSite {
   }
   void Hif(const std::vector<ReadMeter>& meters, int routes = 2, int routeRecType = 1) {
     TestShell quiet;
-    HifWriter w(quiet, dir / "reading.pdb");
+    HifWriter w(quiet, dir / "reading.pdb", 3, kFilePDB, static_cast<int32_t>(meters.size()) + routes + 1);
     w.Add({{"RecType", 0}, {"RouteNbr", routes}, {"MeterType", 3}});
     for (int r = 1; r <= routes; ++r) {
       w.Add({{"RecType", routeRecType}, {"RouteNbr", r}, {"Initials", "ROUTE" + std::to_string(r)},
              {"User1", "NE~01~05~11/20/2026~3"}});
     }
     for (const ReadMeter& m : meters) {
-      w.Add({{"RecType", m.recType}, {"RouteNbr", m.route}, {"Sequence", 7}, {"MeterType", m.meterType},
-             {"Digits", 6}, {"Decimals", m.decimals}, {"PrvReading", 500}, {"CurReading", m.reading},
-             {"ReadingDate", 20240305}, {"ReadingTime", 83015}, {"Status", m.status}, {"ReadType", m.readType},
-             {"ResponseCode", m.response}, {"ServiceAddress", "1 MAIN"}, {"BillingName", "SMITH"},
-             {"MeterSerialNbr", m.serial}, {"User1", "0~A-1~R~N~S1~P~INFO"}, {"User2", m.user2},
+      w.Add({{"RecType", m.recType},
+             {"RouteNbr", m.route},
+             {"Sequence", 7},
+             {"MeterType", m.meterType},
+             {"Digits", 6},
+             {"Decimals", m.decimals},
+             {"PrvReading", 500},
+             {"CurReading", m.reading},
+             {"ReadingDate", m.readingDate},
+             {"ReadingTime", 83015},
+             {"Status", m.status},
+             {"ReadType", m.readType},
+             {"ResponseCode", m.response},
+             {"ServiceAddress", "1 MAIN"},
+             {"BillingName", "SMITH"},
+             {"MeterSerialNbr", m.serial},
+             {"User1", "0~A-1~R~N~S1~P~INFO"},
+             {"User2", m.user2},
              {"User3", "KWH~F~5~12~K~1~1~2~0"}});
     }
   }
@@ -300,6 +314,39 @@ TEST(MVRSReading, RoutesWithoutMetersGiveOnlyTheFileLines) {
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0], "FHDN N 003000000000000000000N" + std::string(91, ' ') + "000000");
   EXPECT_EQ(lines[1].substr(0, 3), "FTR");
+}
+
+// The records are read ahead on a second thread. One that fails there is
+// read again where the person is asked, and the file goes on from it as if
+// every record had been read in turn: only the failed meter's reading line
+// differs from that of a file without the failure, no meter is missing or
+// written twice.
+TEST(MVRSReading, ARecordThatFailsIsAskedAboutInItsPlace) {
+  const auto convert = [](int badDate) {
+    MVRSReadingSite site;
+    std::vector<ReadMeter> meters(700);
+    for (size_t i = 0; i < meters.size(); ++i) {
+      meters[i].route = i < 350 ? 1 : 2;
+      meters[i].reading = static_cast<int>(i);
+      meters[i].serial = "M" + std::to_string(i);
+    }
+    meters[500].readingDate = badDate;
+    site.Hif(meters);
+    site.shell.answers = {MsgAnswer::Ignore};
+    EXPECT_TRUE(site.Exchange().ConvertReading());
+    return std::pair(site.Output(), site.shell.questions);
+  };
+  const auto [good, none] = convert(20240305);
+  const auto [bad, asked] = convert(20241399);
+  EXPECT_TRUE(none.empty());
+  EXPECT_EQ(asked, (std::vector<Question>{{"Type mismatch", "Error", MsgButtons::AbortRetryIgnore}}));
+  ASSERT_EQ(bad.size(), good.size());
+  std::vector<std::string> differ;
+  for (size_t i = 0; i < good.size(); ++i) {
+    if (bad[i] != good[i]) differ.push_back(good[i].substr(0, 3));
+  }
+  EXPECT_EQ(differ, (std::vector<std::string>{"RDG"}));
+  EXPECT_EQ(good.size(), 1u + 4u + 700u * 3u + 1u);
 }
 
 TEST(MVRSReading, AMeterOutsideTheRouteTableAsksAbortRetryIgnore) {
