@@ -56,10 +56,10 @@ RouteLineParser::RouteLineParser(const clsExchMap& map, const clsPrompts& prompt
   }
 }
 
-// Inline, as is TakeFixedField: they run for every field of every line, and
-// a call of them costs as much as their work.
-inline void RouteLineParser::AddValue(size_t position, const MapField& field, std::string_view raw, bool trimBothEnds,
-                                      bool keep) {
+// Always inline, as is TakeFixedField: they run for every field of every
+// line, and a call of them costs as much as their work.
+[[gnu::always_inline]] inline void RouteLineParser::AddValue(size_t position, const MapField& field,
+                                                             std::string_view raw, bool trimBothEnds, bool keep) {
   if (!keep && !line_.Is(position, MeterField::RouteNbr)) {
     // Nothing is kept, but a number that doesn't fit its field still fails
     // here as it would in the second pass. One too short to overflow isn't
@@ -168,8 +168,8 @@ const RouteLine& RouteLineParser::ParseDelimited(const std::string& line, bool o
   return line_;
 }
 
-inline void RouteLineParser::TakeFixedField(size_t position, const std::string& line, std::string_view& raw,
-                                            bool onlyRoute) {
+[[gnu::always_inline]] inline void RouteLineParser::TakeFixedField(size_t position, const std::string& line,
+                                                                   std::string_view& raw, bool onlyRoute) {
   const MapField& field = map_.Fields()[position];
   switch (field.MapOption) {
     case kOptionDoNotMap:
