@@ -4,7 +4,8 @@
 //   write/meters:N      a schema-3 PDB HIF of a file header, a route header
 //                       and N meter records, filled field by field as a
 //                       route conversion fills them: by the meter fields
-//                       found once in the schema, and by name for the
+//                       found once in the schema, a number worked out as a
+//                       number and a text as a value, and by name for the
 //                       three fields a conversion never writes
 //   read/meters:N       that file read back, every field of every record by
 //                       name
@@ -183,35 +184,35 @@ class RouteSource {
     const int32_t previous = (i * 7919 + 1234) % 900000;
     const int32_t day = i % 28 + 1;
     hif.AddNew();
-    hif.SetItem(MeterField::RecType, Value::Long(hifx::kRecMeter));
-    hif.SetItem(MeterField::RouteNbr, Value::Long(1));
-    hif.SetItem(MeterField::Sequence, Value::Long((i + 1) * 10));
-    hif.SetItem(MeterField::MeterTagNbr, Value::Long(500000 + i * 7));
-    hif.SetItem(MeterField::MeterType, Value::Long(1 + i % 4));
-    hif.SetItem(MeterField::Digits, Value::Long(4 + i % 5));
-    hif.SetItem(MeterField::Decimals, Value::Long(i % 3));
+    hif.SetNumber(MeterField::RecType, hifx::kRecMeter);
+    hif.SetNumber(MeterField::RouteNbr, 1);
+    hif.SetNumber(MeterField::Sequence, (i + 1) * 10);
+    hif.SetNumber(MeterField::MeterTagNbr, 500000 + i * 7);
+    hif.SetNumber(MeterField::MeterType, 1 + i % 4);
+    hif.SetNumber(MeterField::Digits, 4 + i % 5);
+    hif.SetNumber(MeterField::Decimals, i % 3);
     hif.SetItem("Reserved1", Value::Long(0));
-    hif.SetItem(MeterField::PrvReading, Value::Long(previous));
-    hif.SetItem(MeterField::MaxReading, Value::Long(previous + 2000 + i % 500));
-    hif.SetItem(MeterField::MinReading, Value::Long(previous + i % 10));
-    hif.SetItem(MeterField::CurReading, Value::Long(i % 9 == 0 ? previous + 117 : 0));
-    hif.SetItem(MeterField::ReadingDate, Value::Long(i % 9 == 0 ? 20240300 + day : 0));
-    hif.SetItem(MeterField::ReadingTime, Value::Long(i % 9 == 0 ? 80000 + (i % 36) * 100 : 0));
-    hif.SetItem(MeterField::Status, Value::Long(i % 4));
-    hif.SetItem(MeterField::ReadType, Value::Long(i % 3));
-    hif.SetItem(MeterField::ResponseCode, Value::Long(i % 9 == 0 ? 0 : 10 + i % 40));
-    hif.SetItem(MeterField::LstReadingDate, Value::Long(20240200 + day));
+    hif.SetNumber(MeterField::PrvReading, previous);
+    hif.SetNumber(MeterField::MaxReading, previous + 2000 + i % 500);
+    hif.SetNumber(MeterField::MinReading, previous + i % 10);
+    hif.SetNumber(MeterField::CurReading, i % 9 == 0 ? previous + 117 : 0);
+    hif.SetNumber(MeterField::ReadingDate, i % 9 == 0 ? 20240300 + day : 0);
+    hif.SetNumber(MeterField::ReadingTime, i % 9 == 0 ? 80000 + (i % 36) * 100 : 0);
+    hif.SetNumber(MeterField::Status, i % 4);
+    hif.SetNumber(MeterField::ReadType, i % 3);
+    hif.SetNumber(MeterField::ResponseCode, i % 9 == 0 ? 0 : 10 + i % 40);
+    hif.SetNumber(MeterField::LstReadingDate, 20240200 + day);
     hif.SetItem("TamperCount", Value::Long(i % 7));
-    hif.SetItem(MeterField::UtilityCode, Value::Long(1 + i % 3));
+    hif.SetNumber(MeterField::UtilityCode, 1 + i % 3);
     hif.SetItem("Signal", Value::Long(40 + i % 60));
     // Microdegrees, north and east: a 4-byte field takes no value below
     // -16777215.
-    hif.SetItem(MeterField::Lat, Value::Long(45000000 + (i * 37) % 400000));
-    hif.SetItem(MeterField::Lng, Value::Long(7600000 + (i * 53) % 400000));
-    hif.SetItem(MeterField::ScaleFactor, Value::Long(i % 5 == 0 ? 10 : 1));
-    hif.SetItem(MeterField::InitReading, Value::Long(previous - previous % 1000));
-    hif.SetItem(MeterField::InitPulseCount, Value::Long((i * 131) % 65536));
-    hif.SetItem(MeterField::InitTamperCount, Value::Long(i % 3));
+    hif.SetNumber(MeterField::Lat, 45000000 + (i * 37) % 400000);
+    hif.SetNumber(MeterField::Lng, 7600000 + (i * 53) % 400000);
+    hif.SetNumber(MeterField::ScaleFactor, i % 5 == 0 ? 10 : 1);
+    hif.SetNumber(MeterField::InitReading, previous - previous % 1000);
+    hif.SetNumber(MeterField::InitPulseCount, (i * 131) % 65536);
+    hif.SetNumber(MeterField::InitTamperCount, i % 3);
     hif.SetItem(MeterField::Message, t.message);
     hif.SetItem(MeterField::ServiceAddress, t.serviceAddress);
     hif.SetItem(MeterField::BillingName, t.billingName);

@@ -54,6 +54,8 @@ class Value {
     return RoundedToInt32();
   }
 
+  // The number of a Long, or null.
+  const int32_t* IfLong() const { return std::get_if<int32_t>(&data_); }
   // A Long, an Integer, or a Double with no fraction within the Long's
   // range: that whole number, which ToInt32 gives without rounding.
   bool IsWholeNumber(int32_t& number) const {

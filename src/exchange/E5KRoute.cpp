@@ -206,18 +206,18 @@ void clsExchange::WriteE5KMeter(E5KRouteRun& run) {
   const std::string& serial = meter.MeterSerialNumber;
   // Set in the order of the record's fields.
   hif.AddNew();
-  hif.SetItem(MeterField::RecType, Value::Long(kRecMeter));
-  hif.SetItem(MeterField::RouteNbr, Value::Long(static_cast<int32_t>(run.route)));
+  hif.SetNumber(MeterField::RecType, kRecMeter);
+  hif.SetNumber(MeterField::RouteNbr, static_cast<int32_t>(run.route));
   hif.SetItem(MeterField::Sequence, account.MeterSequenceNumber);
   hif.SetItem(MeterField::MeterTagNbr, Value::Double(NumericPrefix(serial)));
-  if (const int32_t type = HifMeterType(meter.MeterType); type != 0) hif.SetItem(MeterField::MeterType, Value::Long(type));
+  if (const int32_t type = HifMeterType(meter.MeterType); type != 0) hif.SetNumber(MeterField::MeterType, type);
   hif.SetItem(MeterField::Digits, meter.NumberofDials);
   hif.SetItem(MeterField::Decimals, meter.NoDecimals);
   hif.SetItem(MeterField::PrvReading, meter.PriorRead);
   hif.SetItem(MeterField::MaxReading, meter.MaximumRead);
   hif.SetItem(MeterField::MinReading, meter.MinimumRead);
-  hif.SetItem(MeterField::Status, Value::Long(0));
-  hif.SetItem(MeterField::ReadType, Value::Long(IsAllDigits(serial) ? 1 : 2));
+  hif.SetNumber(MeterField::Status, 0);
+  hif.SetNumber(MeterField::ReadType, IsAllDigits(serial) ? 1 : 2);
   const std::string billing = JoinTrimmed({&account.SpecialInstruction, &meter.SpecialInstructions,
                                            &meter.MeterLocationDesc1, &meter.MeterLocationDesc2});
   hif.SetItem(MeterField::Message, Value(Advanced().LookupMessage(billing, routeText, account.AccountNumber, serial, "")));

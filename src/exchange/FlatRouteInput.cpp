@@ -84,23 +84,23 @@ void clsExchange::WriteFlatMeter(const RouteLine& values, int16_t route) {
   clsHIF& hif = *ActiveHIF;
   const auto copy = [&](MeterField field) { hif.SetItem(field, values[field]); };
   hif.AddNew();
-  hif.SetItem(RecType, Value::Long(kRecMeter));
-  hif.SetItem(RouteNbr, Value::Long(route));
+  hif.SetNumber(RecType, kRecMeter);
+  hif.SetNumber(RouteNbr, route);
   copy(Sequence);
   copy(MeterTagNbr);
   const std::string meterType = TextOf(values[MeterType]);
   if (meterType >= "A") {
-    hif.SetItem(MeterType, Value::Long(static_cast<unsigned char>(meterType[0])));
+    hif.SetNumber(MeterType, static_cast<unsigned char>(meterType[0]));
   } else {
     hif.SetItem(MeterType, Value::Double(NumericPrefix(meterType)));
   }
   for (const MeterField field : {Digits, Decimals, PrvReading, MaxReading, MinReading}) copy(field);
   if (LastReadType == "R" || LastReadType == "r") {
-    hif.SetItem(ReadType, Value::Long(1));
+    hif.SetNumber(ReadType, 1);
   } else if (LastReadType == "M" || LastReadType == "S" || LastReadType == "m" || LastReadType == "s") {
-    hif.SetItem(ReadType, Value::Long(2));
+    hif.SetNumber(ReadType, 2);
   } else if (LastReadType == "P" || LastReadType == "p") {
-    hif.SetItem(ReadType, Value::Long(3));
+    hif.SetNumber(ReadType, 3);
   } else {
     hif.SetItem(ReadType, Value::Double(NumericPrefix(TextOf(values[ReadType]))));
   }

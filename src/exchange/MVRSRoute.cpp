@@ -82,12 +82,12 @@ void WriteHeaderRecord(clsExchange& exchange, const MVRSRouteCounts& counts, con
   clsHIF& hif = *exchange.ActiveHIF;
   const CivilTime now = env.clock.Now();
   hif.AddNew();
-  hif.SetItem(MeterField::RecType, Value::Long(kRecFileHeader));
-  hif.SetItem(MeterField::RouteNbr, Value::Long(static_cast<int32_t>(counts.table.size())));
-  hif.SetItem(MeterField::Sequence, Value::Long(DateNumber(now)));
-  hif.SetItem(MeterField::MeterTagNbr, Value::Long(TimeNumber(now)));
-  hif.SetItem(MeterField::MeterType, Value::Long(LookupFileVersion(env.shell, kProgramMajor, kProgramMinor)));
-  hif.SetItem(MeterField::PrvReading, Value::Long(counts.meterLines));
+  hif.SetNumber(MeterField::RecType, kRecFileHeader);
+  hif.SetNumber(MeterField::RouteNbr, static_cast<int32_t>(counts.table.size()));
+  hif.SetNumber(MeterField::Sequence, DateNumber(now));
+  hif.SetNumber(MeterField::MeterTagNbr, TimeNumber(now));
+  hif.SetNumber(MeterField::MeterType, LookupFileVersion(env.shell, kProgramMajor, kProgramMinor));
+  hif.SetNumber(MeterField::PrvReading, counts.meterLines);
   // The pattern stands where the value should: the text comes back as it
   // went in. No reader looks at this field.
   hif.SetItem(MeterField::ReadingDate, Value("yyyymmdd"));
@@ -103,9 +103,9 @@ void WriteRouteRecords(clsHIF& hif, const std::vector<MVRSRouteEntry>& table) {
   for (size_t i = 0; i < table.size(); ++i) {
     const MVRSRouteEntry& entry = table[i];
     hif.AddNew();
-    hif.SetItem(MeterField::RecType, Value::Long(kRecRouteHeader));
-    hif.SetItem(MeterField::RouteNbr, Value::Long(static_cast<int32_t>(i + 1)));
-    hif.SetItem(MeterField::PrvReading, Value::Long(entry.MeterCount));
+    hif.SetNumber(MeterField::RecType, kRecRouteHeader);
+    hif.SetNumber(MeterField::RouteNbr, static_cast<int32_t>(i + 1));
+    hif.SetNumber(MeterField::PrvReading, entry.MeterCount);
     hif.SetItem(MeterField::Initials, Value(entry.RouteNumber));
     hif.SetItem(MeterField::ResponseText, Value(entry.RouteNumber));
     hif.SetItem(MeterField::User1,
@@ -159,31 +159,31 @@ void WriteMeterRecord(clsExchange& exchange, const MVRSFoldStep& step, std::stri
   clsHIF& hif = *exchange.ActiveHIF;
   const std::string tag = std::to_string(meter.TagNumber);
   hif.AddNew();
-  hif.SetItem(MeterField::RecType, Value::Long(kRecMeter));
-  hif.SetItem(MeterField::RouteNbr, Value::Long(step.route));
-  hif.SetItem(MeterField::Sequence, Value::Long(meter.ReadSequence));
-  hif.SetItem(MeterField::MeterTagNbr, Value::Long(meter.TagNumber));
+  hif.SetNumber(MeterField::RecType, kRecMeter);
+  hif.SetNumber(MeterField::RouteNbr, step.route);
+  hif.SetNumber(MeterField::Sequence, meter.ReadSequence);
+  hif.SetNumber(MeterField::MeterTagNbr, meter.TagNumber);
   static const std::string kCategories = "WGESI";
   if (meter.MeterCategory.size() == 1 && kCategories.find(meter.MeterCategory[0]) != std::string::npos) {
-    hif.SetItem(MeterField::MeterType, Value::Long(static_cast<int32_t>(kCategories.find(meter.MeterCategory[0]) + 1)));
+    hif.SetNumber(MeterField::MeterType, static_cast<int32_t>(kCategories.find(meter.MeterCategory[0]) + 1));
   }
-  hif.SetItem(MeterField::Digits, Value::Long(meter.NumberDials));
-  hif.SetItem(MeterField::Decimals, Value::Long(meter.NumberDecimals));
-  hif.SetItem(MeterField::PrvReading, Value::Long(meter.PreviousReading));
-  hif.SetItem(MeterField::MaxReading, Value::Long(meter.High1));
-  hif.SetItem(MeterField::MinReading, Value::Long(meter.Low1));
-  hif.SetItem(MeterField::Status, Value::Long(0));
-  if (meter.ReadMethod == "K") hif.SetItem(MeterField::ReadType, Value::Long(2));
-  if (meter.ReadMethod == "P" || meter.ReadMethod == "W") hif.SetItem(MeterField::ReadType, Value::Long(3));
-  if (meter.ReadMethod == "R") hif.SetItem(MeterField::ReadType, Value::Long(1));
-  if (meter.ReadMethod == "N") hif.SetItem(MeterField::ReadType, Value::Long(0));
-  hif.SetItem(MeterField::LstReadingDate, Value::Long(0));
+  hif.SetNumber(MeterField::Digits, meter.NumberDials);
+  hif.SetNumber(MeterField::Decimals, meter.NumberDecimals);
+  hif.SetNumber(MeterField::PrvReading, meter.PreviousReading);
+  hif.SetNumber(MeterField::MaxReading, meter.High1);
+  hif.SetNumber(MeterField::MinReading, meter.Low1);
+  hif.SetNumber(MeterField::Status, 0);
+  if (meter.ReadMethod == "K") hif.SetNumber(MeterField::ReadType, 2);
+  if (meter.ReadMethod == "P" || meter.ReadMethod == "W") hif.SetNumber(MeterField::ReadType, 3);
+  if (meter.ReadMethod == "R") hif.SetNumber(MeterField::ReadType, 1);
+  if (meter.ReadMethod == "N") hif.SetNumber(MeterField::ReadType, 0);
+  hif.SetNumber(MeterField::LstReadingDate, 0);
   hif.SetItem("TamperCount", Value::Long(meter.Tamper));
   hif.SetItem(MeterField::UtilityCode, Value(customer.UtilityID));
-  hif.SetItem(MeterField::Lat, Value::Long(0));
-  hif.SetItem(MeterField::Lng, Value::Long(0));
-  hif.SetItem(MeterField::InitPulseCount, Value::Long(0));
-  hif.SetItem(MeterField::InitTamperCount, Value::Long(0));
+  hif.SetNumber(MeterField::Lat, 0);
+  hif.SetNumber(MeterField::Lng, 0);
+  hif.SetNumber(MeterField::InitPulseCount, 0);
+  hif.SetNumber(MeterField::InitTamperCount, 0);
   hif.SetItem(MeterField::Message,
               Value(exchange.Advanced().LookupMessage(std::string(Trim(meter.SpecialMessageText)), step.routeNumber,
                                                       std::string(Trim(customer.Account)),

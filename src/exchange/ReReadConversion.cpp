@@ -19,16 +19,16 @@ void clsExchange::WriteReReadMeter(const RouteLine& values) {
       User1,          User2,       User3,          User4,           User5};
   clsHIF& hif = *ActiveHIF;
   hif.AddNew();
-  hif.SetItem(RecType, Value::Long(kRecMeter));
-  hif.SetItem(RouteNbr, Value::Long(1));
+  hif.SetNumber(RecType, kRecMeter);
+  hif.SetNumber(RouteNbr, 1);
   for (const MeterField field : kCopied) hif.SetItem(field, values[field]);
   const std::string readType = TextOf(values[ReadType]);
   if (readType == "r" || readType == "R") {
-    hif.SetItem(ReadType, Value::Long(1));
+    hif.SetNumber(ReadType, 1);
   } else if (readType == "m" || readType == "M") {
-    hif.SetItem(ReadType, Value::Long(2));
+    hif.SetNumber(ReadType, 2);
   } else if (readType == "p" || readType == "P") {
-    hif.SetItem(ReadType, Value::Long(3));
+    hif.SetNumber(ReadType, 3);
   } else {
     hif.SetItem(ReadType, Value::Double(NumericPrefix(readType)));
   }

@@ -220,18 +220,18 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
     };
     if (recType == kRecFileHeader) {
       copy();
-      target.SetItem(MeterField::RouteNbr, Value::Long(routes));
-      target.SetItem(MeterField::Sequence, Value::Long(DateNumber(now)));
-      target.SetItem(MeterField::MeterTagNbr, Value::Long(TimeNumber(now)));
-      target.SetItem(MeterField::MeterType, Value::Long(fileVersion));
-      target.SetItem(MeterField::PrvReading, Value::Long(meters));
-      target.SetItem(MeterField::ReadingDate, Value::Long(DateNumber(now)));
+      target.SetNumber(MeterField::RouteNbr, routes);
+      target.SetNumber(MeterField::Sequence, DateNumber(now));
+      target.SetNumber(MeterField::MeterTagNbr, TimeNumber(now));
+      target.SetNumber(MeterField::MeterType, fileVersion);
+      target.SetNumber(MeterField::PrvReading, meters);
+      target.SetNumber(MeterField::ReadingDate, DateNumber(now));
       target.WriteData();
     } else if (recType == kRecRouteHeader || recType == kRecRouteHeaderAlt) {
       ++routeRecord;
       if (routeRecord < counts.size() && counts[routeRecord] >= 1) {
         copy();
-        target.SetItem(MeterField::RouteNbr, Value::Long(renumbered[routeRecord]));
+        target.SetNumber(MeterField::RouteNbr, renumbered[routeRecord]);
         target.WriteData();
       }
     } else if (recType == kRecMeter) {
@@ -239,11 +239,11 @@ void clsExchange::BuildReReadFile(clsHIF& source, const std::string& destination
       if (route < counts.size() && counts[route] >= 1 && IsException(source)) {
         // Back in the state of a meter not yet read.
         copy();
-        target.SetItem(MeterField::RouteNbr, Value::Long(renumbered[route]));
-        target.SetItem(MeterField::Status, Value::Long(0));
-        target.SetItem(MeterField::ReadingDate, Value::Long(0));
-        target.SetItem(MeterField::ReadingTime, Value::Long(0));
-        target.SetItem(MeterField::CurReading, Value::Long(0));
+        target.SetNumber(MeterField::RouteNbr, renumbered[route]);
+        target.SetNumber(MeterField::Status, 0);
+        target.SetNumber(MeterField::ReadingDate, 0);
+        target.SetNumber(MeterField::ReadingTime, 0);
+        target.SetNumber(MeterField::CurReading, 0);
         target.WriteData();
       }
     }

@@ -69,7 +69,9 @@ int16_t clsPalmDB::OpenDB(const std::filesystem::path& fileName, int32_t fileTyp
 }
 
 void clsPalmDB::ClearSchema() {
+  CloseTexts();  // the record being filled keeps the texts it was made with
   schema_.assign(1, SchemaField{});
+  fieldCount_ = 0;
   ++schemaGeneration_;
   byName_.clear();
   byExactName_.clear();
@@ -80,6 +82,7 @@ void clsPalmDB::ClearSchema() {
 }
 
 void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) {
+  CloseTexts();
   const int16_t width = WidthOf(type);
   SchemaField field;
   field.type = type;
@@ -101,6 +104,7 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
   field.firstOfName = byName_.try_emplace(field.name, index).second;  // the first of equal names wins
   if (FindItem(field.name) == index) byExactName_.try_emplace(field.name, index);
   schema_.push_back(std::move(field));
+  fieldCount_ = index;
   ++schemaGeneration_;
 }
 
@@ -138,6 +142,7 @@ int32_t LeadingNumberOf(const Value& value) {
 }  // namespace
 
 int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
+  CloseTexts();
   const int32_t v = LeadingNumberOf(value);
   if (offset + 1 > fixedLength_) BufferChanged();
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
@@ -147,6 +152,7 @@ int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
+  CloseTexts();
   const int32_t v = LeadingNumberOf(value);
   if (offset + 2 > fixedLength_) BufferChanged();
   // Only this setter grows the buffer, so hand-built records can be made of
@@ -161,6 +167,7 @@ int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
+  CloseTexts();
   if (offset + 4 > fixedLength_) BufferChanged();
   uint8_t bytes[4] = {};
   PutBytes(bytes, value);
@@ -175,6 +182,19 @@ int32_t clsPalmDB::GetInt8(int16_t offset) const { return NumberAt(offset, 1); }
 int32_t clsPalmDB::GetInt16(int16_t offset) const { return NumberAt(offset, 2); }
 int32_t clsPalmDB::GetInt32(int16_t offset) const { return NumberAt(offset, 4); }
 void clsPalmDB::ThrowPastTheEnd() { throw Failure(fail::kSubscript); }
+
+int32_t clsPalmDB::NumberPastTheBuffer(int16_t offset, size_t width) const {
+  if (textsHeld_ == kAllTexts) ThrowPastTheEnd();
+  CloseTexts();
+  return NumberAt(offset, width);
+}
+
+void clsPalmDB::AddEmptyTextsBefore(int16_t ordinal) const {
+  for (auto k = textsHeld_ + 1; k < ordinal; ++k) {
+    nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
+    buffer_.push_back('\0');
+  }
+}
 
 namespace {
 
@@ -198,6 +218,20 @@ void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
 }
 
 void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
+  if (textsHeld_ == kAllTexts || ordinal <= textsHeld_ || ordinal > textCount_ ||
+      std::memchr(text.data(), 0, text.size()) != nullptr) {
+    return ReplaceText(ordinal, text);
+  }
+  if (ordinal > textsHeld_ + 1) AddEmptyTextsBefore(ordinal);
+  buffer_.append(text);
+  nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
+  buffer_.push_back('\0');
+  textsHeld_ = ordinal;
+}
+
+void clsPalmDB::ReplaceText(int16_t ordinal, std::string_view text) {
+  const bool hasNul = std::memchr(text.data(), 0, text.size()) != nullptr;
+  CloseTexts();
   // The texts behind the fixed part are split at NULs, one element replaced,
   // and joined again; an empty text part has no elements at all.
   const size_t fixed = std::min(buffer_.size(), static_cast<size_t>(fixedLength_));
@@ -207,7 +241,7 @@ void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
   if (element > nuls.size()) throw Failure(fail::kSubscript);
   const size_t start = element == 0 ? fixed : nuls[element - 1] + 1;
   const size_t end = element < nuls.size() ? nuls[element] : buffer_.size();
-  if (std::memchr(text.data(), 0, text.size()) != nullptr) {
+  if (hasNul) {
     buffer_.replace(start, end - start, text);
     BufferChanged();  // a NUL in a value shifts every later text
     return;
@@ -219,6 +253,7 @@ void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
 }
 
 int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad) {
+  CloseTexts();
   BufferChanged();
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
     buffer_.resize(static_cast<size_t>(offset));
@@ -231,6 +266,7 @@ int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad)
 }
 
 void clsPalmDB::FindTextNuls() const {
+  CloseTexts();
   nuls_.clear();
   for (size_t at = static_cast<size_t>(fixedLength_); at < buffer_.size(); ++at) {
     const void* nul = std::memchr(buffer_.data() + at, 0, buffer_.size() - at);
@@ -246,6 +282,7 @@ std::string clsPalmDB::GetString(int16_t& ordinal) const { return std::string(Te
 std::string_view clsPalmDB::TextAt(int16_t& ordinal) const {
   // Text k starts behind the (k-1)th NUL after the fixed part. Walking to it
   // moves the caller's ordinal down to 1, or as far as the NULs go.
+  CloseTexts();
   const std::vector<uint32_t>& nuls = TextNuls();
   size_t begin = static_cast<size_t>(fixedLength_);
   size_t wanted = 0;  // the NULs ahead of the text
@@ -271,6 +308,7 @@ Value clsPalmDB::ReadField(int16_t index) {
 }
 
 void clsPalmDB::ReadOtherField(int16_t index, Value& value) {
+  CloseTexts();
   if (index == 0) {
     value = Value::Null();
     return;
@@ -308,21 +346,8 @@ bool clsPalmDB::StoreWholeNumber(int16_t offset, size_t width, int32_t number) {
   const size_t end = static_cast<size_t>(offset) + width;
   if (width == 0 || offset < 0 || end > static_cast<size_t>(fixedLength_) || end > buffer_.size()) return false;
   if (width == 4 && number < 0) return false;  // SetInt32 has its own rule for these
-  auto* bytes = reinterpret_cast<uint8_t*>(buffer_.data()) + offset;
-  const auto word = static_cast<uint32_t>(number);
-  switch (width) {
-    case 4:
-      bytes[0] = static_cast<uint8_t>(word >> 24);
-      bytes[1] = static_cast<uint8_t>(word >> 16);
-      bytes[2] = static_cast<uint8_t>(word >> 8);
-      bytes[3] = static_cast<uint8_t>(word);
-      return true;
-    case 2:
-      bytes[0] = static_cast<uint8_t>(word >> 8);
-      bytes[1] = static_cast<uint8_t>(word);
-      return true;
-    default: bytes[0] = static_cast<uint8_t>(word); return true;
-  }
+  StoreNumber(offset, width, static_cast<uint32_t>(number));
+  return true;
 }
 
 void clsPalmDB::WriteField(int16_t index, const Value& value) {
@@ -340,26 +365,39 @@ void clsPalmDB::WriteField(int16_t index, const Value& value) {
 
 Value clsPalmDB::Item(std::string_view name) { return ReadField(FindItem(name)); }
 
+clsPalmDB::Place clsPalmDB::PlaceOf(int16_t index) const {
+  const SchemaField& field = schema_.at(static_cast<size_t>(index));
+  Place place{.index = index, .position = field.position, .text = field.type == kFieldText};
+  const bool inFixedPart = field.position >= 0 && field.position + field.width <= static_cast<size_t>(fixedLength_);
+  if (field.width != 0 && inFixedPart) place.width = static_cast<uint8_t>(field.width);
+  return place;
+}
+
 void clsPalmDB::SetItem(std::string_view name, const Value& value) {
   const int16_t index = FindItem(name);
   if (index == 0) return ReportNoField(name);
-  WriteField(index, value);
+  SetItem(PlaceOf(index), value);
 }
 
+void clsPalmDB::ReportNoField(int32_t index) { ReportNoField(std::to_string(index)); }
 void clsPalmDB::ReportNoField(std::string_view name) { shell_.MsgBox(std::string(name) + " not valid field in Record"); }
 
 void clsPalmDB::AddNew() {
-  buffer_.assign(static_cast<size_t>(fixedLength_ + textCount_), '\0');
-  // Every text is empty: each NUL closes one.
-  nuls_.resize(static_cast<size_t>(std::max<int16_t>(textCount_, 0)));
-  for (size_t k = 0; k < nuls_.size(); ++k) nuls_[k] = static_cast<uint32_t>(static_cast<size_t>(fixedLength_) + k);
+  // Every number is 0 and every text empty, the texts yet to be put in.
+  buffer_.assign(static_cast<size_t>(fixedLength_), '\0');
+  nuls_.clear();
   nulsKnown_ = true;
+  textsHeld_ = 0;
 }
 void clsPalmDB::Rewind() { Container().Rewind(); }
-bool clsPalmDB::WriteData() { return Container().WriteRecord(buffer_); }
+bool clsPalmDB::WriteData() {
+  CloseTexts();
+  return Container().WriteRecord(buffer_);
+}
 bool clsPalmDB::WriteRaw(std::string_view bytes) { return Container().WriteRecord(bytes); }
 int16_t clsPalmDB::RecordCount() { return Container().RecordCount(); }
 bool clsPalmDB::ReadData(int32_t& number) {
+  textsHeld_ = kAllTexts;
   BufferChanged();
   return Container().ReadRecord(number, buffer_);
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -51,7 +52,7 @@ class clsPalmDB {
   int16_t FindItem(int32_t index) const {
     return (index >= 0 && index <= FieldCount()) ? static_cast<int16_t>(index) : int16_t{0};
   }
-  int16_t FieldCount() const { return static_cast<int16_t>(schema_.size() - 1); }
+  int16_t FieldCount() const { return fieldCount_; }
   std::string FieldName(int16_t index) const;
   const SchemaField& Field(int16_t index) const { return schema_.at(static_cast<size_t>(index)); }
   int16_t FixedLength() const { return fixedLength_; }
@@ -94,13 +95,37 @@ class clsPalmDB {
   // An unknown field is reported and nothing changes.
   void SetItem(std::string_view name, const Value& value);
   void SetItem(int32_t index, const Value& value) {
-    if (index > 0 && index <= FieldCount()) {
-      // A caller that sets most fields by index and a few by name goes in
-      // field order: the name is looked for behind this one first.
-      lastFound_ = static_cast<int16_t>(index);
-      return WriteField(static_cast<int16_t>(index), value);
+    if (index <= 0 || index > FieldCount()) return ReportNoField(index);
+    SetItem(PlaceOf(static_cast<int16_t>(index)), value);
+  }
+  // Where a field's value goes, worked out once by a caller that sets the
+  // same fields record after record.
+  struct Place {
+    int16_t index = 0;     // in the schema; 0 for none
+    int16_t position = 0;  // the field's
+    uint8_t width = 0;     // of a number wholly within the fixed part, else 0
+    bool text = false;
+  };
+  Place PlaceOf(int16_t index) const;
+  // A whole number into a number field, and a text into a text field, are
+  // set here; what has to be converted, out of line. Inline, as every field
+  // of every record written comes through here.
+  void SetItem(Place place, const Value& value) {
+    if (const int32_t* whole = value.IfLong()) return SetNumber(place, *whole);
+    lastFound_ = place.index;
+    if (place.text && value.IsText()) return SetText(place.position, value.Text());
+    WriteField(place.index, value);
+  }
+  // SetItem of a Long, with no value made for it.
+  void SetNumber(Place place, int32_t number) {
+    // A caller that sets most fields by index and a few by name goes in
+    // field order: the name is looked for behind this one first.
+    lastFound_ = place.index;
+    if (place.width != 0 && static_cast<size_t>(place.position) + place.width <= buffer_.size() &&
+        (place.width != 4 || number >= 0)) {  // SetInt32 has its own rule for these
+      return StoreNumber(place.position, place.width, static_cast<uint32_t>(number));
     }
-    ReportNoField(std::to_string(index));
+    WriteField(place.index, Value::Long(number));
   }
   // The same for a text, set in place when the field holds a text.
   void SetTextItem(int32_t index, std::string_view text) {
@@ -149,7 +174,10 @@ class clsPalmDB {
   // what is worked out from the field list can be kept until then.
   uint32_t SchemaGeneration() const { return schemaGeneration_; }
   int32_t GetType() const { return fileType_; }
-  const std::string& RawData() const { return buffer_; }
+  const std::string& RawData() const {
+    CloseTexts();
+    return buffer_;
+  }
   // The record is long enough for every number field, so that no field of
   // it fails to read.
   bool HoldsEveryNumber() const { return buffer_.size() >= numbersEnd_; }
@@ -158,7 +186,7 @@ class clsPalmDB {
   // largest Long reads as 0. Inline, as every number field of every record
   // read comes through here; one past the record's end fails.
   int32_t NumberAt(int16_t offset, size_t width) const {
-    if (offset < 0 || static_cast<size_t>(offset) + width > buffer_.size()) ThrowPastTheEnd();
+    if (offset < 0 || static_cast<size_t>(offset) + width > buffer_.size()) return NumberPastTheBuffer(offset, width);
     const auto* b = reinterpret_cast<const uint8_t*>(buffer_.data()) + offset;
     if (width == 1) return b[0];
     if (width == 2) return b[0] << 8 | b[1];
@@ -166,6 +194,7 @@ class clsPalmDB {
     return value > 0x7FFFFFFFu ? 0 : static_cast<int32_t>(value);
   }
   void SetRawData(std::string bytes) {
+    textsHeld_ = kAllTexts;
     buffer_ = std::move(bytes);
     BufferChanged();
   }
@@ -189,14 +218,39 @@ class clsPalmDB {
   // Text `ordinal` of the buffer, as GetString reads it.
   std::string_view TextAt(int16_t& ordinal) const;
   void WriteField(int16_t index, const Value& value);
-  // SetString of a value's text.
+  // SetString of a value's text. A text behind those set so far in a new
+  // record is added to its end; any other, put in its place.
   void SetText(int16_t ordinal, std::string_view text);
+  void ReplaceText(int16_t ordinal, std::string_view text);
   // A whole number into a number field of `width` bytes within the fixed
   // part, high byte first, as the setters write it. False, with nothing
   // written, for a text (width 0) and what the setters treat on their own.
   bool StoreWholeNumber(int16_t offset, size_t width, int32_t number);
+  // The low `width` bytes of word at offset, high byte first.
+  void StoreNumber(int16_t offset, size_t width, uint32_t word) {
+    auto* bytes = reinterpret_cast<uint8_t*>(buffer_.data()) + offset;
+    switch (width) {
+      case 4:
+        bytes[0] = static_cast<uint8_t>(word >> 24);
+        bytes[1] = static_cast<uint8_t>(word >> 16);
+        bytes[2] = static_cast<uint8_t>(word >> 8);
+        bytes[3] = static_cast<uint8_t>(word);
+        return;
+      case 2:
+        bytes[0] = static_cast<uint8_t>(word >> 8);
+        bytes[1] = static_cast<uint8_t>(word);
+        return;
+      default:
+        bytes[0] = static_cast<uint8_t>(word);
+        return;
+    }
+  }
   void ReportNoField(std::string_view name);
+  void ReportNoField(int32_t index);
   [[noreturn]] static void ThrowPastTheEnd();
+  // NumberAt of a number that lies past what the buffer holds: past the
+  // record's end, or in texts not yet put in it.
+  int32_t NumberPastTheBuffer(int16_t offset, size_t width) const;
 
   IShell& shell_;
   std::unique_ptr<IPalmFile> file_;
@@ -204,8 +258,22 @@ class clsPalmDB {
   int16_t fixedLength_ = 0;
   int16_t textCount_ = 0;
   size_t numbersEnd_ = 0;  // the length that holds every number field
-  std::string buffer_;
+  // The record. While a new one is filled its texts are added in order: the
+  // buffer holds the texts up to the last one set, those behind it are empty
+  // and are put in, each as its NUL, before the record is used in any other
+  // way. Hence mutable: reading the record completes it.
+  mutable std::string buffer_;
+  static constexpr int16_t kAllTexts = -1;
+  mutable int16_t textsHeld_ = kAllTexts;  // the texts in the buffer while filling
+  void CloseTexts() const {
+    if (textsHeld_ == kAllTexts) return;  // nothing is written: a record only read stays unchanged
+    AddEmptyTextsBefore(static_cast<int16_t>(textCount_ + 1));
+    textsHeld_ = kAllTexts;
+  }
+  // Puts in the empty texts from the first not held to the one before `ordinal`.
+  void AddEmptyTextsBefore(int16_t ordinal) const;
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
+  int16_t fieldCount_ = 0;                          // schema_'s fields from 1
   uint32_t schemaGeneration_ = 0;
   // First schema index of each name, so a lookup by name needs no scan: the
   // name as written first, then with no regard to case.

@@ -31,6 +31,13 @@ void CopyPadded(FileWindow& file, uint64_t offset, uint8_t* out, size_t size) {
   std::memset(out + read, 0, size - read);
 }
 
+// A record's offset into its slot; one past the largest Long overflows, as
+// the number it is stored as does.
+void PutOffset(std::span<uint8_t> bytes, uint64_t offset) {
+  if (offset > 0x7FFFFFFF) return PutBytes(bytes, Value::Double(static_cast<double>(offset)));
+  PutWhole(bytes, static_cast<uint32_t>(offset));
+}
+
 }  // namespace
 
 bool clsPalmFilePDB::TestFileType(const std::filesystem::path& fileName) {
@@ -100,13 +107,13 @@ bool clsPalmFilePDB::WriteRecord(std::string_view data) {
   // its slot does not exist, which fails here.
   if (static_cast<size_t>(n) >= slots) throw Failure(fail::kSubscript);
   uint8_t* slot = table_.data() + static_cast<size_t>(n) * kSlotSize;
-  PutBytes(std::span(slot, 4), Value::Double(static_cast<double>(length)));
-  PutBytes(std::span(slot + 6, 2), Value::Long(n));
-  PutBytes(std::span(countBlock_).subspan(4, 2), Value::Long(n + 1));
+  PutOffset(std::span(slot, 4), length);
+  PutWhole(std::span(slot + 6, 2), static_cast<uint32_t>(n));
+  PutWhole(std::span(countBlock_).subspan(4, 2), static_cast<uint32_t>(n + 1));
   // The slot after this one holds the end offset; when this was the table's
   // last slot there is none, and the write fails only now, as it always has.
   if (static_cast<size_t>(n) + 1 >= slots) throw Failure(fail::kSubscript);
-  PutBytes(std::span(slot + kSlotSize, 4), Value::Double(static_cast<double>(length + data.size())));
+  PutOffset(std::span(slot + kSlotSize, 4), length + data.size());
   if (pending_.size() >= kWriteBatchBytes) WritePending();
   return true;
 }

@@ -25,6 +25,12 @@ inline int32_t BytesToLong(std::span<const uint8_t> bytes) {
 // the top byte of a 4-byte field left unmasked (see the .cpp).
 void PutBytes(std::span<uint8_t> bytes, const Value& value);
 
+// PutBytes of a whole number from 0 to the largest Long, written out: the
+// record table takes two of these and a count for every record written.
+inline void PutWhole(std::span<uint8_t> bytes, uint32_t number) {
+  for (size_t k = bytes.size(); k-- > 0; number >>= 8) bytes[k] = static_cast<uint8_t>(number);
+}
+
 // For each byte, the character code of the first digit of its decimal form,
 // in decimal: the byte 68 gives "54". The getters of creator and type use it.
 std::string BytesToDecimalText(std::span<const uint8_t> bytes);

@@ -67,7 +67,7 @@ void clsHIF::BuildSchema(int16_t version) {
   if (version != 0) {
     for (const char* name : kTextFields) db.AddField(kFieldText, name);
   }
-  for (size_t i = 0; i < kMeterFieldCount; ++i) meterFields_[i] = db.FindItem(kMeterFieldNames[i]);
+  for (size_t i = 0; i < kMeterFieldCount; ++i) meterPlaces_[i] = db.PlaceOf(db.FindItem(kMeterFieldNames[i]));
 }
 
 void clsHIF::SetVersion(int16_t version) { BuildSchema(version); }
@@ -87,7 +87,7 @@ int16_t clsHIF::CreateHIF(const std::filesystem::path& fileName, int32_t fileTyp
 Value clsHIF::Item(std::string_view name) { return DB().Item(name); }
 void clsHIF::SetItem(std::string_view name, const Value& value) { DB().SetItem(name, value); }
 Value clsHIF::Item(MeterField field) {
-  const int16_t index = meterFields_[IndexOf(field)];
+  const int16_t index = meterPlaces_[IndexOf(field)].index;
   return index == 0 ? Item(NameOf(field)) : DB().Item(int32_t{index});
 }
 

@@ -56,12 +56,12 @@ class clsHIF {
   Value Item(MeterField field);
   // NumberOf the field's value, a number field read in place.
   int32_t NumberItem(MeterField field) {
-    const int16_t index = meterFields_[IndexOf(field)];
+    const int16_t index = meterPlaces_[IndexOf(field)].index;
     return index == 0 ? NumberOf(Item(NameOf(field))) : db_->NumberItem(int32_t{index});
   }
   // The same into a value kept from record to record: a text reuses its room.
   void ReadItem(MeterField field, Value& value) {
-    const int16_t index = meterFields_[IndexOf(field)];
+    const int16_t index = meterPlaces_[IndexOf(field)].index;
     if (index == 0) {
       value = Item(NameOf(field));
     } else {
@@ -69,13 +69,19 @@ class clsHIF {
     }
   }
   void SetItem(MeterField field, const Value& value) {
-    const int16_t index = meterFields_[IndexOf(field)];
-    if (index == 0) return SetItem(NameOf(field), value);
-    db_->SetItem(int32_t{index}, value);  // a schema index means the schema is built
+    const clsPalmDB::Place& place = meterPlaces_[IndexOf(field)];
+    if (place.index == 0) return SetItem(NameOf(field), value);
+    db_->SetItem(place, value);  // a schema index means the schema is built
+  }
+  // SetItem of a Long, with no value made for it.
+  void SetNumber(MeterField field, int32_t number) {
+    const clsPalmDB::Place& place = meterPlaces_[IndexOf(field)];
+    if (place.index == 0) return SetItem(NameOf(field), Value::Long(number));
+    db_->SetNumber(place, number);
   }
   // A text into a text field as it stands, with no value made for it.
   void SetText(MeterField field, std::string_view text) {
-    const int16_t index = meterFields_[IndexOf(field)];
+    const int16_t index = meterPlaces_[IndexOf(field)].index;
     if (index == 0) return SetItem(NameOf(field), Value(std::string(text)));
     db_->SetTextItem(int32_t{index}, text);
   }
@@ -115,7 +121,7 @@ class clsHIF {
   IShell& shell_;
   std::unique_ptr<clsPalmDB> db_;
   int16_t version_ = 0;
-  std::array<int16_t, kMeterFieldCount> meterFields_{};  // schema index of each, 0 for none
+  std::array<clsPalmDB::Place, kMeterFieldCount> meterPlaces_{};  // index 0 for none
 };
 
 // A code record taken apart, for readers.

@@ -86,6 +86,55 @@ TEST_F(SmallSchema, ShortRecordReadShowsTheFailureAndGivesEmpty) {
   EXPECT_EQ(shell.Asked(), std::vector<std::string>{"Subscript out of range"});
 }
 
+// A new record takes its texts by adding them to its end while they come in
+// order; a record read whole takes them in place. Any order of setting, and
+// reading between, gives the same bytes either way.
+TEST(PalmDB, ANewRecordsTextsComeOutAsTheyWouldInPlace) {
+  using Steps = std::vector<std::pair<std::string, std::string>>;  // field, text; "?" reads it
+  const std::vector<Steps> cases = {
+      {{"A", "one"}, {"C", "three"}},                           // in order, B and D left empty
+      {{"D", "four"}, {"B", "two"}, {"C", "3"}},                // back to an earlier one
+      {{"A", "x"}, {"B", std::string("t\0u", 3)}, {"C", "c"}},  // a NUL shifts the later texts
+      {{"B", "b"}, {"B", "?"}, {"C", "c"}, {"A", "?"}, {"D", "d"}},
+      {{"C", ""}, {"D", "dd"}, {"Num", "7"}, {"A", "a"}},
+  };
+  for (const Steps& steps : cases) {
+    TestShell shell;
+    clsPalmDB filled{shell};
+    clsPalmDB inPlace{shell};
+    for (clsPalmDB* db : {&filled, &inPlace}) {
+      db->AddField(kFieldInt16, "Num");
+      for (const char* name : {"A", "B", "C", "D"}) db->AddField(kFieldText, name);
+    }
+    filled.AddNew();
+    inPlace.SetRawData(std::string(2 + 4, '\0'));
+    std::string readBack;
+    for (const auto& [field, text] : steps) {
+      for (clsPalmDB* db : {&filled, &inPlace}) {
+        if (text == "?") {
+          readBack += db->Item(field).ToText() + "|";
+        } else {
+          db->SetItem(field, field == "Num" ? Value::Long(std::stoi(text)) : Value(text));
+        }
+      }
+    }
+    EXPECT_EQ(filled.RawData(), inPlace.RawData()) << steps.front().first << steps.front().second;
+    EXPECT_EQ(filled.Item("D"), inPlace.Item("D"));
+    if (!readBack.empty()) {
+      EXPECT_EQ(readBack, "b|b|||");
+    }
+  }
+  TestShell shell;
+  clsPalmDB db{shell};
+  db.AddField(kFieldInt8, "Num");
+  for (const char* name : {"A", "B", "C"}) db.AddField(kFieldText, name);
+  db.AddNew();
+  db.SetItem("B", Value("hi"));
+  EXPECT_EQ(db.GetInt16(4), 0);  // a number read from the texts still to come finds them, empty
+  EXPECT_EQ(db.RawData(), Hex("00 00 6869 00 00"));
+  EXPECT_TRUE(shell.questions.empty());
+}
+
 TEST(PalmDB, HandBuiltRecordsGrowBySetInt16AndAppendString) {
   TestShell shell;
   clsPalmDB db(shell);
