@@ -715,11 +715,15 @@ class MVRSReadAhead {
 
   bool Make(MVRSReadStep& step) {
     if (done_) return false;
+    if (stopped_) {  // the file did not open here: the conversion opens it and says why
+      done_ = true;
+      step.stopped = true;
+      return true;
+    }
     try {
-      if (stopped_ || !hif_.ReadData()) {
+      if (!hif_.ReadData()) {  // the end of the file
         done_ = true;
-        step.stopped = stopped_;
-        return stopped_;
+        return false;
       }
       step.position255 = hif_.Position255();
       step.recType = hif_.NumberItem(MeterField::RecType);
