@@ -101,6 +101,11 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
   }
   if (width > 0) numbersEnd_ = std::max(numbersEnd_, static_cast<size_t>(field.position) + field.width);
   const auto index = static_cast<int16_t>(schema_.size());
+  // The fixed part only grows: a number within it now stays within it.
+  field.place = Place{.index = index, .position = field.position, .text = type == kFieldText};
+  if (width > 0 && field.position >= 0 && field.position + width <= fixedLength_) {
+    field.place.width = static_cast<uint8_t>(width);
+  }
   field.firstOfName = byName_.try_emplace(field.name, index).second;  // the first of equal names wins
   if (FindItem(field.name) == index) byExactName_.try_emplace(field.name, index);
   schema_.push_back(std::move(field));
@@ -189,13 +194,6 @@ int32_t clsPalmDB::NumberPastTheBuffer(int16_t offset, size_t width) const {
   return NumberAt(offset, width);
 }
 
-void clsPalmDB::AddEmptyTextsBefore(int16_t ordinal) const {
-  for (auto k = textsHeld_ + 1; k < ordinal; ++k) {
-    nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
-    buffer_.push_back('\0');
-  }
-}
-
 namespace {
 
 // Puts text in place of buffer[start, end): the bytes behind move once, and
@@ -224,7 +222,6 @@ void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
   }
   if (ordinal > textsHeld_ + 1) AddEmptyTextsBefore(ordinal);
   buffer_.append(text);
-  nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
   buffer_.push_back('\0');
   textsHeld_ = ordinal;
 }
@@ -266,7 +263,6 @@ int16_t clsPalmDB::AppendString(int16_t offset, std::string_view text, bool pad)
 }
 
 void clsPalmDB::FindTextNuls() const {
-  CloseTexts();
   nuls_.clear();
   for (size_t at = static_cast<size_t>(fixedLength_); at < buffer_.size(); ++at) {
     const void* nul = std::memchr(buffer_.data() + at, 0, buffer_.size() - at);
@@ -365,14 +361,6 @@ void clsPalmDB::WriteField(int16_t index, const Value& value) {
 
 Value clsPalmDB::Item(std::string_view name) { return ReadField(FindItem(name)); }
 
-clsPalmDB::Place clsPalmDB::PlaceOf(int16_t index) const {
-  const SchemaField& field = schema_.at(static_cast<size_t>(index));
-  Place place{.index = index, .position = field.position, .text = field.type == kFieldText};
-  const bool inFixedPart = field.position >= 0 && field.position + field.width <= static_cast<size_t>(fixedLength_);
-  if (field.width != 0 && inFixedPart) place.width = static_cast<uint8_t>(field.width);
-  return place;
-}
-
 void clsPalmDB::SetItem(std::string_view name, const Value& value) {
   const int16_t index = FindItem(name);
   if (index == 0) return ReportNoField(name);
@@ -385,8 +373,6 @@ void clsPalmDB::ReportNoField(std::string_view name) { shell_.MsgBox(std::string
 void clsPalmDB::AddNew() {
   // Every number is 0 and every text empty, the texts yet to be put in.
   buffer_.assign(static_cast<size_t>(fixedLength_), '\0');
-  nuls_.clear();
-  nulsKnown_ = true;
   textsHeld_ = 0;
 }
 void clsPalmDB::Rewind() { Container().Rewind(); }

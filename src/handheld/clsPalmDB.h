@@ -29,12 +29,21 @@ enum FileTypeCode : int32_t { kFileNone = 0, kFilePDB = 1, kFileVFS = 2 };
 
 class clsPalmDB {
  public:
+  // Where a field's value goes, worked out once by a caller that sets the
+  // same fields record after record.
+  struct Place {
+    int16_t index = 0;     // in the schema; 0 for none
+    int16_t position = 0;  // the field's
+    uint8_t width = 0;     // of a number wholly within the fixed part, else 0
+    bool text = false;
+  };
   struct SchemaField {
     int32_t type = kFieldText;
     int16_t position = 0;  // byte offset of a number; ordinal from 1 of a text
     std::string name;
     bool firstOfName = true;  // no earlier field has this name in any case
     size_t width = 0;         // bytes of a number, 0 for a text
+    Place place;
   };
 
   explicit clsPalmDB(IShell& shell);
@@ -98,15 +107,7 @@ class clsPalmDB {
     if (index <= 0 || index > FieldCount()) return ReportNoField(index);
     SetItem(PlaceOf(static_cast<int16_t>(index)), value);
   }
-  // Where a field's value goes, worked out once by a caller that sets the
-  // same fields record after record.
-  struct Place {
-    int16_t index = 0;     // in the schema; 0 for none
-    int16_t position = 0;  // the field's
-    uint8_t width = 0;     // of a number wholly within the fixed part, else 0
-    bool text = false;
-  };
-  Place PlaceOf(int16_t index) const;
+  Place PlaceOf(int16_t index) const { return schema_.at(static_cast<size_t>(index)).place; }
   // A whole number into a number field, and a text into a text field, are
   // set here; what has to be converted, out of line. Inline, as every field
   // of every record written comes through here.
@@ -269,9 +270,12 @@ class clsPalmDB {
     if (textsHeld_ == kAllTexts) return;  // nothing is written: a record only read stays unchanged
     AddEmptyTextsBefore(static_cast<int16_t>(textCount_ + 1));
     textsHeld_ = kAllTexts;
+    nulsKnown_ = false;  // found when the texts are next looked at
   }
   // Puts in the empty texts from the first not held to the one before `ordinal`.
-  void AddEmptyTextsBefore(int16_t ordinal) const;
+  void AddEmptyTextsBefore(int16_t ordinal) const {
+    buffer_.append(static_cast<size_t>(ordinal - textsHeld_ - 1), '\0');
+  }
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
   int16_t fieldCount_ = 0;                          // schema_'s fields from 1
   uint32_t schemaGeneration_ = 0;
@@ -292,6 +296,7 @@ class clsPalmDB {
   void BufferChanged() { nulsKnown_ = false; }
   // The NULs of the text part, found once and kept up to date by SetString.
   std::vector<uint32_t>& TextNuls() const {
+    CloseTexts();
     if (!nulsKnown_) FindTextNuls();
     return nuls_;
   }

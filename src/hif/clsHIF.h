@@ -74,7 +74,7 @@ class clsHIF {
     db_->SetItem(place, value);  // a schema index means the schema is built
   }
   // SetItem of a Long, with no value made for it.
-  void SetNumber(MeterField field, int32_t number) {
+  [[gnu::always_inline]] void SetNumber(MeterField field, int32_t number) {
     const clsPalmDB::Place& place = meterPlaces_[IndexOf(field)];
     if (place.index == 0) return SetItem(NameOf(field), Value::Long(number));
     db_->SetNumber(place, number);
