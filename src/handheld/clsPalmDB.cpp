@@ -147,9 +147,8 @@ int32_t LeadingNumberOf(const Value& value) {
 }  // namespace
 
 int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
-  CloseTexts();
   const int32_t v = LeadingNumberOf(value);
-  if (offset + 1 > fixedLength_) BufferChanged();
+  if (offset + 1 > fixedLength_) TextsChanged();
   if (offset >= 0 && static_cast<size_t>(offset) < buffer_.size()) {
     buffer_[static_cast<size_t>(offset)] = static_cast<char>(v & 0xFF);
   }
@@ -157,9 +156,8 @@ int16_t clsPalmDB::SetInt8(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
-  CloseTexts();
   const int32_t v = LeadingNumberOf(value);
-  if (offset + 2 > fixedLength_) BufferChanged();
+  if (offset + 2 > fixedLength_) TextsChanged();
   // Only this setter grows the buffer, so hand-built records can be made of
   // words and packed texts with no schema.
   if (offset >= 0 && static_cast<size_t>(offset) == buffer_.size()) buffer_.append(2, '\0');
@@ -172,8 +170,7 @@ int16_t clsPalmDB::SetInt16(int16_t offset, const Value& value) {
 }
 
 int16_t clsPalmDB::SetInt32(int16_t offset, const Value& value) {
-  CloseTexts();
-  if (offset + 4 > fixedLength_) BufferChanged();
+  if (offset + 4 > fixedLength_) TextsChanged();
   uint8_t bytes[4] = {};
   PutBytes(bytes, value);
   for (size_t k = 0; k < 4; ++k) {
@@ -187,6 +184,13 @@ int32_t clsPalmDB::GetInt8(int16_t offset) const { return NumberAt(offset, 1); }
 int32_t clsPalmDB::GetInt16(int16_t offset) const { return NumberAt(offset, 2); }
 int32_t clsPalmDB::GetInt32(int16_t offset) const { return NumberAt(offset, 4); }
 void clsPalmDB::ThrowPastTheEnd() { throw Failure(fail::kSubscript); }
+
+void clsPalmDB::AddEmptyTextsBefore(int16_t ordinal) const {
+  for (auto k = textsHeld_ + 1; k < ordinal; ++k) {
+    nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
+    buffer_.push_back('\0');
+  }
+}
 
 int32_t clsPalmDB::NumberPastTheBuffer(int16_t offset, size_t width) const {
   if (textsHeld_ == kAllTexts) ThrowPastTheEnd();
@@ -222,6 +226,7 @@ void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
   }
   if (ordinal > textsHeld_ + 1) AddEmptyTextsBefore(ordinal);
   buffer_.append(text);
+  nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
   buffer_.push_back('\0');
   textsHeld_ = ordinal;
 }
@@ -373,6 +378,8 @@ void clsPalmDB::ReportNoField(std::string_view name) { shell_.MsgBox(std::string
 void clsPalmDB::AddNew() {
   // Every number is 0 and every text empty, the texts yet to be put in.
   buffer_.assign(static_cast<size_t>(fixedLength_), '\0');
+  nuls_.clear();  // kept up to date as the texts come in, for the reads after the write
+  nulsKnown_ = true;
   textsHeld_ = 0;
 }
 void clsPalmDB::Rewind() { Container().Rewind(); }

@@ -270,12 +270,10 @@ class clsPalmDB {
     if (textsHeld_ == kAllTexts) return;  // nothing is written: a record only read stays unchanged
     AddEmptyTextsBefore(static_cast<int16_t>(textCount_ + 1));
     textsHeld_ = kAllTexts;
-    nulsKnown_ = false;  // found when the texts are next looked at
   }
-  // Puts in the empty texts from the first not held to the one before `ordinal`.
-  void AddEmptyTextsBefore(int16_t ordinal) const {
-    buffer_.append(static_cast<size_t>(ordinal - textsHeld_ - 1), '\0');
-  }
+  // Puts in the empty texts from the first not held to the one before
+  // `ordinal`, each its NUL.
+  void AddEmptyTextsBefore(int16_t ordinal) const;
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
   int16_t fieldCount_ = 0;                          // schema_'s fields from 1
   uint32_t schemaGeneration_ = 0;
@@ -294,6 +292,12 @@ class clsPalmDB {
   mutable std::vector<uint32_t> nuls_;
   mutable bool nulsKnown_ = false;
   void BufferChanged() { nulsKnown_ = false; }
+  // A number set past the fixed part lands in the texts: they are put in
+  // whole first.
+  void TextsChanged() {
+    CloseTexts();
+    BufferChanged();
+  }
   // The NULs of the text part, found once and kept up to date by SetString.
   std::vector<uint32_t>& TextNuls() const {
     CloseTexts();

@@ -97,6 +97,7 @@ TEST(PalmDB, ANewRecordsTextsComeOutAsTheyWouldInPlace) {
       {{"A", "x"}, {"B", std::string("t\0u", 3)}, {"C", "c"}},  // a NUL shifts the later texts
       {{"B", "b"}, {"B", "?"}, {"C", "c"}, {"A", "?"}, {"D", "d"}},
       {{"C", ""}, {"D", "dd"}, {"Num", "7"}, {"A", "a"}},
+      {{"A", "a"}, {"Num", "'12x"}, {"C", "c"}},  // a text into the number on the way
   };
   for (const Steps& steps : cases) {
     TestShell shell;
@@ -114,7 +115,8 @@ TEST(PalmDB, ANewRecordsTextsComeOutAsTheyWouldInPlace) {
         if (text == "?") {
           readBack += db->Item(field).ToText() + "|";
         } else {
-          db->SetItem(field, field == "Num" ? Value::Long(std::stoi(text)) : Value(text));
+          const bool number = field == "Num" && text[0] != '\'';
+          db->SetItem(field, number ? Value::Long(std::stoi(text)) : Value(text.substr(field == "Num" ? 1 : 0)));
         }
       }
     }
