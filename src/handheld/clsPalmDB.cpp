@@ -113,12 +113,12 @@ void clsPalmDB::AddField(int32_t type, std::string_view name, int16_t position) 
   ++schemaGeneration_;
 }
 
-int16_t clsPalmDB::FindItem(std::string_view name) const {
-  for (size_t next = static_cast<size_t>(lastFound_) + 1; next <= static_cast<size_t>(lastFound_) + 2; ++next) {
-    if (next < schema_.size() && schema_[next].firstOfName && schema_[next].name == name) {
-      lastFound_ = static_cast<int16_t>(next);
-      return lastFound_;
-    }
+int16_t clsPalmDB::FindItemFurther(std::string_view name) const {
+  // The one after that: a field left out between.
+  const auto next = static_cast<size_t>(lastFound_) + 2;
+  if (next < schema_.size() && schema_[next].firstOfName && schema_[next].name == name) {
+    lastFound_ = static_cast<int16_t>(next);
+    return lastFound_;
   }
   // Callers nearly always spell a name as the schema does.
   if (const auto exact = byExactName_.find(name); exact != byExactName_.end()) {

@@ -57,7 +57,15 @@ class clsPalmDB {
 
   void ClearSchema();
   void AddField(int32_t type, std::string_view name, int16_t position = -1);
-  int16_t FindItem(std::string_view name) const;
+  // Fields are mostly reached in schema order: the one after the last found
+  // is tried first, here, the other ways out of line.
+  int16_t FindItem(std::string_view name) const {
+    const auto next = static_cast<size_t>(lastFound_) + 1;
+    if (next < schema_.size() && schema_[next].firstOfName && schema_[next].name == name) {
+      return lastFound_ = static_cast<int16_t>(next);
+    }
+    return FindItemFurther(name);
+  }
   int16_t FindItem(int32_t index) const {
     return (index >= 0 && index <= FieldCount()) ? static_cast<int16_t>(index) : int16_t{0};
   }
@@ -248,6 +256,7 @@ class clsPalmDB {
   }
   void ReportNoField(std::string_view name);
   void ReportNoField(int32_t index);
+  int16_t FindItemFurther(std::string_view name) const;
   [[noreturn]] static void ThrowPastTheEnd();
   // NumberAt of a number that lies past what the buffer holds: past the
   // record's end, or in texts not yet put in it.
@@ -284,8 +293,6 @@ class clsPalmDB {
     size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>{}(name); }
   };
   std::unordered_map<std::string, int16_t, ExactHash, std::equal_to<>> byExactName_;
-  // Fields are mostly reached in schema order: the one after the last found
-  // is tried first.
   mutable int16_t lastFound_ = 0;
   std::unordered_map<std::string, int16_t, CaseBlindHash, CaseBlindEqual> byName_;
   // Where each text of the buffer starts, worked out once a record.
