@@ -192,6 +192,67 @@ void clsPalmDB::AddEmptyTextsBefore(int16_t ordinal) const {
   }
 }
 
+namespace {
+
+// Counted in blocks of at most 255 bytes, each in a byte, which the
+// compiler turns into a few instructions for every 16 bytes.
+size_t CountNuls(std::string_view bytes) {
+  size_t count = 0;
+  while (!bytes.empty()) {
+    const size_t block = std::min(bytes.size(), size_t{255});
+    uint8_t inBlock = 0;
+    for (size_t i = 0; i < block; ++i) inBlock = static_cast<uint8_t>(inBlock + (bytes[i] == '\0' ? 1 : 0));
+    count += inBlock;
+    bytes.remove_prefix(block);
+  }
+  return count;
+}
+
+// Text `ordinal` of those behind `fixed`, split at NULs, replaced by `text`.
+void PutTextAt(std::string& buffer, size_t fixed, int16_t ordinal, std::string_view text) {
+  size_t start = fixed;
+  for (int16_t k = 1; k < ordinal; ++k) {
+    const size_t nul = buffer.find('\0', start);
+    if (nul == std::string::npos) throw Failure(fail::kSubscript);
+    start = nul + 1;
+  }
+  const size_t end = buffer.find('\0', start);
+  if (end == std::string::npos) throw Failure(fail::kSubscript);
+  buffer.replace(start, end - start, text);
+}
+
+}  // namespace
+
+void clsPalmDB::CloseHeldTexts() const {
+  // The texts are checked for a NUL once, here, and not one by one as they
+  // come in: a NUL in one of them is rare.
+  const std::string_view texts = std::string_view(buffer_).substr(static_cast<size_t>(fixedLength_));
+  if (CountNuls(texts) != nuls_.size()) return PutHeldTextsInPlace(textsHeld_);
+  AddEmptyTextsBefore(static_cast<int16_t>(textCount_ + 1));
+  textsHeld_ = kAllTexts;
+}
+
+void clsPalmDB::PutHeldTextsInPlace(int16_t held) const {
+  // A text set held a NUL, which moves every text behind it down by one in a
+  // whole record. The texts set are therefore put in again, in the order they
+  // were set, each in the place its ordinal names when every NUL is counted.
+  const auto fixed = static_cast<size_t>(fixedLength_);
+  const std::string texts = buffer_.substr(fixed);
+  const std::vector<uint32_t> ends = nuls_;
+  buffer_.resize(fixed);
+  buffer_.append(static_cast<size_t>(textCount_), '\0');
+  textsHeld_ = kAllTexts;
+  nulsKnown_ = false;
+  size_t start = 0;
+  for (int16_t k = 1; k <= held; ++k) {
+    const size_t end = ends[static_cast<size_t>(k - 1)] - fixed;
+    if (std::find(textsLeftEmpty_.begin(), textsLeftEmpty_.end(), k) == textsLeftEmpty_.end()) {
+      PutTextAt(buffer_, fixed, k, std::string_view(texts).substr(start, end - start));
+    }
+    start = end + 1;
+  }
+}
+
 int32_t clsPalmDB::NumberPastTheBuffer(int16_t offset, size_t width) const {
   if (textsHeld_ == kAllTexts) ThrowPastTheEnd();
   CloseTexts();
@@ -220,11 +281,11 @@ void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
 }
 
 void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
-  if (textsHeld_ == kAllTexts || ordinal <= textsHeld_ || ordinal > textCount_ ||
-      std::memchr(text.data(), 0, text.size()) != nullptr) {
-    return ReplaceText(ordinal, text);
+  if (textsHeld_ == kAllTexts || ordinal <= textsHeld_ || ordinal > textCount_) return ReplaceText(ordinal, text);
+  if (ordinal > textsHeld_ + 1) {
+    for (auto k = textsHeld_ + 1; k < ordinal; ++k) textsLeftEmpty_.push_back(static_cast<int16_t>(k));
+    AddEmptyTextsBefore(ordinal);
   }
-  if (ordinal > textsHeld_ + 1) AddEmptyTextsBefore(ordinal);
   buffer_.append(text);
   nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
   buffer_.push_back('\0');
@@ -381,6 +442,7 @@ void clsPalmDB::AddNew() {
   nuls_.clear();  // kept up to date as the texts come in, for the reads after the write
   nulsKnown_ = true;
   textsHeld_ = 0;
+  textsLeftEmpty_.clear();
 }
 void clsPalmDB::Rewind() { Container().Rewind(); }
 bool clsPalmDB::WriteData() {

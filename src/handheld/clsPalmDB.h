@@ -276,12 +276,16 @@ class clsPalmDB {
   mutable int16_t textsHeld_ = kAllTexts;  // the texts in the buffer while filling
   void CloseTexts() const {
     if (textsHeld_ == kAllTexts) return;  // nothing is written: a record only read stays unchanged
-    AddEmptyTextsBefore(static_cast<int16_t>(textCount_ + 1));
-    textsHeld_ = kAllTexts;
+    CloseHeldTexts();
   }
+  void CloseHeldTexts() const;
   // Puts in the empty texts from the first not held to the one before
   // `ordinal`, each its NUL.
   void AddEmptyTextsBefore(int16_t ordinal) const;
+  // The texts put in empty before one set behind them, as against those set:
+  // told apart only when a text set held a NUL.
+  mutable std::vector<int16_t> textsLeftEmpty_;
+  void PutHeldTextsInPlace(int16_t held) const;
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
   int16_t fieldCount_ = 0;                          // schema_'s fields from 1
   uint32_t schemaGeneration_ = 0;
