@@ -425,6 +425,8 @@ void clsPalmDB::WriteField(int16_t index, const Value& value) {
   }
 }
 
+void clsPalmDB::WriteNumber(int16_t index, int32_t number) { WriteField(index, Value::Long(number)); }
+
 Value clsPalmDB::Item(std::string_view name) { return ReadField(FindItem(name)); }
 
 void clsPalmDB::SetItem(std::string_view name, const Value& value) {

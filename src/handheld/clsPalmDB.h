@@ -124,8 +124,10 @@ class clsPalmDB {
     if (place.text && value.IsText()) return SetText(place.position, value.Text());
     WriteField(place.index, value);
   }
-  // SetItem of a Long, with no value made for it.
-  void SetNumber(Place place, int32_t number) {
+  // SetItem of a Long, with no value made for it. Inline into every caller:
+  // a caller sets the same fields record after record, so the choice of
+  // width made in its own code goes the same way each time.
+  [[gnu::always_inline]] void SetNumber(Place place, int32_t number) {
     // A caller that sets most fields by index and a few by name goes in
     // field order: the name is looked for behind this one first.
     lastFound_ = place.index;
@@ -133,8 +135,9 @@ class clsPalmDB {
         (place.width != 4 || number >= 0)) {  // SetInt32 has its own rule for these
       return StoreNumber(place.position, place.width, static_cast<uint32_t>(number));
     }
-    WriteField(place.index, Value::Long(number));
+    WriteNumber(place.index, number);
   }
+  void WriteNumber(int16_t index, int32_t number);
   // The same for a text, set in place when the field holds a text.
   void SetTextItem(int32_t index, std::string_view text) {
     if (index > 0 && index <= FieldCount() && schema_[static_cast<size_t>(index)].type == kFieldText) {
