@@ -73,8 +73,10 @@ void MVRSFold::HandOver(MVRSFoldStep& step) {
   step.route = route_;
   step.routeNumber = routeNumber_;
   step.customer = customer_;
-  std::swap(step.meter, meter_);
-  meter_ = MVRSMeter();
+  // Moved, not copied: the next meter starts afresh at its own "MTR" line,
+  // and nothing of one not pending is used.
+  step.meter = std::move(meter_);
+  meter_.Pending = false;
 }
 
 bool MVRSFold::TakeLine(MVRSFoldStep& step, const clsRecType& line, int32_t lineNo) {
