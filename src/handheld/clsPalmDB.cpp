@@ -187,6 +187,7 @@ void clsPalmDB::ThrowPastTheEnd() { throw Failure(fail::kSubscript); }
 
 void clsPalmDB::AddEmptyTextsBefore(int16_t ordinal) const {
   for (auto k = textsHeld_ + 1; k < ordinal; ++k) {
+    textsLeftEmpty_.push_back(static_cast<int16_t>(k));
     nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
     buffer_.push_back('\0');
   }
@@ -282,10 +283,7 @@ void clsPalmDB::SetString(int16_t ordinal, const Value& value) {
 
 void clsPalmDB::SetText(int16_t ordinal, std::string_view text) {
   if (textsHeld_ == kAllTexts || ordinal <= textsHeld_ || ordinal > textCount_) return ReplaceText(ordinal, text);
-  if (ordinal > textsHeld_ + 1) {
-    for (auto k = textsHeld_ + 1; k < ordinal; ++k) textsLeftEmpty_.push_back(static_cast<int16_t>(k));
-    AddEmptyTextsBefore(ordinal);
-  }
+  if (ordinal > textsHeld_ + 1) AddEmptyTextsBefore(ordinal);
   buffer_.append(text);
   nuls_.push_back(static_cast<uint32_t>(buffer_.size()));
   buffer_.push_back('\0');

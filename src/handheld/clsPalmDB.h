@@ -283,10 +283,10 @@ class clsPalmDB {
   }
   void CloseHeldTexts() const;
   // Puts in the empty texts from the first not held to the one before
-  // `ordinal`, each its NUL.
+  // `ordinal`, each its NUL, and notes them as left empty.
   void AddEmptyTextsBefore(int16_t ordinal) const;
-  // The texts put in empty before one set behind them, as against those set:
-  // told apart only when a text set held a NUL.
+  // The texts of the record being filled that were put in empty and not set,
+  // told apart from those set only when a text set held a NUL.
   mutable std::vector<int16_t> textsLeftEmpty_;
   void PutHeldTextsInPlace(int16_t held) const;
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
