@@ -209,34 +209,25 @@ size_t CountNuls(std::string_view bytes) {
   return count;
 }
 
-// Text `ordinal` of those behind `fixed`, split at NULs, replaced by `text`.
-void PutTextAt(std::string& buffer, size_t fixed, int16_t ordinal, std::string_view text) {
-  size_t start = fixed;
-  for (int16_t k = 1; k < ordinal; ++k) {
-    const size_t nul = buffer.find('\0', start);
-    if (nul == std::string::npos) throw Failure(fail::kSubscript);
-    start = nul + 1;
-  }
-  const size_t end = buffer.find('\0', start);
-  if (end == std::string::npos) throw Failure(fail::kSubscript);
-  buffer.replace(start, end - start, text);
-}
-
 }  // namespace
 
 void clsPalmDB::CloseHeldTexts() const {
   // The texts are checked for a NUL once, here, and not one by one as they
   // come in: a NUL in one of them is rare.
   const std::string_view texts = std::string_view(buffer_).substr(static_cast<size_t>(fixedLength_));
-  if (CountNuls(texts) != nuls_.size()) return PutHeldTextsInPlace(textsHeld_);
+  if (CountNuls(texts) != nuls_.size()) {
+    // Only a record being filled holds texts, so this is never a const
+    // clsPalmDB: the texts go in again through the setter of a whole record.
+    return const_cast<clsPalmDB&>(*this).PutHeldTextsInPlace(textsHeld_);
+  }
   AddEmptyTextsBefore(static_cast<int16_t>(textCount_ + 1));
   textsHeld_ = kAllTexts;
 }
 
-void clsPalmDB::PutHeldTextsInPlace(int16_t held) const {
+void clsPalmDB::PutHeldTextsInPlace(int16_t held) {
   // A text set held a NUL, which moves every text behind it down by one in a
   // whole record. The texts set are therefore put in again, in the order they
-  // were set, each in the place its ordinal names when every NUL is counted.
+  // were set, each by ReplaceText as into a whole record.
   const auto fixed = static_cast<size_t>(fixedLength_);
   const std::string texts = buffer_.substr(fixed);
   const std::vector<uint32_t> ends = nuls_;
@@ -248,7 +239,7 @@ void clsPalmDB::PutHeldTextsInPlace(int16_t held) const {
   for (int16_t k = 1; k <= held; ++k) {
     const size_t end = ends[static_cast<size_t>(k - 1)] - fixed;
     if (std::find(textsLeftEmpty_.begin(), textsLeftEmpty_.end(), k) == textsLeftEmpty_.end()) {
-      PutTextAt(buffer_, fixed, k, std::string_view(texts).substr(start, end - start));
+      ReplaceText(k, std::string_view(texts).substr(start, end - start));
     }
     start = end + 1;
   }

@@ -288,7 +288,7 @@ class clsPalmDB {
   // The texts of the record being filled that were put in empty and not set,
   // told apart from those set only when a text set held a NUL.
   mutable std::vector<int16_t> textsLeftEmpty_;
-  void PutHeldTextsInPlace(int16_t held) const;
+  void PutHeldTextsInPlace(int16_t held);
   std::vector<SchemaField> schema_{SchemaField{}};  // index 0 unused
   int16_t fieldCount_ = 0;                          // schema_'s fields from 1
   uint32_t schemaGeneration_ = 0;
